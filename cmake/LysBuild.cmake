@@ -1,0 +1,88 @@
+# Settings and helpers shared by every target of the repository.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+endif()
+
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+# Modules that a host loads at run time live apart from ordinary libraries.
+set(LYS_MODULE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib/lys")
+set(LYS_MODULE_INSTALL_DIRECTORY "${CMAKE_INSTALL_LIBDIR}/lys")
+
+find_program(LYS_CCACHE ccache)
+if(LYS_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_C_COMPILER_LAUNCHER "${LYS_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${LYS_CCACHE}")
+endif()
+
+# -ffp-contract=off: every evaluation step keeps its documented precision, fused operations would change bits.
+# -fno-gnu-unique: unique symbols would pin a module in memory for ever, so that it could never be unloaded.
+add_compile_options(-ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
+
+if(LYS_SANITIZE)
+  add_compile_options(-fsanitize=${LYS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${LYS_SANITIZE})
+endif()
+
+add_library(lys_warnings INTERFACE)
+target_compile_options(lys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+
+# lys_add_library(NAME EXPORT_AS name [MODULE_FOLDER] FOLDERS dir... INCLUDE_ROOT dir)
+# A shared library of all sources in the folders (relative to the caller), exported as lys::<name>.
+function(lys_add_library target)
+  cmake_parse_arguments(A "MODULE_FOLDER" "EXPORT_AS;INCLUDE_ROOT" "FOLDERS" ${ARGN})
+  set(sources "")
+  foreach(folder IN LISTS A_FOLDERS)
+    file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+    list(APPEND sources ${found})
+  endforeach()
+  add_library(${target} SHARED ${sources})
+  add_library(lys::${A_EXPORT_AS} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${A_EXPORT_AS} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${A_INCLUDE_ROOT}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/lys>)
+  # Headers with documented single-precision steps are inlined into clients, so the switch travels with the target.
+  target_compile_options(${target} PUBLIC -ffp-contract=off)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:lys_warnings>)
+  string(TOUPPER ${target} upper)
+  target_compile_definitions(${target} PRIVATE ${upper}_BUILD)
+  if(A_MODULE_FOLDER)
+    set_target_properties(${target} PROPERTIES VERSION "" SOVERSION ""
+      LIBRARY_OUTPUT_DIRECTORY "${LYS_MODULE_OUTPUT_DIRECTORY}"
+      INSTALL_RPATH "$ORIGIN:$ORIGIN/..")
+    install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${LYS_MODULE_INSTALL_DIRECTORY}")
+  else()
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+  endif()
+  set_property(GLOBAL APPEND PROPERTY LYS_LIBRARIES ${target})
+endfunction()
+
+# lys_add_test(NAME FOLDER dir LIBRARIES lib...): one GoogleTest program of all *Test.cpp files of a folder.
+function(lys_add_test target)
+  cmake_parse_arguments(A "" "FOLDER" "LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.h")
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${target} ${sources})
+  target_link_libraries(${target} PRIVATE ${A_LIBRARIES} GTest::gmock GTest::gtest_main lys_warnings)
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${target}." PROPERTIES TIMEOUT 120)
+endfunction()
