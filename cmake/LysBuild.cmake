@@ -7,6 +7,8 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# The build tree can be moved or copied as well.
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
@@ -40,6 +42,25 @@ endif()
 add_library(lys_warnings INTERFACE)
 target_compile_options(lys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
+# Installs the public headers of the list under <prefix>/include/lys, in the folders that they have below `root`.
+function(lys_install_headers root)
+  foreach(header IN LISTS ARGN)
+    if(header MATCHES "\\.h$" AND NOT header MATCHES "(_p|-inl)\\.h$")
+      cmake_path(GET header PARENT_PATH folder)
+      cmake_path(RELATIVE_PATH folder BASE_DIRECTORY "${root}")
+      cmake_path(NORMAL_PATH folder)
+      install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/lys/${folder}")
+    endif()
+  endforeach()
+endfunction()
+
+# lys_public_dependency(Qt6 6.4 COMPONENTS Widgets): what a client of the installed package has to find as well, because
+# public headers or link interfaces of a library name it.
+function(lys_public_dependency)
+  list(JOIN ARGN " " words)
+  set_property(GLOBAL APPEND PROPERTY LYS_PUBLIC_DEPENDENCIES "find_dependency(${words})")
+endfunction()
+
 # lys_add_library(NAME EXPORT_AS name [MODULE_FOLDER] FOLDERS dir... INCLUDE_ROOT dir)
 # A shared library of all sources in the folders (relative to the caller), exported as lys::<name>.
 function(lys_add_library target)
@@ -61,10 +82,11 @@ function(lys_add_library target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:lys_warnings>)
   string(TOUPPER ${target} upper)
   target_compile_definitions(${target} PRIVATE ${upper}_BUILD)
+  lys_install_headers("${A_INCLUDE_ROOT}" ${sources})
   if(A_MODULE_FOLDER)
     set_target_properties(${target} PROPERTIES VERSION "" SOVERSION ""
       LIBRARY_OUTPUT_DIRECTORY "${LYS_MODULE_OUTPUT_DIRECTORY}"
-      INSTALL_RPATH "$ORIGIN:$ORIGIN/..")
+      INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
     install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${LYS_MODULE_INSTALL_DIRECTORY}")
   else()
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -73,9 +95,30 @@ function(lys_add_library target)
   set_property(GLOBAL APPEND PROPERTY LYS_LIBRARIES ${target})
 endfunction()
 
-# lys_add_test(NAME FOLDER dir LIBRARIES lib...): one GoogleTest program of all *Test.cpp files of a folder.
+# lys_add_program(NAME [FOLDERS dir...] LIBRARIES lib...): an installed program of all sources in the folders (default:
+# the caller's). It finds its libraries beside it, wherever the tree is moved to.
+function(lys_add_program target)
+  cmake_parse_arguments(A "" "" "FOLDERS;LIBRARIES" ${ARGN})
+  if(NOT A_FOLDERS)
+    set(A_FOLDERS .)
+  endif()
+  set(sources "")
+  foreach(folder IN LISTS A_FOLDERS)
+    file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.h")
+    list(APPEND sources ${found})
+  endforeach()
+  add_executable(${target} ${sources})
+  target_link_libraries(${target} PRIVATE ${A_LIBRARIES} lys_warnings)
+  set_target_properties(${target} PROPERTIES
+    INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR};$ORIGIN/../${LYS_MODULE_INSTALL_DIRECTORY}")
+  install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+endfunction()
+
+# lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL]): one GoogleTest program of all *.cpp files of a folder.
+# WIDGETS: the cases need Qt Widgets and run without a display. OPENGL: they need an X display with OpenGL (./check starts
+# one), carry the label "opengl" and run one after the other, because they share the display's focus.
 function(lys_add_test target)
-  cmake_parse_arguments(A "" "FOLDER" "LIBRARIES" ${ARGN})
+  cmake_parse_arguments(A "WIDGETS;OPENGL" "FOLDER" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.h")
   if(NOT sources)
     return()
@@ -84,5 +127,11 @@ function(lys_add_test target)
   target_link_libraries(${target} PRIVATE ${A_LIBRARIES} GTest::gmock GTest::gtest_main lys_warnings)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${target}." PROPERTIES TIMEOUT 120)
+  set(properties TIMEOUT 120)
+  if(A_WIDGETS)
+    list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+  elseif(A_OPENGL)
+    list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=xcb" LABELS opengl RESOURCE_LOCK display)
+  endif()
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${target}." PROPERTIES ${properties})
 endfunction()
