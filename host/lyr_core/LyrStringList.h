@@ -46,11 +46,8 @@ public:
 
     void append(LyrString item) { mItems.push_back(std::move(item)); }
     void append(const LyrStringList& other) {
-        const std::size_t count = other.mItems.size();
-        mItems.reserve(mItems.size() + count);
-        for (std::size_t i = 0; i < count; ++i) {
-            mItems.push_back(other.mItems[i]);
-        }
+        const std::vector<LyrString> items = other.mItems;  // other may be this list
+        mItems.insert(mItems.end(), items.begin(), items.end());
     }
     /** Removes the string of an index; false outside the list. */
     bool remove(long long index) {
