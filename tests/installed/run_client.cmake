@@ -1,0 +1,41 @@
+# Installs a build, moves the installation to another folder, builds the client project against it and runs the client's
+# programs.
+#
+#   cmake -DBUILD=<build folder> -DSOURCE=<repository> -DWORK=<scratch folder> -DCOMPONENTS="core volume"
+#         [-DCXX_FLAGS=<flags>] -P run_client.cmake
+
+function(run what)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${what} failed (${status}):\n${output}")
+  endif()
+  message(STATUS "${what}: done")
+endfunction()
+
+separate_arguments(components UNIX_COMMAND "${COMPONENTS}")
+set(prefix "${WORK}/moved")
+file(REMOVE_RECURSE "${WORK}/prefix" "${prefix}" "${WORK}/client")
+
+run("installing" "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${WORK}/prefix")
+file(RENAME "${WORK}/prefix" "${prefix}")
+
+# What is installed names neither the source nor the build tree, so that it works without them.
+file(GLOB package_files "${prefix}/lib/cmake/lys_colortable/*.cmake")
+foreach(file IN LISTS package_files)
+  file(READ "${file}" text)
+  string(FIND "${text}" "${SOURCE}" place)
+  if(NOT place EQUAL -1)
+    message(FATAL_ERROR "${file} names the source tree ${SOURCE}")
+  endif()
+endforeach()
+
+run("configuring the client" "${CMAKE_COMMAND}" -G Ninja -S "${SOURCE}/tests/installed" -B "${WORK}/client"
+  "-DCMAKE_PREFIX_PATH=${prefix}" "-DLYS_CLIENT_COMPONENTS=${COMPONENTS}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}"
+  "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}")
+run("building the client" "${CMAKE_COMMAND}" --build "${WORK}/client")
+foreach(component IN LISTS components)
+  run("running ${component}_client" "${WORK}/client/bin/${component}_client" "${prefix}")
+endforeach()
+if(EXISTS "${BUILD}/bin/colortable")
+  run("running the installed program" "${prefix}/bin/colortable" --help)
+endif()
