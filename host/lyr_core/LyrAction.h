@@ -1,0 +1,48 @@
+#pragma once
+
+#include <lyr_core/LyrClass.h>
+#include <lyr_core/LyrCoreExport.h>
+#include <lyr_core/Lyrenum.h>
+
+class LyrObject;
+
+/** An operation that is run on an object by identifier (LyrObject::runAction). A run calls check(), execute() and cleanUp() in
+ *  this order; each reports by ok() or error(). execute() is skipped when check() failed, cleanUp() always runs. */
+class LYR_CORE_EXPORT LyrAction : public LyrClassMember {
+public:
+    ~LyrAction() override;
+
+    virtual void check();
+    virtual void execute() = 0;
+    virtual void cleanUp();
+
+    /** The object that the action runs on, null outside a run. */
+    LyrObject* getObject() const noexcept { return mObject; }
+    LyrObject* getParameter() const noexcept { return mParameter; }
+    Lyrenum getActionID() const noexcept { return mActionId; }
+
+    /** Runs the action. Returns true if it ended with ok(). */
+    bool run(LyrObject* object, LyrObject* parameter);
+
+protected:
+    LyrAction() = default;
+    /** Reports success with a result. */
+    void ok(Lyrenum result);
+    /** Reports failure: the code goes to the error channel with the object as source. */
+    void error(Lyrenum code);
+    bool succeeded() const noexcept { return mSucceeded; }
+
+private:
+    friend class LyrObject;
+    LyrObject* mObject = nullptr;
+    LyrObject* mParameter = nullptr;
+    Lyrenum mActionId;
+    bool mSucceeded = false;
+    bool mFailed = false;
+};
+
+/** An action that is a member of the owning class. */
+class LYR_CORE_EXPORT LyrActionAttr : public LyrAction {
+public:
+    LyrActionAttr(unsigned int set, unsigned int clear) { setFlags(set, clear); }
+};

@@ -1,0 +1,72 @@
+#include <lyr_core/LyrClass.h>
+#include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrObject.h>
+
+#include <cstring>
+#include <mutex>
+
+namespace {
+
+struct LiveObjects {
+    std::mutex mutex;
+    LyrEmbeddedList<LyrClass, LyrClass> list;
+
+    static LiveObjects& instance() {
+        static LiveObjects objects;
+        return objects;
+    }
+};
+
+bool fits(const LyrClass& object, const LyrClassManager::SearchPattern& pattern) {
+    const LyrMetaClass& meta = object.getMetaClass();
+    if (pattern.module && std::strcmp(meta.getModule(), pattern.module) != 0) {
+        return false;
+    }
+    if (!pattern.className) {
+        return pattern.module != nullptr;
+    }
+    return pattern.exact ? std::strcmp(meta.getClassName(), pattern.className) == 0 : meta.isOfType(pattern.className);
+}
+
+template <class Take>
+void forEachFitting(const LyrClassManager::SearchPattern& pattern, Take take) {
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard lock(objects.mutex);
+    for (LyrClass* at = objects.list.first(); at; at = objects.list.next(at)) {
+        if (fits(*at, pattern) && !take(at)) {
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+long long LyrClassManager::getObjectCount(const SearchPattern& pattern) {
+    long long count = 0;
+    forEachFitting(pattern, [&](LyrClass*) { return ++count > 0; });
+    return count;
+}
+
+long long LyrClassManager::findObjects(LyrClass** out, long long capacity, const SearchPattern& pattern) {
+    long long count = 0;
+    if (out && capacity > 0) {
+        forEachFitting(pattern, [&](LyrClass* object) {
+            out[count++] = object;
+            return count < capacity;
+        });
+    }
+    return count;
+}
+
+void LyrClassManager::enter(LyrObject* object) {
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard lock(objects.mutex);
+    objects.list.append(object);
+}
+
+void LyrClassManager::leave(LyrObject* object) noexcept {
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard lock(objects.mutex);
+    objects.list.remove(object);
+}

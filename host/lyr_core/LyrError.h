@@ -1,0 +1,40 @@
+#pragma once
+
+#include <lyr_core/LyrCoreExport.h>
+#include <lyr_core/Lyrenum.h>
+
+#include <string>
+
+class LyrClass;
+
+/** The channel on which failures are reported, as a code and the object that failed. */
+class LYR_CORE_EXPORT LyrError {
+public:
+    class LYR_CORE_EXPORT Message {
+    public:
+        explicit Message(Lyrenum code) noexcept : mCode(code) {}
+        Message(const LyrClass* source, Lyrenum code) noexcept : mSource(source), mCode(code) {}
+
+        const LyrClass* getSource() const noexcept { return mSource; }
+        Lyrenum getCode() const noexcept { return mCode; }
+        /** The code's meaning in words and the class of the source. */
+        std::string getText() const;
+
+    private:
+        const LyrClass* mSource = nullptr;
+        Lyrenum mCode;
+    };
+
+    /** Hears of errors while it lives. The listener made last hears first; where it answers true nobody else hears. */
+    class LYR_CORE_EXPORT Listener {
+    public:
+        Listener();
+        virtual ~Listener();
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        virtual bool errorEmitted(const Message& message) = 0;
+    };
+
+    /** Hands a message to the listeners; without any it is one line on standard error. May be called from any thread. */
+    static void emitError(const Message& message) noexcept;
+};

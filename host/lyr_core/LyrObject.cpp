@@ -1,0 +1,249 @@
+#include <lyr_core/LyrAction.h>
+#include <lyr_core/LyrClassFactory.h>
+#include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrObject.h>
+#include <lyr_core/LyrProperty.h>
+#include <lyr_core/LyrRoleManager.h>
+#include <lyr_core/LyrSingleValueProperty.h>
+
+#include <algorithm>
+
+/** The naming template: not content, so setting it is never recorded and marks nothing. */
+class LyrObject::NameTemplateAttr : public LyrSingleValueOP<LyrSingleValuePropertyIF<const char*>> {};
+
+bool LyrObjectLink::linkIsOfType(const char* className) const noexcept {
+    return mTarget && mTarget->getMetaClass().isOfType(className);
+}
+
+LyrObject::LyrObject() { LyrClassManager::enter(this); }
+
+LyrObject::LyrObject(const LyrObject& other) : LyrClass(other), LyrIOC(other), mUnknownData(other.mUnknownData) {
+    if (other.mNameTemplate) {
+        setNameTemplate(other.getNameTemplate());
+    }
+    LyrClassManager::enter(this);
+}
+
+LyrObject& LyrObject::operator=(const LyrObject& other) {
+    copyFrom(other);
+    return *this;
+}
+
+LyrObject::~LyrObject() {
+    mDying = true;
+    LyrClassManager::leave(this);
+    disconnectAll();
+    while (!mProperties.empty()) {
+        removeProperty(mProperties.back()->getPropertyID());
+    }
+    for (const ActionEntry& entry : mActions) {
+        entry.action->mActionId = -1;
+    }
+}
+
+const LyrMetaClass& LyrObject::metaClass() {
+    static const LyrMetaClass meta("LyrObject", sizeof(LyrObject), &LyrClass::metaClass(), new LyrClassFactory<LyrObject>,
+                                   "lyr_core", 0, nullptr, 0, 0, 0, false);
+    return meta;
+}
+
+const LyrMetaClass& LyrObject::getMetaClass() const { return metaClass(); }
+
+void LyrObject::incRef() const noexcept { mRefCount.fetch_add(1, std::memory_order_relaxed); }
+
+bool LyrObject::decRef() const noexcept {
+    if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) != 1 || mDying) {
+        return false;
+    }
+    LyrMetaClass::destruct(const_cast<LyrObject*>(this), true);
+    return true;
+}
+
+std::int64_t LyrObject::getRefCount() const noexcept { return mRefCount.load(std::memory_order_relaxed); }
+
+void LyrObject::beginDestruction() {
+    mDying = true;
+    while (!mRoles.empty()) {
+        deactivateRole(mRoles.back());
+    }
+}
+
+LyrTimestamp LyrObject::getModificationTimestamp() const noexcept { return mModified; }
+
+void LyrObject::stampModification() noexcept { mModified = LyrTimestamp::getCurrentTimestamp(); }
+
+// Roles
+
+bool LyrObject::prepareRoles() {
+    bool done = true;
+    for (const Lyrenum role : RoleManager::defaultRoles(getMetaClass())) {
+        done = (isRoleActive(role) || activateRole(role)) && done;
+    }
+    return done;
+}
+
+bool LyrObject::isRoleActive(Lyrenum role) const noexcept {
+    return std::find(mRoles.begin(), mRoles.end(), role) != mRoles.end();
+}
+
+bool LyrObject::activateRole(Lyrenum role) {
+    if (!RoleManager::isRole(role) || isRoleActive(role)) {
+        return false;
+    }
+    mRoles.push_back(role);
+    return RoleManager::enter(role, LyrObjectLink(this, nullptr, -1));
+}
+
+bool LyrObject::deactivateRole(Lyrenum role) {
+    if (std::erase(mRoles, role) == 0) {
+        return false;
+    }
+    RoleManager::leave(role, LyrObjectLink(this, nullptr, -1));
+    return true;
+}
+
+// Owners and messages
+
+LyrObjectLink LyrObject::getParentLink() const noexcept {
+    return LyrObjectLink(const_cast<LyrObject*>(this), mParent, mParentLinkId);
+}
+
+void LyrObject::setParentLink(LyrObject* owner, Lyrenum linkId) noexcept {
+    mParent = owner;
+    mParentLinkId = linkId;
+}
+
+bool LyrObject::iocCallback(Message& message) {
+    if (message.getLinkID() != Lyrenum(-1) && !mDying) {
+        passToOwners(message, this);
+    }
+    return true;
+}
+
+void LyrObject::propertyChanged(const LyrProperty& property) {
+    if (mDying) {
+        return;
+    }
+    stampModification();
+    Message message(this, Lyr::PropertyHasChanged, property.getPropertyID());
+    iocBroadcast(message);
+}
+
+// Properties
+
+bool LyrObject::addProperty(Lyrenum id, LyrProperty* property, bool owned) {
+    if (!property || property->getObject() || getProperty(id)) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AlreadyRegistered));
+        return false;
+    }
+    try {
+        mProperties.push_back(property);
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
+        return false;
+    }
+    property->mOwnedByObject = owned;
+    property->setOwner(this, id);
+    return true;
+}
+
+bool LyrObject::removeProperty(Lyrenum id) {
+    auto found = std::find_if(mProperties.begin(), mProperties.end(),
+                              [&](const LyrProperty* property) { return property->getPropertyID() == id; });
+    if (found == mProperties.end()) {
+        return false;
+    }
+    LyrProperty* property = *found;
+    mProperties.erase(found);
+    property->setOwner(nullptr, id);
+    if (property->mOwnedByObject) {
+        property->mOwnedByObject = false;
+        delete property;
+    }
+    return true;
+}
+
+LyrProperty* LyrObject::getProperty(Lyrenum id) const noexcept {
+    for (LyrProperty* property : mProperties) {
+        if (property->getPropertyID() == id) {
+            return property;
+        }
+    }
+    return nullptr;
+}
+
+std::int64_t LyrObject::getPropertyCount() const noexcept { return static_cast<std::int64_t>(mProperties.size()); }
+
+LyrProperty* LyrObject::getPropertyAt(std::int64_t index) const noexcept {
+    return index >= 0 && index < getPropertyCount() ? mProperties[static_cast<std::size_t>(index)] : nullptr;
+}
+
+bool LyrObject::copyFrom(const LyrObject& other) {
+    if (this == &other) {
+        return true;
+    }
+    bool done = other.mNameTemplate ? setNameTemplate(other.getNameTemplate()) : true;
+    for (std::size_t i = 0; i < mProperties.size(); ++i) {
+        LyrProperty* target = mProperties[i];
+        const LyrProperty* source = other.getProperty(target->getPropertyID());
+        if (source && source->isStored() && target->isStored()) {
+            done = target->copyValueFrom(*source) && done;
+        }
+    }
+    mUnknownData = other.mUnknownData;
+    return done;
+}
+
+// Actions
+
+bool LyrObject::addAction(Lyrenum id, LyrAction* action) {
+    const bool taken = std::any_of(mActions.begin(), mActions.end(), [&](const ActionEntry& e) { return e.id == id; });
+    if (!action || taken) {
+        return false;
+    }
+    try {
+        mActions.push_back({id, action});
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
+        return false;
+    }
+    action->mActionId = id;
+    return true;
+}
+
+bool LyrObject::removeAction(Lyrenum id) {
+    return std::erase_if(mActions, [&](const ActionEntry& entry) { return entry.id == id; }) > 0;
+}
+
+bool LyrObject::runAction(Lyrenum id, LyrObject* parameter) {
+    for (const ActionEntry& entry : mActions) {
+        if (entry.id == id) {
+            return entry.action->run(this, parameter);
+        }
+    }
+    return false;
+}
+
+// Name and unknown data
+
+bool LyrObject::setNameTemplate(const char* name) {
+    if (!mNameTemplate) {
+        mNameTemplate.reset(new NameTemplateAttr);
+        if (!mNameTemplate || !addProperty(Lyr::NameTemplate, mNameTemplate.get())) {
+            mNameTemplate.reset();
+            return false;
+        }
+    }
+    return mNameTemplate->setValue(name);
+}
+
+const char* LyrObject::getNameTemplate() const noexcept { return mNameTemplate ? mNameTemplate->stored().utf8() : ""; }
+
+const LyrObjectUnknownData* LyrObject::getUnknownData() const noexcept { return mUnknownData.get(); }
+
+void LyrObject::setUnknownData(std::shared_ptr<const LyrObjectUnknownData> data) noexcept {
+    mUnknownData = std::move(data);
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <lyr_core/LyrCoreExport.h>
+#include <lyr_core/LyrObject.h>
+#include <lyr_core/LyrObjectLink.h>
+#include <lyr_core/Lyrenum.h>
+
+#include <memory>
+#include <vector>
+
+/** Hears of objects that take on a role and give it up. Adding a hook enters nothing by itself. */
+class LYR_CORE_EXPORT LyrObject::RoleHook {
+public:
+    virtual ~RoleHook();
+    /** An object takes on the role. False: something could not be set up (the object takes on the role all the same). */
+    virtual bool enterRoleHook(const LyrObjectLink& object) = 0;
+    virtual void leaveRoleHook(const LyrObjectLink& object) = 0;
+};
+
+/** What a role offers to its users: a base for the interfaces of roles. */
+class LYR_CORE_EXPORT LyrObject::RoleInterface {
+public:
+    explicit RoleInterface(Lyrenum role) noexcept : mRole(role) {}
+    virtual ~RoleInterface();
+    Lyrenum getRole() const noexcept { return mRole; }
+
+private:
+    Lyrenum mRole;
+};
+
+/** The roles that objects can take on. */
+class LYR_CORE_EXPORT LyrObject::RoleManager {
+public:
+    /** Makes a role known; counted, so that several modules may add it. */
+    static bool addRole(Lyrenum role);
+    static bool removeRole(Lyrenum role);
+    static bool isRole(Lyrenum role) noexcept;
+
+    /** Objects of the class, and of classes derived from it, take on the role in prepareRoles(). */
+    static bool addDefaultRole(const LyrMetaClass& meta, Lyrenum role);
+    static bool removeDefaultRole(const LyrMetaClass& meta, Lyrenum role);
+
+    static bool addHook(Lyrenum role, RoleHook* hook);
+    static bool removeHook(Lyrenum role, RoleHook* hook) noexcept;
+
+    /** Sets the interface of a role (null takes it away); the manager owns it. */
+    static bool setRoleInterface(Lyrenum role, std::unique_ptr<RoleInterface> roleInterface);
+    static RoleInterface* getRoleInterface(Lyrenum role) noexcept;
+
+private:
+    friend class LyrObject;
+    static std::vector<Lyrenum> defaultRoles(const LyrMetaClass& meta);
+    static bool enter(Lyrenum role, const LyrObjectLink& object);
+    static void leave(Lyrenum role, const LyrObjectLink& object);
+};

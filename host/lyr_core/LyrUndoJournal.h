@@ -1,0 +1,106 @@
+#pragma once
+
+#include <lyr_core/LyrCoreExport.h>
+#include <lyr_core/LyrObjectPtr.h>
+#include <lyr_core/LyrProperty.h>
+#include <lyr_core/LyrString.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+/** One undo step: the writes of one outermost action, in their order. */
+class LYR_CORE_EXPORT LyrUndoStep {
+public:
+    LyrUndoStep() = default;
+    LyrUndoStep(const LyrUndoStep&) = delete;
+    LyrUndoStep& operator=(const LyrUndoStep&) = delete;
+
+    const LyrString& getName() const noexcept { return mName; }
+    bool isEmpty() const noexcept { return mEntries.empty(); }
+    std::size_t getEntryCount() const noexcept { return mEntries.size(); }
+
+    /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is recorded. */
+    bool undo();
+    /** Does them again. */
+    bool redo();
+
+    /** Whether both steps changed the same properties of the same objects. */
+    bool touchesTheSame(const LyrUndoStep& other) const;
+    /** Appends a later step, which is empty afterwards. May throw std::bad_alloc (then nothing has changed). */
+    void absorb(LyrUndoStep& later);
+
+    /** True if an object of the module is kept by this step. */
+    bool holdsObjectsOf(const char* module) const;
+
+private:
+    friend class LyrUndoJournal;
+    struct Entry {
+        LyrObjectPtr object;
+        Lyrenum propertyId;
+        std::unique_ptr<LyrProperty::State> other;  ///< the value that a swap brings back
+    };
+    static bool swap(Entry& entry);
+
+    LyrString mName;
+    std::vector<Entry> mEntries;
+};
+
+/** Records writes to content while an action is open. Actions nest: an inner one that is aborted takes back its own writes
+ *  alone. What the outermost leaves is handed to the sink as one step; nothing recorded, no step. */
+class LYR_CORE_EXPORT LyrUndoJournal {
+public:
+    /** Receives finished steps. */
+    class LYR_CORE_EXPORT Sink {
+    public:
+        virtual ~Sink();
+        virtual void stepFinished(std::unique_ptr<LyrUndoStep> step) = 0;
+    };
+
+    /** Names an open action; 0 is none. */
+    using Token = std::int64_t;
+
+    static LyrUndoJournal& instance();
+
+    void setSink(Sink* sink) noexcept { mSink = sink; }
+    Sink* getSink() const noexcept { return mSink; }
+
+    /** Opens an action inside those that are open. */
+    Token begin(const LyrString& name);
+    /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is not
+     *  empty. False if the token names no open action. */
+    bool end(Token token, const LyrString& name = LyrString());
+    /** Takes back what an action, and those inside it, recorded, and ends it. */
+    bool abort(Token token);
+
+    bool isOpen() const noexcept { return !mLevels.empty(); }
+    int getDepth() const noexcept { return static_cast<int>(mLevels.size()); }
+    /** True if writes to content are to be recorded now: an action is open and no undo is under way. */
+    bool isRecording() const noexcept { return !mLevels.empty() && mReplays == 0; }
+
+    /** Adds the present value of a property to the open action, whatever the property's flags are: for commands whose undo has
+     *  to restore an object whole. */
+    bool addSnapshot(LyrProperty& property);
+
+    /** Makes room for one more write, so that record() cannot fail. */
+    bool reserve() noexcept;
+    /** Records a write that has happened. */
+    void record(LyrProperty& property, std::unique_ptr<LyrProperty::State> before) noexcept;
+
+private:
+    friend class LyrUndoStep;
+    struct Level {
+        Token token;
+        LyrString name;
+        std::size_t firstEntry;
+    };
+    LyrUndoJournal() = default;
+    std::size_t levelOf(Token token) const noexcept;
+    void rollBack(std::size_t firstEntry);
+
+    Sink* mSink = nullptr;
+    std::vector<Level> mLevels;
+    std::unique_ptr<LyrUndoStep> mStep;
+    Token mLastToken = 0;
+    int mReplays = 0;
+};
