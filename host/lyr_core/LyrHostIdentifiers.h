@@ -48,8 +48,10 @@ inline constexpr int LYR_HOST_BLOCK = 204800000;
     X(Workspace, 1016)                 \
     X(WorkspaceWidget, 1017)
 
-/** Names whose numbers the host fixes, but whose constants other modules export. */
-#define LYR_HOST_NAMES(X) X(Percent, 1100)
+/** Names whose numbers the host fixes, but which other modules register and export as well. */
+#define LYR_HOST_NAMES(X) \
+    X(Percent, 1100)      \
+    X(Degree, 1101)
 
 namespace Lyr {
 

@@ -1,6 +1,7 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrRegisteredEnum.h>
+#include <lyr_core/LyrUnitIdentifiers.h>
 #include <lyr_core/Lyrenum.h>
 
 #include <map>
@@ -62,6 +63,7 @@ private:
 #define LYR_REGISTER_HOST_NAME(name, offset) insert(#name, HOST_MODULE, LYR_HOST_BLOCK + (offset));
         LYR_HOST_IDENTIFIERS(LYR_REGISTER_HOST_NAME)
         LYR_HOST_NAMES(LYR_REGISTER_HOST_NAME)
+        LYR_UNIT_IDENTIFIERS(LYR_REGISTER_HOST_NAME)
 #undef LYR_REGISTER_HOST_NAME
     }
 
