@@ -97,7 +97,8 @@ LyrMetaClass::~LyrMetaClass() {
 }
 
 bool LyrMetaClass::isOfType(const LyrMetaClass& other) const noexcept {
-    return isOfType(other.getClassName());
+    // The same descriptor is the usual case; a class known by name alone may have another one.
+    return this == &other || isOfType(other.getClassName());
 }
 
 bool LyrMetaClass::isOfType(const char* className) const noexcept {

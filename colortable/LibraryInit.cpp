@@ -1,0 +1,84 @@
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/LibraryInit.h>
+#include <colortable/model/LyrColorLookupTable.h>
+#include <colortable/model/LyrColorLookupTableSection.h>
+#include <lyr_core/LyrRegisteredEnum.h>
+
+#include <iterator>
+#include <optional>
+
+// The whole load order of the library lies in this source, top to bottom: names, constants, classes, the initialiser's
+// instance. Unloading runs it backwards. Other sources hold no namespace-scope objects that read Lyr:: constants.
+
+namespace {
+
+constexpr const char* NAMES[] = {
+#define LYS_NAME(name) #name,
+    LYS_COLORTABLE_IDENTIFIERS(LYS_NAME)};
+constexpr const char* LOCAL_NAMES[] = {LYS_COLORTABLE_LOCAL_NAMES(LYS_NAME)};
+#undef LYS_NAME
+
+/** Registration records: destroyed last at unload, the last one first. */
+std::optional<LyrRegisteredEnum> sRecords[std::size(NAMES)];
+std::optional<LyrRegisteredEnum> sLocalRecords[std::size(LOCAL_NAMES)];
+
+/** Registers each missing name by itself: one that fails keeps none of the others from being registered. */
+template <std::size_t N>
+bool registerNames(const char* const (&names)[N], std::optional<LyrRegisteredEnum> (&records)[N]) {
+    bool complete = true;
+    for (std::size_t i = 0; i < N; ++i) {
+        try {
+            if (!records[i]) {
+                records[i].emplace(names[i], false, LYS_COLORTABLE_MODULE);
+            }
+        } catch (...) {
+            complete = false;
+        }
+    }
+    return complete;
+}
+
+bool sNamesRegistered = false;
+
+}  // namespace
+
+bool __lyqcolortable_enum_init() {
+    if (!sNamesRegistered) {
+        sNamesRegistered = registerNames(NAMES, sRecords);
+    }
+    return sNamesRegistered;
+}
+
+namespace {
+[[maybe_unused]] const bool sLoaded = __lyqcolortable_enum_init();
+[[maybe_unused]] const bool sLocalNamesLoaded = registerNames(LOCAL_NAMES, sLocalRecords);
+}  // namespace
+
+namespace Lyr {
+#define LYS_DEFINE_IDENTIFIER(name) const Lyrenum name(#name, true);
+LYS_COLORTABLE_IDENTIFIERS(LYS_DEFINE_IDENTIFIER)
+#undef LYS_DEFINE_IDENTIFIER
+}  // namespace Lyr
+
+namespace {
+[[maybe_unused]] const LyrMetaClass& sTableClass = LyrColorLookupTable::metaClass();
+[[maybe_unused]] const LyrMetaClass& sSectionClass = LyrColorLookupTable::Section::metaClass();
+
+LYQCOLORTABLE::LibraryInit sInstance;
+}  // namespace
+
+namespace LYQCOLORTABLE {
+
+LibraryInit::LibraryInit() : mUseCount(0) { __lyqcolortable_enum_init(); }
+
+LibraryInit::~LibraryInit() { mGuarded.clear(); }
+
+void LibraryInit::init() { sInstance._init(); }
+
+void LibraryInit::cleanup() { sInstance._cleanup(); }
+
+void LibraryInit::_init() { ++mUseCount; }
+
+void LibraryInit::_cleanup() { --mUseCount; }
+
+}  // namespace LYQCOLORTABLE

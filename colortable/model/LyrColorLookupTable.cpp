@@ -1,0 +1,148 @@
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/model/LyrColorLookupTable.h>
+#include <colortable/model/LyrColorLookupTableSection.h>
+#include <colortable/model/LyrColorLookupTable_p.h>
+#include <colortable/model/eval/ScalarTable.h>
+#include <lyr_core/LyrClassFactory.h>
+#include <lyr_core/LyrError.h>
+
+#include <optional>
+
+namespace {
+
+using Section = LyrColorLookupTable::Section;
+
+/** The section that a link leads to, null for anything else. */
+const Section* asSection(const LyrObjectLink& link) {
+    const LyrObject* object = link.getLink();
+    return object && object->getMetaClass().isOfType(Section::metaClass()) ? static_cast<const Section*>(object) : nullptr;
+}
+
+/** The table as its properties stand at the start of a call. */
+struct Reading {
+    std::span<const float> positions;
+    std::span<const LyrObjectLink> links;
+    LyrValuePair<Lyrenum> finiteMode;
+
+    long long positionCount() const { return static_cast<long long>(positions.size()); }
+    bool isValid() const { return positions.size() >= 2 && links.size() == positions.size() + 1; }
+
+    long long sectionOf(float value) const {
+        return lys::eval::findSection(value, positions.data(), positionCount());
+    }
+
+    bool isOutside(long long section) const {
+        return lys::eval::isOutside(section, positionCount(), finiteMode.first == 1, finiteMode.second == 1);
+    }
+
+    /** The section at an index, null beyond the ends and for a link that leads to none. */
+    const Section* neighbour(long long index) const {
+        return index >= 0 && index <= positionCount() ? asSection(links[static_cast<std::size_t>(index)]) : nullptr;
+    }
+
+    /** The section at an index; a link that leads to none is reported. */
+    const Section* resolve(long long index, const LyrObject& table) const {
+        const LyrObjectLink& link = links[static_cast<std::size_t>(index)];
+        const Section* section = asSection(link);
+        if (!section) {
+            const LyrClass* source = link.isNull() ? &table : link.getLink();
+            LyrError::emitError(LyrError::Message(source, Lyr::WrongType));
+        }
+        return section;
+    }
+
+    bool colour(long long index, const Section& section, float value, LyrRGBA<float>& out) const {
+        LyrValuePair<float> interval;
+        lys::eval::sectionInterval(index, positions.data(), positionCount(), &interval.first, &interval.second);
+        return section.getColor(interval, value, out, neighbour(index - 1), neighbour(index + 1));
+    }
+};
+
+template <class Properties>
+Reading readTable(const Properties& properties) {
+    Reading reading{properties.positions.view(), properties.sections.view(), {}};
+    properties.finiteMode.getValue(reading.finiteMode);
+    return reading;
+}
+
+}  // namespace
+
+LyrColorLookupTable::LyrColorLookupTable() { build(); }
+
+LyrColorLookupTable::LyrColorLookupTable(const LyrColorLookupTable& other) : LyrObject(other) {
+    build();
+    copyFrom(other);
+}
+
+LyrColorLookupTable& LyrColorLookupTable::operator=(const LyrColorLookupTable& other) {
+    copyFrom(other);
+    return *this;
+}
+
+LyrColorLookupTable::~LyrColorLookupTable() = default;
+
+void LyrColorLookupTable::build() {
+    setProtectedFlags(0, 0x110100);
+    d.reset(new Private);
+    const Lyrenum result = d ? d->registerProperties(*this) : Lyr::AllocationFailed;
+    if (result != Lyrenum(1)) {
+        LyrError::emitError(LyrError::Message(this, result));
+    }
+    metaClass().applyDefaultFlags(this);
+}
+
+const LyrMetaClass& LyrColorLookupTable::metaClass() {
+    static const LyrMetaClass meta("LyrColorLookupTable", sizeof(LyrColorLookupTable), &LyrObject::metaClass(),
+                                   new LyrClassFactory<LyrColorLookupTable>, LYS_COLORTABLE_MODULE, 0, nullptr, 0, 0, 0,
+                                   LyrObject::metaClass().isSingleton());
+    return meta;
+}
+
+const LyrMetaClass& LyrColorLookupTable::getMetaClass() const { return metaClass(); }
+
+// The finite ends come before the section: a link that leads to no section does not matter outside a finite range.
+bool LyrColorLookupTable::getColor(float value, LyrRGBA<float>& out) const {
+    const std::optional<Reading> reading = d ? std::optional(readTable(*d)) : std::nullopt;
+    if (!reading || !reading->isValid()) {
+        return false;
+    }
+    const long long index = reading->sectionOf(value);
+    if (reading->isOutside(index)) {
+        out = LyrRGBA<float>::GRAY(0.0f);
+        return true;
+    }
+    const Section* section = reading->resolve(index, *this);
+    return section && reading->colour(index, *section, value, out);
+}
+
+// The section comes before the finite ends here: a link that leads to no section fails in any case.
+bool LyrColorLookupTable::getColors(long long count, const float* values, LyrRGBA<float>* out) const {
+    const std::optional<Reading> reading = d ? std::optional(readTable(*d)) : std::nullopt;
+    if (!reading || !reading->isValid() || (count > 0 && (!values || !out))) {
+        return false;
+    }
+    for (long long i = count - 1; i >= 0; --i) {
+        const long long index = reading->sectionOf(values[i]);
+        const Section* section = reading->resolve(index, *this);
+        if (!section) {
+            return false;
+        }
+        if (reading->isOutside(index)) {
+            out[i] = LyrRGBA<float>::GRAY(0.0f);
+        } else if (!reading->colour(index, *section, values[i], out[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool LyrColorLookupTable::copyFrom(const LyrObject& other) { return d && LyrObject::copyFrom(other); }
+
+// The table's own news goes first, the section's message follows on its way to the owners.
+bool LyrColorLookupTable::iocCallback(Message& message) {
+    if (message.getLinkID() == Lyr::SectionList) {
+        Message relayed(this, Lyr::PropertyHasChanged, Lyr::SectionList);
+        iocBroadcast(relayed);
+    }
+    return LyrObject::iocCallback(message);
+}
