@@ -72,7 +72,7 @@ function(lys_add_library target)
   endforeach()
   add_library(${target} SHARED ${sources})
   add_library(lys::${A_EXPORT_AS} ALIAS ${target})
-  set_target_properties(${target} PROPERTIES EXPORT_NAME ${A_EXPORT_AS} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${A_EXPORT_AS})
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${A_INCLUDE_ROOT}>
@@ -84,12 +84,13 @@ function(lys_add_library target)
   target_compile_definitions(${target} PRIVATE ${upper}_BUILD)
   lys_install_headers("${A_INCLUDE_ROOT}" ${sources})
   if(A_MODULE_FOLDER)
-    set_target_properties(${target} PROPERTIES VERSION "" SOVERSION ""
-      LIBRARY_OUTPUT_DIRECTORY "${LYS_MODULE_OUTPUT_DIRECTORY}"
+    # A module is found by its plain name.
+    set_target_properties(${target} PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${LYS_MODULE_OUTPUT_DIRECTORY}"
       INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
     install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${LYS_MODULE_INSTALL_DIRECTORY}")
   else()
-    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN")
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+      INSTALL_RPATH "$ORIGIN")
     install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
   endif()
   set_property(GLOBAL APPEND PROPERTY LYS_LIBRARIES ${target})
