@@ -37,6 +37,7 @@ inline Table rainbowTable() {
 
 struct Random {
     std::mt19937 engine;
+    bool withNan = true;  ///< among the points of sections
     explicit Random(uint32_t seed) : engine(seed) {}
 
     uint32_t below(uint32_t n) { return uint32_t(std::uniform_int_distribution<uint64_t>(0, n - 1)(engine)); }
@@ -55,7 +56,7 @@ struct Random {
     float pointValue() {
         static const float edges[] = {0.0f, -0.0f, 1.0f, -1.0f, FLT_MAX, 1e-42f, std::numeric_limits<float>::infinity(),
                                       -std::numeric_limits<float>::infinity(), std::nanf("")};
-        return oneIn(6) ? edges[below(9)] : oneIn(8) ? anyNumber() : in(-0.2f, 1.2f);
+        return oneIn(6) ? edges[below(withNan ? 9 : 8)] : oneIn(8) ? anyNumber() : in(-0.2f, 1.2f);
     }
 
     SectionData section(bool mayFail) {

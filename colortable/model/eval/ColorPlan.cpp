@@ -1,0 +1,157 @@
+#include <colortable/model/eval/ColorPlan.h>
+
+#include <algorithm>
+#include <functional>
+#include <new>
+
+#include <colortable/model/eval/BucketIndex_p.h>
+#include <colortable/model/eval/KernelTarget_p.h>
+#include <colortable/model/eval/PlanSections_p.h>
+
+namespace lys::eval {
+
+namespace {
+
+constexpr std::align_val_t lineAlignment{64};
+constexpr int64_t lineBytes = 64;
+constexpr int64_t bytesPerColor = channelCount * static_cast<int64_t>(sizeof(float));
+
+/// From this size on the colours bypass the caches; below they are likely to be read again soon.
+constexpr int64_t streamedBytes = int64_t{1} << 20;
+
+/// Section offsets in bytes have to fit into 32 bits.
+constexpr int64_t mostBoundaries = int64_t{1} << 27;
+
+/// Searched by bisection like any list, but kernels count on ascending order; a NaN fails the comparison.
+bool ascends(const float* positions, int64_t count) {
+    bool ascending = positions[0] == positions[0];
+    for (int64_t k = 1; k < count; ++k)
+        ascending = ascending && positions[k - 1] <= positions[k];
+    return ascending;
+}
+
+/// Colouring goes from the end like the scalar path, but blocks read ahead of what they write.
+bool overlap(int64_t count, const float* values, const float* out) {
+    const std::less<const float*> before;
+    return before(values, out + count * channelCount) && before(out, values + count);
+}
+
+int64_t colorizeScalar(const TableView& table, int64_t count, const float* values, float* out) {
+    for (int64_t i = count - 1; i >= 0; --i) {
+        float color[channelCount];
+        if (!scalarColors(table, 1, values + i, color))
+            return i;
+        std::copy_n(color, channelCount, out + i * channelCount);
+    }
+    return -1;
+}
+
+/// Colours before the first whole line of the output; -1 when colours do not fall on the lines' starts at all.
+int64_t colorsBeforeLine(const float* out) {
+    const auto past = static_cast<int64_t>(reinterpret_cast<uintptr_t>(out) % lineBytes);
+    if (past % bytesPerColor != 0)
+        return -1;
+    return (lineBytes - past) % lineBytes / bytesPerColor;
+}
+
+int64_t roundedUp(int64_t bytes) {
+    return (bytes + lineBytes - 1) / lineBytes * lineBytes;
+}
+
+}  // namespace
+
+ColorPlan::ColorPlan() = default;
+
+ColorPlan::~ColorPlan() {
+    ::operator delete(heap_, lineAlignment);
+}
+
+bool ColorPlan::build(const TableView& table) {
+    return buildFor(bestKernelTarget(), table);
+}
+
+bool ColorPlan::build(const float* positions, int64_t positionCount, const SectionData* sections, bool finiteBelow,
+                      bool finiteAbove) {
+    return build({positions, positionCount, sections, finiteBelow, finiteAbove, false});
+}
+
+bool ColorPlan::takeMemory(bool withBuckets, int32_t** keys, uint16_t** starts) {
+    const int64_t boundaries = data_.boundaryCount;
+    if (boundaries < inlineSections) {
+        data_.start = inline_.start;
+        data_.end = inline_.end;
+        data_.interval = inline_.interval;
+        *keys = inline_.keys;
+        *starts = inline_.starts;
+        return true;
+    }
+    const int64_t recordBytes = roundedUp((boundaries + 1) * int64_t{sizeof(SectionInterval)});
+    const int64_t keyBytes = withBuckets ? roundedUp(paddedKeyCount(boundaries) * int64_t{sizeof(int32_t)}) : 0;
+    const int64_t startBytes = withBuckets ? bucketCountFor(boundaries) * int64_t{sizeof(uint16_t)} : 0;
+    heap_ = ::operator new(static_cast<size_t>(3 * recordBytes + keyBytes + startBytes), lineAlignment, std::nothrow);
+    if (!heap_)
+        return false;
+    auto* at = static_cast<std::byte*>(heap_);
+    data_.start = reinterpret_cast<float(*)[channelCount]>(at);
+    data_.end = reinterpret_cast<float(*)[channelCount]>(at + recordBytes);
+    data_.interval = reinterpret_cast<SectionInterval*>(at + 2 * recordBytes);
+    *keys = reinterpret_cast<int32_t*>(at + 3 * recordBytes);
+    *starts = reinterpret_cast<uint16_t*>(at + 3 * recordBytes + keyBytes);
+    return true;
+}
+
+bool ColorPlan::buildFor(KernelTarget target, const TableView& table) {
+    ::operator delete(heap_, lineAlignment);
+    heap_ = nullptr;
+    data_.block = nullptr;
+    data_.kinds = 0;
+    data_.failingSections = 0;
+    data_.table = table;
+    if (table.positionCount > mostBoundaries || !ascends(table.positions, table.positionCount))
+        return true;
+    data_.boundaryCount = static_cast<int32_t>(table.positionCount);
+    const Kernel kernel = kernelFor(target);
+    int32_t* keys = nullptr;
+    uint16_t* starts = nullptr;
+    const bool withBuckets = !addRegisterSearch(kernel.traits, &data_);
+    if (!takeMemory(withBuckets, &keys, &starts))
+        return false;
+    if (!addSections(kernel.traits, &data_))
+        return true;
+    if (withBuckets) {
+        data_.search = SearchMode::Buckets;
+        buildBucketIndex(table.positions, table.positionCount, keys, starts, &data_.buckets);
+    }
+    data_.block = kernel.block;
+    return true;
+}
+
+int64_t ColorPlan::colorize(int64_t count, const float* values, float* out) const {
+    if (count <= 0)
+        return -1;
+    if (!data_.block || overlap(count, values, out))
+        return colorizeScalar(data_.table, count, values, out);
+    int64_t first = 0;  // of the colours in whole lines
+    bool stream = false;
+    if (count * bytesPerColor >= streamedBytes && colorsBeforeLine(out) >= 0) {
+        first = colorsBeforeLine(out);
+        stream = true;
+    }
+    // From the end on, so that nothing below a failing value is touched; the odd block comes first to keep lines whole.
+    int64_t failing = -1;
+    for (int64_t end = count; end > 0 && failing < 0;) {
+        const int64_t n = end > first ? (end - first - 1) % blockSize + 1 : end;
+        end -= n;
+        const int in = data_.block(data_, values + end, static_cast<int>(n), out + end * channelCount, stream && end >= first);
+        failing = in < 0 ? -1 : end + in;
+    }
+    if (stream)
+        finishStreaming();
+    return failing;
+}
+
+bool ColorPlan::pays(int64_t count, int64_t positionCount) {
+    return count >= 16 && count >= positionCount / 2;
+}
+
+}  // namespace lys::eval

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstdint>
+
+#include <colortable/model/eval/ScalarTable.h>
+
+namespace lys::eval {
+
+struct PlanData;
+
+/// Values that a kernel colours with one call: the arrays between its stages stay in the first-level cache.
+inline constexpr int blockSize = 256;
+
+/// Colours n (1 … blockSize) values. Returns -1, or the index of the last value that cannot be coloured: the colours above
+/// it are written, nothing else is. stream: out is aligned to 64 bytes and the colours may bypass the cache.
+using BlockFunction = int (*)(const PlanData& plan, const float* values, int n, float* out, bool stream);
+
+/// What a section needs beyond its start colour, as bits of one word; a constant needs nothing.
+enum SectionKind : int32_t {
+    gradientKind = 1,
+    rainbowKind = 2,
+    invertedKind = 4,  ///< beside rainbowKind
+    hueKind = 8,
+    thirdsKind = 16,
+    failingKind = 32,
+};
+inline constexpr int32_t sineKinds = rainbowKind | invertedKind;
+inline constexpr int32_t analyticKinds = sineKinds | hueKind | thirdsKind;
+inline constexpr int32_t coloredKinds = gradientKind | analyticKinds;
+
+/// Count and Tree compare floats in registers, Buckets looks up a bucket and finishes with a bisection of ordered integers.
+enum class SearchMode : uint8_t { Count, Tree, Buckets };
+
+/// Where interval and kind of a value's section come from: no section needs them, one section does, all of them are held
+/// in registers, or in records in memory.
+enum class IntervalMode : uint8_t { None, Lone, Lanes, Records };
+
+/// What the registers of an instruction set can hold.
+struct KernelTraits {
+    int countedBoundaries = 0;  ///< boundaries that are counted one by one
+    int treeBoundaries = 0;     ///< boundaries of a search by permutes
+    int laneSections = 0;       ///< sections whose intervals are held in registers
+};
+
+struct SectionInterval {
+    float low;
+    float width;
+    int32_t kind;
+    int32_t unused;
+};
+
+inline constexpr int treeLevelSize = 16;
+inline constexpr int maxTreeLevels = 5;
+inline constexpr int maxLaneSections = 32;
+
+/// Narrows the search down to the boundaries in a value's own bucket. Buckets never descend as values ascend, so what lies
+/// in lower buckets is below the value and what lies in higher ones is not.
+struct BucketIndex {
+    const int32_t* keys = nullptr;     ///< boundaries as ordered integers, padded so that no bisection leaves the list
+    const uint16_t* starts = nullptr;  ///< for each bucket the number of boundaries in lower ones
+    bool linear = true;
+    float origin = 0.0f;  ///< linear: (value - origin) * scale
+    float scale = 0.0f;
+    int32_t firstKey = 0;  ///< else, nearly logarithmic: (key - firstKey) >> shift
+    int32_t lastKey = 0;
+    int32_t shift = 0;
+    int32_t lastBucket = 0;
+    int32_t levels = 1;  ///< bisection steps that finish the search in any bucket
+};
+
+/// A table read once and laid out for the kernels. Borrows the table's memory.
+struct PlanData {
+    TableView table;
+    BlockFunction block = nullptr;  ///< null: the table has no flat form, the scalar path colours
+    int32_t kinds = 0;              ///< all kinds of the table's sections together
+    SearchMode search = SearchMode::Buckets;
+    IntervalMode intervals = IntervalMode::None;
+    int32_t boundaryCount = 0;
+    int32_t treeLevels = 0;
+    uint32_t failingSections = 0;  ///< one bit for each section; used by Count and Tree
+    uint32_t loneOffset = 0;
+    SectionInterval lone = {};
+    BucketIndex buckets;
+
+    // 16 bytes for each section; stages hand a value's section on as the byte offset into these.
+    float (*start)[channelCount] = nullptr;
+    float (*end)[channelCount] = nullptr;
+    SectionInterval* interval = nullptr;
+
+    // Filled as far as the modes need them.
+    alignas(64) float cuts[maxLaneSections];
+    alignas(64) float tree[maxTreeLevels][treeLevelSize];
+    alignas(64) float laneLow[maxLaneSections];
+    alignas(64) float laneWidth[maxLaneSections];
+    alignas(64) int32_t laneKind[maxLaneSections];
+};
+
+}  // namespace lys::eval
