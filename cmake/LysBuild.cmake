@@ -86,8 +86,10 @@ function(lys_add_library target)
   if(A_MODULE_FOLDER)
     # A module is found by its plain name.
     set_target_properties(${target} PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${LYS_MODULE_OUTPUT_DIRECTORY}"
-      INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+      INSTALL_RPATH "$ORIGIN;$ORIGIN/.." BUILD_WITH_INSTALL_RPATH ON)
     install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${LYS_MODULE_INSTALL_DIRECTORY}")
+    # A sealed file must not change any more: its run path is the installed one from the start.
+    add_custom_command(TARGET ${target} POST_BUILD COMMAND lys_seal_module "$<TARGET_FILE:${target}>" VERBATIM)
   else()
     set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
       INSTALL_RPATH "$ORIGIN")

@@ -2,6 +2,7 @@
 #include <colortable/LibraryInit.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
+#include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 
 #include <iterator>
@@ -82,3 +83,6 @@ void LibraryInit::_init() { ++mUseCount; }
 void LibraryInit::_cleanup() { --mUseCount; }
 
 }  // namespace LYQCOLORTABLE
+
+LYR_DEFINE_MODULE("lys_colortable", __lyqcolortable_enum_init, LYQCOLORTABLE::LibraryInit::init,
+                  LYQCOLORTABLE::LibraryInit::cleanup)

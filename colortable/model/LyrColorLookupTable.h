@@ -36,6 +36,18 @@ public:
      *  are untouched. */
     bool getColors(long long count, const float* values, LyrRGBA<float>* out) const;
 
+    /** The generators: store the parameters on the table, then rebuild it in one undo step. The parameters are no part of the
+     *  step and stay when the rebuild is refused. False for a null table, a failed write or refused parameters: all need
+     *  finite numbers with from < to, the stepped ones step > 0 and at most 1,000,000 boundaries.
+     *
+     *  One section of the scheme `type` from `from` to `to`. */
+    static bool createSmooth(LyrObject* table, float from, float to, Lyrenum type);
+    /** Equal steps near `step`, so that a whole number of them fits the range, each of one colour of the scheme. */
+    static bool createStepped(LyrObject* table, float from, float to, float step, Lyrenum type);
+    /** Angles in radians, clamped to [0, pi/2], whose cosines are equally spaced near the spacing that `step` gives at `from`:
+     *  zones of equal area on a sphere. */
+    static bool createSphereSegmentStepped(LyrObject* table, float from, float to, float step, Lyrenum type);
+
     bool copyFrom(const LyrObject& other) override;
     bool iocCallback(Message& message) override;
 

@@ -1,7 +1,6 @@
 #include <colortable/model/LyrColorLookupTable_p.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
-#include <lyr_core/LyrObjectPtr.h>
-#include <lyr_core/LyrPropertyPtr.h>
+#include <colortable/model/SectionBuilder_p.h>
 
 using Private = LyrColorLookupTable::Private;
 
@@ -14,39 +13,6 @@ template <class Base, class Attr, class T>
 bool applyDefault(Attr& attribute, const T& value) {
     const ApplyingDefault applying(attribute);
     return attribute.setValue(value) || attribute.Base::resetData();
-}
-
-struct DefaultSection {
-    const char* name;
-    Lyrenum type;
-    bool constant;
-    float red, green, blue;
-};
-
-bool setPoint(LyrObject* section, Lyrenum channel, float value) {
-    const LyrVector2<float> point{0.0f, value};
-    const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrVector2<float>>> points(section, channel);
-    return points && points->initArray(0, 0, &point);
-}
-
-/** A new default section; null when it could not be made. */
-LyrObjectRefPtr makeSection(const DefaultSection& wanted) {
-    LyrObjectRefPtr section("LyrColorLookupTable::Section", Lyr::DocumentScope);
-    if (!section) {
-        return section;
-    }
-    // While it is being filled the section is not yet part of the document.
-    const LyrLocalClassFlags filling(section.get(), LyrFlags::DOCUMENT, 0);
-    section->setNameTemplate(wanted.name);
-    section->prepareRoles();
-    bool done = lyrSetValue(section.get(), Lyr::Type, wanted.type);
-    if (wanted.constant) {
-        done = setPoint(section.get(), Lyr::PointListRed, wanted.red) && done;
-        done = setPoint(section.get(), Lyr::PointListGreen, wanted.green) && done;
-        done = setPoint(section.get(), Lyr::PointListBlue, wanted.blue) && done;
-        done = setPoint(section.get(), Lyr::PointListAlpha, 1.0f) && done;
-    }
-    return done ? section : LyrObjectRefPtr();
 }
 
 }  // namespace
@@ -67,16 +33,16 @@ Private::SectionListAttr::SectionListAttr() { SectionListAttr::resetData(); }
 
 bool Private::SectionListAttr::resetData() {
     const ApplyingDefault applying(*this);
-    const DefaultSection wanted[] = {
-        {"ColorLookupTable_Section1", Lyr::Constant, true, 0.6f, 0.0f, 1.0f},
-        {"ColorLookupTable_Section2", Lyr::Rainbow, false, 0.0f, 0.0f, 0.0f},
-        {"ColorLookupTable_Section3", Lyr::Constant, true, 1.0f, 0.0f, 0.6f},
+    const SectionRecipe wanted[] = {
+        {Lyr::Constant, &COLOR_BELOW_RANGE, "ColorLookupTable_Section1", true},
+        {Lyr::Rainbow, nullptr, "ColorLookupTable_Section2", true},
+        {Lyr::Constant, &COLOR_ABOVE_RANGE, "ColorLookupTable_Section3", true},
     };
     LyrObjectRefPtr made[3];
     LyrObjectLink links[3];
     bool complete = true;
     for (int i = 0; i < 3; ++i) {
-        made[i] = makeSection(wanted[i]);
+        made[i] = buildSection(wanted[i]);
         links[i] = LyrObjectLink(made[i].get(), nullptr, -1);
         complete = complete && made[i];
     }
@@ -166,6 +132,9 @@ Lyrenum Private::registerProperties(LyrColorLookupTable& owner) {
         done = owner.addProperty(entry.id, entry.property) && done;
         entry.property->setFlags(entry.flags, 0);
     }
+    done = owner.addAction(Lyr::CreateSmooth, &createSmooth) && done;
+    done = owner.addAction(Lyr::CreateStepped, &createStepped) && done;
+    done = owner.addAction(Lyr::CreateSphereSegmentStepped, &createSphereSegmentStepped) && done;
     owner.setFlags(LyrFlags::DATA, 0);
     return done ? Lyrenum(1) : Lyr::Failed;
 }

@@ -3,6 +3,7 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/ApplyingDefault_p.h>
 #include <colortable/model/LyrColorLookupTable.h>
+#include <lyr_core/LyrAction.h>
 #include <lyr_core/LyrBooleanOP.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrLinkProperty.h>
@@ -11,7 +12,7 @@
 
 #include <limits>
 
-/** The properties of a table and their defaults. */
+/** The properties of a table with their defaults, and its actions. */
 struct LyrColorLookupTable::Private : LyrPrivatePart {
     using PositionListOP = LyrValueArrayOP<LyrValueArrayPropertyIF<float>>;
     using ColorListOP = LyrValueArrayOP<LyrValueArrayPropertyIF<LyrRGBA<float>>>;
@@ -75,6 +76,29 @@ struct LyrColorLookupTable::Private : LyrPrivatePart {
         bool resetData() override;
     };
 
+    /** Rebuilds the target from its `CreationParameters` (from, to, step) and `CreationType`. */
+    class CreateSmoothAction : public LyrActionAttr {
+    public:
+        CreateSmoothAction() : LyrActionAttr(0, 0) {}
+        void check() override;
+        void execute() override;
+        void cleanUp() override;
+    };
+    class CreateSteppedAction : public LyrActionAttr {
+    public:
+        CreateSteppedAction() : LyrActionAttr(0, 0) {}
+        void check() override;
+        void execute() override;
+        void cleanUp() override;
+    };
+    class CreateSphereSegmentSteppedAction : public LyrActionAttr {
+    public:
+        CreateSphereSegmentSteppedAction() : LyrActionAttr(0, 0) {}
+        void check() override;
+        void execute() override;
+        void cleanUp() override;
+    };
+
     /** Hands the properties to the table: 1 if all went well, else Lyr::Failed. */
     Lyrenum registerProperties(LyrColorLookupTable& owner);
 
@@ -89,4 +113,7 @@ struct LyrColorLookupTable::Private : LyrPrivatePart {
     CreationParametersAttr creationParameters;
     CreationTypeAttr creationType;
     MaximumRangeAttr maximumRange;
+    CreateSmoothAction createSmooth;
+    CreateSteppedAction createStepped;
+    CreateSphereSegmentSteppedAction createSphereSegmentStepped;
 };

@@ -1,0 +1,236 @@
+#include <lyr_core/LyrClass.h>
+#include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrModule.h>
+#include <lyr_core/LyrModuleFile_p.h>
+#include <lyr_core/LyrModuleLoader.h>
+#include <lyr_core/Lyrenum.h>
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <vector>
+
+namespace {
+
+struct LoadedModule {
+    std::string path;
+    void* handle = nullptr;
+    const LyrModuleEntry* entry = nullptr;
+    int loads = 0;
+    int inits = 0;
+};
+
+struct Loader {
+    std::map<std::string, LoadedModule, std::less<>> modules;
+    std::vector<LyrModuleLoader::UnloadGuard*> guards;
+
+    static Loader& instance() {
+        static Loader loader;
+        return loader;
+    }
+    LoadedModule* find(const char* name) {
+        auto found = name ? modules.find(std::string_view(name)) : modules.end();
+        return found != modules.end() ? &found->second : nullptr;
+    }
+};
+
+bool fail(LyrString& message, const std::string& text) {
+    message = LyrString::fromUtf8(text.c_str());
+    return false;
+}
+
+bool failNotLoaded(LyrString& message, const char* module) {
+    return fail(message, "Module \"" + std::string(module ? module : "") + "\" is not loaded.");
+}
+
+bool checkFile(const std::string& path, LyrModuleFile& file, std::string& text) {
+    std::string reason;
+    if (!std::filesystem::path(path).is_absolute()) {
+        reason = "its path is not absolute; give the full path of the file in the plug-in folder";
+    } else if (!file.read(path, reason)) {
+        reason += "; install the module again";
+    } else if (file.abi() != LYR_MODULE_ABI) {
+        reason = "it was built for another version of this application; install the matching one";
+    } else if (file.seal != 0 && file.seal != file.computeSeal()) {
+        reason = "its content was changed since it was built; install it again";
+    } else if (file.name.empty()) {
+        reason = "its note names no module";
+    } else {
+        return true;
+    }
+    text = "Cannot load module " + path + ": " + reason + ".";
+    return false;
+}
+
+const LyrModuleEntry* findEntry(void* handle, const std::string& name) {
+    using EntryFunction = const LyrModuleEntry* (*)();
+    auto* function = reinterpret_cast<EntryFunction>(dlsym(handle, LYR_MODULE_ENTRY_SYMBOL));
+    const LyrModuleEntry* entry = function ? function() : nullptr;
+    const bool fits = entry && entry->abi == LYR_MODULE_ABI && entry->name && name == entry->name;
+    return fits ? entry : nullptr;
+}
+
+/** The classes of a module that have live objects, with their numbers. */
+std::string describeLiveObjects(const char* module) {
+    const auto pattern = LyrClassManager::SearchPattern::ofModule(module);
+    std::vector<LyrClass*> objects(static_cast<std::size_t>(LyrClassManager::getObjectCount(pattern)));
+    LyrClassManager::findObjects(objects.data(), static_cast<long long>(objects.size()), pattern);
+    std::map<std::string, int> counts;
+    for (const LyrClass* object : objects) {
+        ++counts[object->getMetaClass().getClassName()];
+    }
+    std::string text;
+    for (const auto& [name, count] : counts) {
+        text += (text.empty() ? "" : ", ") + std::to_string(count) + " of class " + name;
+    }
+    return text;
+}
+
+/** Why a module has to stay, empty if it can go. */
+std::string reasonsToStay(const char* module) {
+    std::string text;
+    for (LyrModuleLoader::UnloadGuard* guard : Loader::instance().guards) {
+        const LyrString reason = guard->reasonToStay(module);
+        if (!reason.isEmpty()) {
+            text += (text.empty() ? "" : "; ") + std::string(reason.utf8());
+        }
+    }
+    const std::string objects = describeLiveObjects(module);
+    if (!objects.empty()) {
+        text += (text.empty() ? "" : "; ") + ("objects are alive: " + objects);
+    }
+    return text;
+}
+
+bool isMapped(const std::string& path) {
+    void* handle = dlopen(path.c_str(), RTLD_NOLOAD | RTLD_LAZY);
+    if (handle) {
+        dlclose(handle);
+    }
+    return handle != nullptr;
+}
+
+bool finishUnload(const std::string& name, const LoadedModule& module, LyrString& message) {
+    if (dlclose(module.handle) != 0 || isMapped(module.path)) {
+        return fail(message, "Module \"" + name + "\" was closed, but stays in memory: another library uses it.");
+    }
+    const int names = LyrIdentifierRegistry::moduleRegistrationCount(name.c_str());
+    const int classes = LyrMetaClass::moduleClassCount(name.c_str());
+    if (names != 0 || classes != 0) {
+        return fail(message, "Module \"" + name + "\" left " + std::to_string(names) + " names and " +
+                                 std::to_string(classes) + " classes behind.");
+    }
+    return true;
+}
+
+}  // namespace
+
+LyrModuleLoader::UnloadGuard::~UnloadGuard() = default;
+void LyrModuleLoader::UnloadGuard::aboutToUnload(const char*) {}
+
+bool LyrModuleLoader::load(const std::string& path, LyrString& message) {
+    LyrModuleFile file;
+    std::string text;
+    if (!checkFile(path, file, text)) {
+        return fail(message, text);
+    }
+    Loader& loader = Loader::instance();
+    if (LoadedModule* loaded = loader.find(file.name.c_str())) {
+        if (!std::filesystem::equivalent(loaded->path, path)) {
+            return fail(message, "Cannot load module " + path + ": a module of its name is loaded from " + loaded->path + ".");
+        }
+        ++loaded->loads;
+        return true;
+    }
+    // All symbols are resolved before any code runs, so that a missing one is found here.
+    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        const char* reason = dlerror();
+        return fail(message, "Cannot load module " + path + ": " + (reason ? reason : "unknown reason") + ".");
+    }
+    const LyrModuleEntry* entry = findEntry(handle, file.name);
+    if (!entry || !entry->ready()) {
+        const std::string reason = entry ? "it could not register all of its names" : "its entry is missing or does not fit its note";
+        dlclose(handle);
+        return fail(message, "Cannot load module " + path + ": " + reason + ".");
+    }
+    loader.modules[file.name] = {path, handle, entry, 1, 0};
+    return true;
+}
+
+bool LyrModuleLoader::init(const char* module, LyrString& message) {
+    LoadedModule* loaded = Loader::instance().find(module);
+    if (!loaded) {
+        return failNotLoaded(message, module);
+    }
+    ++loaded->inits;
+    loaded->entry->init();
+    return true;
+}
+
+bool LyrModuleLoader::cleanup(const char* module, LyrString& message) {
+    LoadedModule* loaded = Loader::instance().find(module);
+    if (!loaded) {
+        return failNotLoaded(message, module);
+    }
+    if (loaded->inits == 0) {
+        return fail(message, "Module \"" + std::string(module) + "\" is not initialised.");
+    }
+    --loaded->inits;
+    loaded->entry->cleanup();
+    return true;
+}
+
+bool LyrModuleLoader::unload(const char* module, LyrString& message) {
+    Loader& loader = Loader::instance();
+    LoadedModule* loaded = loader.find(module);
+    if (!loaded) {
+        return failNotLoaded(message, module);
+    }
+    if (loaded->loads > 1) {
+        --loaded->loads;
+        return true;
+    }
+    const std::string name = module;
+    for (UnloadGuard* guard : loader.guards) {
+        guard->aboutToUnload(name.c_str());
+    }
+    const std::string reasons = reasonsToStay(name.c_str());
+    if (!reasons.empty()) {
+        return fail(message, "Module \"" + name + "\" cannot be unloaded: " + reasons + ".");
+    }
+    while (loaded->inits > 0) {
+        --loaded->inits;
+        loaded->entry->cleanup();
+    }
+    const LoadedModule gone = *loaded;
+    loader.modules.erase(name);
+    return finishUnload(name, gone, message);
+}
+
+bool LyrModuleLoader::isLoaded(const char* module) { return Loader::instance().find(module) != nullptr; }
+
+LyrStringList LyrModuleLoader::getLoadedModules() {
+    LyrStringList names;
+    for (const auto& [name, module] : Loader::instance().modules) {
+        names.append(LyrString::fromUtf8(name.c_str()));
+    }
+    return names;
+}
+
+LyrString LyrModuleLoader::readName(const std::string& path, LyrString& message) {
+    LyrModuleFile file;
+    std::string text;
+    if (!checkFile(path, file, text)) {
+        fail(message, text);
+        return {};
+    }
+    return LyrString::fromUtf8(file.name.c_str());
+}
+
+void LyrModuleLoader::addUnloadGuard(UnloadGuard* guard) { Loader::instance().guards.push_back(guard); }
+
+void LyrModuleLoader::removeUnloadGuard(UnloadGuard* guard) { std::erase(Loader::instance().guards, guard); }

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <lys_core/LysCoreExport.h>
+
+#include <QObject>
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+class QUndoStack;
+
+/** The application: user actions over the undo history. Made on first use; needs no QApplication, so that programs without a
+ *  display use it as well. To be used from the thread of the user interface. */
+class LYS_CORE_EXPORT LyqApplication : public QObject {
+    Q_OBJECT
+
+public:
+    /** Names an open user action; 0 is none. */
+    using UserActionToken = std::int64_t;
+
+    class UserActionScope;
+    class GestureScope;
+
+    static LyqApplication& instance();
+
+    /** Opens a user action. Actions nest: the outermost is one undo step, an inner one is a part of it. */
+    UserActionToken userActionBegin(const QString& name);
+    /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An action that
+     *  recorded nothing leaves no step and keeps the redo history. False if the token names no open action. */
+    bool userActionEnd(UserActionToken token, const QString& name = QString());
+    /** Takes back what the action recorded, alone, and ends it. */
+    bool userActionAborted(UserActionToken token);
+
+    /** Steps that end between these two and change the same properties of the same objects merge into one: a drag, the typing
+     *  in a line. Gestures do not nest: a new one ends the last. */
+    void gestureBegin();
+    void gestureEnd();
+
+    /** The history of finished steps. Undo and redo through undo() and redo(), which refuse while a user action is open. */
+    QUndoStack& undoStack();
+    bool undo();
+    bool redo();
+
+    /** True if a step of the history keeps objects whose classes belong to a module. */
+    bool historyHoldsObjectsOf(const char* module) const;
+
+private:
+    LyqApplication();
+    ~LyqApplication() override;
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+/** A user action that ends with the scope. */
+class LYS_CORE_EXPORT LyqApplication::UserActionScope {
+public:
+    explicit UserActionScope(const QString& name);
+    ~UserActionScope();
+    UserActionScope(const UserActionScope&) = delete;
+    UserActionScope& operator=(const UserActionScope&) = delete;
+
+    /** Takes back what was recorded; the destructor has nothing left to end. */
+    void abort();
+
+private:
+    UserActionToken mToken;
+};
+
+/** A gesture that ends with the scope. */
+class LYS_CORE_EXPORT LyqApplication::GestureScope {
+public:
+    GestureScope() { LyqApplication::instance().gestureBegin(); }
+    ~GestureScope() { LyqApplication::instance().gestureEnd(); }
+    GestureScope(const GestureScope&) = delete;
+    GestureScope& operator=(const GestureScope&) = delete;
+};

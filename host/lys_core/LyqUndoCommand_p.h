@@ -1,0 +1,44 @@
+#pragma once
+
+#include <lyr_core/LyrUndoJournal.h>
+
+#include <QUndoCommand>
+
+#include <memory>
+#include <utility>
+
+/** A finished step of the journal as an entry of the undo history. */
+class LyqUndoCommand : public QUndoCommand {
+public:
+    /** `gesture` is -1 for a step that never merges. */
+    LyqUndoCommand(std::unique_ptr<LyrUndoStep> step, int gesture)
+        : QUndoCommand(QString::fromUtf8(step->getName().utf8())), mStep(std::move(step)), mGesture(gesture) {}
+
+    int id() const override { return mGesture; }
+
+    bool mergeWith(const QUndoCommand* other) override {
+        // The stack only hands over commands with this one's gesture, which are of this class.
+        auto* later = static_cast<const LyqUndoCommand*>(other);
+        if (!mStep->touchesTheSame(*later->mStep)) {
+            return false;
+        }
+        mStep->absorb(*later->mStep);
+        return true;
+    }
+
+    void undo() override { mStep->undo(); }
+
+    void redo() override {
+        // The stack redoes what it is given at once; the step has happened already.
+        if (!std::exchange(mFresh, false)) {
+            mStep->redo();
+        }
+    }
+
+    const LyrUndoStep& step() const { return *mStep; }
+
+private:
+    std::unique_ptr<LyrUndoStep> mStep;
+    int mGesture;
+    bool mFresh = true;
+};
