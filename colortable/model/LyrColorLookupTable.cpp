@@ -2,9 +2,11 @@
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
 #include <colortable/model/LyrColorLookupTable_p.h>
+#include <colortable/model/eval/ColorPlan.h>
 #include <colortable/model/eval/ScalarTable.h>
 #include <lyr_core/LyrClassFactory.h>
 #include <lyr_core/LyrError.h>
+#include <lyr_core/LyrScratch.h>
 
 #include <optional>
 
@@ -56,7 +58,55 @@ struct Reading {
         lys::eval::sectionInterval(index, positions.data(), positionCount(), &interval.first, &interval.second);
         return section.getColor(interval, value, out, neighbour(index - 1), neighbour(index + 1));
     }
+
+    /** One entry of an array. The section comes before the finite ends here: a link that leads to no section fails in any
+     *  case. */
+    bool colourEntry(float value, LyrRGBA<float>& out, const LyrObject& table) const {
+        const long long index = sectionOf(value);
+        const Section* section = resolve(index, table);
+        if (section && isOutside(index)) {
+            out = LyrRGBA<float>::GRAY(0.0f);
+            return true;
+        }
+        return section && colour(index, *section, value, out);
+    }
+
+    /** All sections as plain data. False when memory ran out. */
+    bool readSections(LyrScratch<lys::eval::SectionData, 64>& sections) const {
+        if (!sections.resize(links.size())) {
+            return false;
+        }
+        for (std::size_t i = 0; i < links.size(); ++i) {
+            const Section* section = asSection(links[i]);
+            sections[i] = section ? section->readData() : lys::eval::SectionData();
+            // One without private part is a section too; as its rule is none, it fails like the scalar path does.
+            sections[i].isSection = section != nullptr;
+        }
+        return true;
+    }
 };
+
+/** Colours an array with a plan of the whole table. Gives -1 when all is done, else how many entries are left: the last of
+ *  them cannot be coloured, or (all of them) there was no memory for a plan. */
+long long colourWithPlan(const Reading& reading, long long count, const float* values, LyrRGBA<float>* out) {
+    LyrScratch<lys::eval::SectionData, 64> sections;
+    if (!reading.readSections(sections)) {
+        return count;
+    }
+    lys::eval::TableView view;
+    view.positions = reading.positions.data();
+    view.positionCount = reading.positionCount();
+    view.sections = sections.data();
+    view.finiteBelow = reading.finiteMode.first == 1;
+    view.finiteAbove = reading.finiteMode.second == 1;
+    view.clampedColors = LyrRGBA<float>::isClamped();
+    lys::eval::ColorPlan plan;
+    if (!plan.build(view)) {
+        return count;
+    }
+    const long long failing = plan.colorize(count, values, &out->red);
+    return failing < 0 ? -1 : failing + 1;
+}
 
 template <class Properties>
 Reading readTable(const Properties& properties) {
@@ -115,21 +165,18 @@ bool LyrColorLookupTable::getColor(float value, LyrRGBA<float>& out) const {
     return section && reading->colour(index, *section, value, out);
 }
 
-// The section comes before the finite ends here: a link that leads to no section fails in any case.
 bool LyrColorLookupTable::getColors(long long count, const float* values, LyrRGBA<float>* out) const {
     const std::optional<Reading> reading = d ? std::optional(readTable(*d)) : std::nullopt;
     if (!reading || !reading->isValid() || (count > 0 && (!values || !out))) {
         return false;
     }
-    for (long long i = count - 1; i >= 0; --i) {
-        const long long index = reading->sectionOf(values[i]);
-        const Section* section = reading->resolve(index, *this);
-        if (!section) {
-            return false;
-        }
-        if (reading->isOutside(index)) {
-            out[i] = LyrRGBA<float>::GRAY(0.0f);
-        } else if (!reading->colour(index, *section, values[i], out[i])) {
+    long long left = count;
+    if (lys::eval::ColorPlan::pays(count, reading->positionCount())) {
+        left = colourWithPlan(*reading, count, values, out);
+    }
+    // One by one: few values, no memory for a plan, or the entry that fails, which is left and reported as everywhere.
+    for (long long i = left - 1; i >= 0; --i) {
+        if (!reading->colourEntry(values[i], out[i], *this)) {
             return false;
         }
     }
