@@ -57,6 +57,8 @@ public:
     const LyrMetaClass* getParent() const noexcept { return mParent; }
     unsigned int getClassFlags() const noexcept { return mClassFlags; }
     bool isSingleton() const noexcept { return mSingleton; }
+    /** True if create() can make objects of this class. */
+    bool isCreatable() const noexcept { return static_cast<bool>(mFactory); }
 
     bool isOfType(const LyrMetaClass& other) const noexcept;
     bool isOfType(const char* className) const noexcept;

@@ -48,6 +48,9 @@ public:
     /** The verdict on items that are about to be written: 1 accepts them. */
     virtual unsigned int checkItems(long long /*count*/, const T* /*items*/) const { return 1; }
 
+    /** Whether object files may hold floats in this list that are not finite. */
+    virtual bool allowsNonFinite() const { return true; }
+
     LyrValueType getValueType() const noexcept override { return LyrPropertyTraits<T>::type; }
     bool isArray() const noexcept override { return true; }
 
