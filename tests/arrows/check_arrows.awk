@@ -47,6 +47,7 @@ function library_of(header) {
     if (header in standard) return "std"
     if (header ~ /^(unistd|fcntl|dlfcn|poll|pthread|link|elf|dirent|signal|termios|pwd)\.h$/ || header ~ /^sys\//) return "posix"
     if (header ~ /^[a-z0-9]+intrin\.h$/ || header == "cpuid.h") return "cpu"
+    if (header ~ /^tiff(io|vers)?\.h$/) return "tiff"
     if (header ~ /^nlohmann\//) return "json"
     if (header ~ /^CLI\//) return "cli11"
     if (header ~ /^hwy\//) return "hwy"
@@ -54,7 +55,7 @@ function library_of(header) {
     if (header ~ /^zlib\.h$/) return "zlib"
     if (header ~ /^GL\// || header ~ /^QOpenGL/ || header ~ /^QtOpenGL\//) return "gl"
     if (header ~ /^Qt?(Widgets|OpenGLWidgets)\// || header in qt_widgets) return "qtwidgets"
-    if (header ~ /^Q[A-Z]/ || header ~ /^Qt[A-Z][A-Za-z]*\//) return "qtgui"
+    if (header ~ /^Q[A-Z]/ || header ~ /^Qt[A-Z][A-Za-z]*$/ || header ~ /^Qt[A-Z][A-Za-z]*\//) return "qtgui"
     return ""
 }
 
@@ -126,13 +127,18 @@ function check_project(from, target,    to) {
     fail(from " may not include " target)
 }
 
+# Programs offer no headers to others.
+function is_public(from, file) {
+    return from !~ /^(cli|workbench)$/ && file ~ /\.h$/ && file !~ /(_p|-inl)\.h$/
+}
+
 function check_library(from, header,    library) {
     library = library_of(header)
     if (library == "") {
         fail("<" header "> belongs to no known library")
     } else if (!((from, library) in may_use)) {
         fail(from " may not include <" header "> (" library ")")
-    } else if (may_use[from, library] == "private" && FILENAME ~ /\.h$/ && FILENAME !~ /(_p|-inl)\.h$/) {
+    } else if (may_use[from, library] == "private" && is_public(from, FILENAME)) {
         fail("a public header of " from " may not include <" header "> (" library ")")
     } else if ((from, library) in single) {
         if ((from, library) in user && user[from, library] != FILENAME)
