@@ -28,7 +28,7 @@ LyrUndoJournal::Sink::~Sink() = default;
 bool LyrUndoStep::swap(Entry& entry) {
     LyrProperty* property = entry.object->getProperty(entry.propertyId);
     if (!property) {
-        return false;
+        return true;  // taken out of its object since: there is nothing to bring back
     }
     try {
         std::unique_ptr<LyrProperty::State> present = property->takeState();
@@ -44,20 +44,28 @@ bool LyrUndoStep::swap(Entry& entry) {
 
 bool LyrUndoStep::undo() {
     const ReplayScope scope(LyrUndoJournal::instance().mReplays);
-    bool done = true;
-    for (auto entry = mEntries.rbegin(); entry != mEntries.rend(); ++entry) {
-        done = swap(*entry) && done;
+    for (std::size_t i = mEntries.size(); i-- > 0;) {
+        if (!swap(mEntries[i])) {
+            while (++i < mEntries.size()) {
+                swap(mEntries[i]);
+            }
+            return false;
+        }
     }
-    return done;
+    return true;
 }
 
 bool LyrUndoStep::redo() {
     const ReplayScope scope(LyrUndoJournal::instance().mReplays);
-    bool done = true;
-    for (Entry& entry : mEntries) {
-        done = swap(entry) && done;
+    for (std::size_t i = 0; i < mEntries.size(); ++i) {
+        if (!swap(mEntries[i])) {
+            while (i-- > 0) {
+                swap(mEntries[i]);
+            }
+            return false;
+        }
     }
-    return done;
+    return true;
 }
 
 bool LyrUndoStep::touchesTheSame(const LyrUndoStep& other) const {
@@ -71,9 +79,8 @@ bool LyrUndoStep::touchesTheSame(const LyrUndoStep& other) const {
     return covers(*this, other) && covers(other, *this);
 }
 
-void LyrUndoStep::absorb(LyrUndoStep& later) {
-    mEntries.reserve(mEntries.size() + later.mEntries.size());
-    std::move(later.mEntries.begin(), later.mEntries.end(), std::back_inserter(mEntries));
+void LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
+    // The earlier step holds the first old value of each property already; the values in between are never shown again.
     later.mEntries.clear();
 }
 
@@ -89,11 +96,16 @@ LyrUndoJournal& LyrUndoJournal::instance() {
 }
 
 LyrUndoJournal::Token LyrUndoJournal::begin(const LyrString& name) {
-    if (mLevels.empty()) {
-        mStep = std::make_unique<LyrUndoStep>();
+    try {
+        if (mLevels.empty()) {
+            mStep = std::make_unique<LyrUndoStep>();
+        }
+        mLevels.push_back({mLastToken + 1, name, mStep->mEntries.size()});
+        return ++mLastToken;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return 0;
     }
-    mLevels.push_back({++mLastToken, name, mStep->mEntries.size()});
-    return mLastToken;
 }
 
 std::size_t LyrUndoJournal::levelOf(Token token) const noexcept {
@@ -107,19 +119,7 @@ bool LyrUndoJournal::end(Token token, const LyrString& name) {
     if (level == mLevels.size()) {
         return false;
     }
-    if (!name.isEmpty()) {
-        mLevels.front().name = level == 0 ? name : mLevels.front().name;
-    }
-    const LyrString stepName = mLevels.front().name;
-    mLevels.erase(mLevels.begin() + static_cast<std::ptrdiff_t>(level), mLevels.end());
-    if (!mLevels.empty()) {
-        return true;
-    }
-    std::unique_ptr<LyrUndoStep> step = std::move(mStep);
-    step->mName = stepName;
-    if (!step->isEmpty() && mSink) {
-        mSink->stepFinished(std::move(step));
-    }
+    closeFrom(level, level == 0 && !name.isEmpty() ? name : mLevels.front().name);
     return true;
 }
 
@@ -128,24 +128,36 @@ bool LyrUndoJournal::abort(Token token) {
     if (level == mLevels.size()) {
         return false;
     }
-    rollBack(mLevels[level].firstEntry);
-    mLevels.erase(mLevels.begin() + static_cast<std::ptrdiff_t>(level), mLevels.end());
-    if (!mLevels.empty()) {
-        return true;
-    }
-    // What was recorded before a level outside of this one ended early is still a step.
-    std::unique_ptr<LyrUndoStep> step = std::move(mStep);
-    return true;
+    const bool done = rollBack(mLevels[level].firstEntry);
+    closeFrom(level, mLevels.front().name);
+    return done;
 }
 
-void LyrUndoJournal::rollBack(std::size_t firstEntry) {
+void LyrUndoJournal::closeFrom(std::size_t level, LyrString stepName) {
+    mLevels.erase(mLevels.begin() + static_cast<std::ptrdiff_t>(level), mLevels.end());
+    if (!mLevels.empty()) {
+        return;
+    }
+    std::unique_ptr<LyrUndoStep> step = std::move(mStep);
+    step->mName = std::move(stepName);
+    if (!step->isEmpty() && mSink) {
+        mSink->stepFinished(std::move(step));
+    }
+}
+
+// What cannot be taken back (a list that is being read) stays recorded, so that a later undo brings it back.
+bool LyrUndoJournal::rollBack(std::size_t firstEntry) {
     const ReplayScope scope(mReplays);
     auto& entries = mStep->mEntries;
-    while (entries.size() > firstEntry) {
-        LyrUndoStep::Entry last = std::move(entries.back());
-        entries.pop_back();
-        LyrUndoStep::swap(last);
+    bool done = true;
+    for (std::size_t i = entries.size(); i-- > firstEntry;) {
+        if (LyrUndoStep::swap(entries[i])) {
+            entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i));
+        } else {
+            done = false;
+        }
     }
+    return done;
 }
 
 bool LyrUndoJournal::addSnapshot(LyrProperty& property) {

@@ -20,17 +20,19 @@ public:
     bool isEmpty() const noexcept { return mEntries.empty(); }
     std::size_t getEntryCount() const noexcept { return mEntries.size(); }
 
-    /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is recorded. */
+    /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is recorded. A
+     *  write that fails (a list that is being read, no memory) takes the step back whole: false, and all is as before. */
     bool undo();
-    /** Does them again. */
+    /** Does them again, or none of them. */
     bool redo();
 
     /** Whether both steps changed the same properties of the same objects. */
     bool touchesTheSame(const LyrUndoStep& other) const;
-    /** Appends a later step, which is empty afterwards. May throw std::bad_alloc (then nothing has changed). */
-    void absorb(LyrUndoStep& later);
+    /** Takes in a later step that touches the same: undone, this one brings back what was before both. The later one is
+     *  empty afterwards. */
+    void absorb(LyrUndoStep& later) noexcept;
 
-    /** True if an object of the module is kept by this step. */
+    /** True if this step keeps an object of the module. */
     bool holdsObjectsOf(const char* module) const;
 
 private:
@@ -65,16 +67,20 @@ public:
     void setSink(Sink* sink) noexcept { mSink = sink; }
     Sink* getSink() const noexcept { return mSink; }
 
-    /** Opens an action inside those that are open. */
+    /** Opens an action inside those that are open. 0, and an error, when memory ran out: its writes then belong to the action
+     *  outside of it. */
     Token begin(const LyrString& name);
     /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is not
      *  empty. False if the token names no open action. */
     bool end(Token token, const LyrString& name = LyrString());
-    /** Takes back what an action, and those inside it, recorded, and ends it. */
+    /** Takes back what an action, and those inside it, recorded, and ends it. False if the token names no open action, or if
+     *  something could not be taken back: that stays recorded. */
     bool abort(Token token);
 
     bool isOpen() const noexcept { return !mLevels.empty(); }
     int getDepth() const noexcept { return static_cast<int>(mLevels.size()); }
+    /** True while a step is undone or redone, or an action taken back. */
+    bool isReplaying() const noexcept { return mReplays != 0; }
     /** True if writes to content are to be recorded now: an action is open and no undo is under way. */
     bool isRecording() const noexcept { return !mLevels.empty() && mReplays == 0; }
 
@@ -96,7 +102,8 @@ private:
     };
     LyrUndoJournal() = default;
     std::size_t levelOf(Token token) const noexcept;
-    void rollBack(std::size_t firstEntry);
+    void closeFrom(std::size_t level, LyrString stepName);
+    bool rollBack(std::size_t firstEntry);
 
     Sink* mSink = nullptr;
     std::vector<Level> mLevels;

@@ -1,3 +1,5 @@
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrModuleLoader.h>
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqApplication.h>
@@ -17,7 +19,13 @@ constexpr int NO_GESTURE = -1;
 
 struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGuard {
     void stepFinished(std::unique_ptr<LyrUndoStep> step) override {
-        history.push(new LyqUndoCommand(std::move(step), gesture));
+        try {
+            history.push(new LyqUndoCommand(std::move(step), gesture));
+        } catch (...) {
+            // Without this step the older ones would bring back something that never was.
+            LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+            history.clear();
+        }
     }
 
     LyrString reasonToStay(const char* module) override {
@@ -35,14 +43,22 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
         }
     }
 
+    const LyqUndoCommand* commandAt(int index) const { return dynamic_cast<const LyqUndoCommand*>(history.command(index)); }
+
     bool holdsObjectsOf(const char* module) const {
         for (int i = 0; i < history.count(); ++i) {
-            const auto* command = dynamic_cast<const LyqUndoCommand*>(history.command(i));
+            const LyqUndoCommand* command = commandAt(i);
             if (command && command->step().holdsObjectsOf(module)) {
                 return true;
             }
         }
         return false;
+    }
+
+    /** False while an action is open, and for a call from within an undo. */
+    bool mayMove() const {
+        const LyrUndoJournal& journal = LyrUndoJournal::instance();
+        return !journal.isOpen() && !journal.isReplaying();
     }
 
     QUndoStack history;
@@ -85,18 +101,30 @@ void LyqApplication::gestureEnd() { d->gesture = NO_GESTURE; }
 QUndoStack& LyqApplication::undoStack() { return d->history; }
 
 bool LyqApplication::undo() {
-    if (LyrUndoJournal::instance().isOpen() || !d->history.canUndo()) {
+    if (!d->mayMove() || !d->history.canUndo()) {
         return false;
     }
+    const int index = d->history.index() - 1;
     d->history.undo();
+    const LyqUndoCommand* command = d->history.index() == index ? d->commandAt(index) : nullptr;
+    if (command && command->isDone()) {
+        d->history.redo();  // the step could not be taken back: only the place in the history moves
+        return false;
+    }
     return true;
 }
 
 bool LyqApplication::redo() {
-    if (LyrUndoJournal::instance().isOpen() || !d->history.canRedo()) {
+    if (!d->mayMove() || !d->history.canRedo()) {
         return false;
     }
+    const int index = d->history.index();
     d->history.redo();
+    const LyqUndoCommand* command = d->history.index() == index + 1 ? d->commandAt(index) : nullptr;
+    if (command && !command->isDone()) {
+        d->history.undo();
+        return false;
+    }
     return true;
 }
 

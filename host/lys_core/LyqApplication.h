@@ -29,7 +29,8 @@ public:
     /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An action that
      *  recorded nothing leaves no step and keeps the redo history. False if the token names no open action. */
     bool userActionEnd(UserActionToken token, const QString& name = QString());
-    /** Takes back what the action recorded, alone, and ends it. */
+    /** Takes back what the action recorded, alone, and ends it. False if the token names no open action, or if something could
+     *  not be taken back (a list that is being read): that stays a part of the step. */
     bool userActionAborted(UserActionToken token);
 
     /** Steps that end between these two and change the same properties of the same objects merge into one: a drag, the typing
@@ -37,7 +38,8 @@ public:
     void gestureBegin();
     void gestureEnd();
 
-    /** The history of finished steps. Undo and redo through undo() and redo(), which refuse while a user action is open. */
+    /** The history of finished steps. Undo and redo through undo() and redo(): those refuse while a user action is open and
+     *  from within an undo, and leave everything as it was when a step cannot be taken back whole. */
     QUndoStack& undoStack();
     bool undo();
     bool redo();

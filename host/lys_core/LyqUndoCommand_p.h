@@ -5,7 +5,6 @@
 #include <QUndoCommand>
 
 #include <memory>
-#include <utility>
 
 /** A finished step of the journal as an entry of the undo history. */
 class LyqUndoCommand : public QUndoCommand {
@@ -19,26 +18,25 @@ public:
     bool mergeWith(const QUndoCommand* other) override {
         // The stack only hands over commands with this one's gesture, which are of this class.
         auto* later = static_cast<const LyqUndoCommand*>(other);
-        if (!mStep->touchesTheSame(*later->mStep)) {
+        if (!mDone || !mStep->touchesTheSame(*later->mStep)) {
             return false;
         }
         mStep->absorb(*later->mStep);
         return true;
     }
 
-    void undo() override { mStep->undo(); }
+    void undo() override { mDone = mDone && !mStep->undo(); }
 
-    void redo() override {
-        // The stack redoes what it is given at once; the step has happened already.
-        if (!std::exchange(mFresh, false)) {
-            mStep->redo();
-        }
-    }
+    void redo() override { mDone = mDone || mStep->redo(); }
+
+    /** True while the step's writes are in effect. What the stack says may differ: it redoes what it is given at once,
+     *  although the step has happened already, and it knows of no undo that failed. */
+    bool isDone() const noexcept { return mDone; }
 
     const LyrUndoStep& step() const { return *mStep; }
 
 private:
     std::unique_ptr<LyrUndoStep> mStep;
     int mGesture;
-    bool mFresh = true;
+    bool mDone = true;
 };
