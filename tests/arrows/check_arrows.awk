@@ -53,6 +53,7 @@ function library_of(header) {
     if (header ~ /^hwy\//) return "hwy"
     if (header ~ /^(itk|gdcm)[A-Za-z0-9]*\.h$/) return "itk"
     if (header ~ /^zlib\.h$/) return "zlib"
+    if (header ~ /^png\.h$/) return "png"
     if (header ~ /^GL\// || header ~ /^QOpenGL/ || header ~ /^QtOpenGL\//) return "gl"
     if (header ~ /^Qt?(Widgets|OpenGLWidgets)\// || header in qt_widgets) return "qtwidgets"
     if (header ~ /^Q[A-Z]/ || header ~ /^Qt[A-Z][A-Za-z]*$/ || header ~ /^Qt[A-Z][A-Za-z]*\//) return "qtgui"

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+/** The sub-commands. Each function declares one: its options, and what runs once all arguments have been read. Running
+ *  throws Failure. */
+namespace lys::cli {
+
+void addInfoCommand(CLI::App& program);
+void addMapCommand(CLI::App& program);
+
+}  // namespace lys::cli
