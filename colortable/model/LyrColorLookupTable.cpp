@@ -1,4 +1,5 @@
 #include <colortable/ColortableIdentifiers.h>
+#include <colortable/model/BuildPrivate_p.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
 #include <colortable/model/LyrColorLookupTable_p.h>
@@ -121,6 +122,8 @@ LyrColorLookupTable::LyrColorLookupTable() { build(); }
 
 LyrColorLookupTable::LyrColorLookupTable(const LyrColorLookupTable& other) : LyrObject(other) {
     build();
+    // A copy in the making is no content yet: an open action has nothing to take back.
+    const LyrLocalClassFlags copying(this, LyrFlags::DATA, 0);
     copyFrom(other);
 }
 
@@ -133,11 +136,7 @@ LyrColorLookupTable::~LyrColorLookupTable() = default;
 
 void LyrColorLookupTable::build() {
     setProtectedFlags(0, 0x110100);
-    d.reset(new Private);
-    const Lyrenum result = d ? d->registerProperties(*this) : Lyr::AllocationFailed;
-    if (result != Lyrenum(1)) {
-        LyrError::emitError(LyrError::Message(this, result));
-    }
+    d = buildPrivate<Private>(*this);
     metaClass().applyDefaultFlags(this);
 }
 

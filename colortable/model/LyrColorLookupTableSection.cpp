@@ -1,9 +1,9 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/ApplyingDefault_p.h>
+#include <colortable/model/BuildPrivate_p.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
 #include <colortable/model/eval/SectionRule.h>
 #include <lyr_core/LyrClassFactory.h>
-#include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrSingleValueProperty.h>
 #include <lyr_core/LyrValueArrayProperty.h>
@@ -94,6 +94,8 @@ LyrColorLookupTable::Section::Section() { build(); }
 
 LyrColorLookupTable::Section::Section(const Section& other) : LyrObject(other) {
     build();
+    // As for the table: nothing to take back in a copy that is in the making.
+    const LyrLocalClassFlags copying(this, LyrFlags::DATA, 0);
     copyFrom(other);
 }
 
@@ -106,11 +108,7 @@ LyrColorLookupTable::Section::~Section() = default;
 
 void LyrColorLookupTable::Section::build() {
     setProtectedFlags(0, 0x110100);
-    d.reset(new Private);
-    const Lyrenum result = d ? d->registerProperties(*this) : Lyr::AllocationFailed;
-    if (result != Lyrenum(1)) {
-        LyrError::emitError(LyrError::Message(this, result));
-    }
+    d = buildPrivate<Private>(*this);
     metaClass().applyDefaultFlags(this);
 }
 

@@ -140,7 +140,9 @@ bool LyrObject::addProperty(Lyrenum id, LyrProperty* property, bool owned) {
         return false;
     }
     try {
-        mProperties.push_back(property);
+        // The naming template stays the last, whenever it was set: a copy lists its properties as its original does.
+        const bool isNamed = mNameTemplate && mNameTemplate->getObject();
+        mProperties.insert(mProperties.end() - (isNamed ? 1 : 0), property);
     } catch (...) {
         LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
         return false;

@@ -1,0 +1,70 @@
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/LibraryInit.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrObjectPtr.h>
+
+#include <gtest/gtest.h>
+
+#include <xmmintrin.h>
+
+using LYQCOLORTABLE::LibraryInit;
+
+namespace {
+
+/** Counts errors while it lives. */
+struct ErrorCount : LyrError::Listener {
+    bool errorEmitted(const LyrError::Message&) override {
+        ++count;
+        return true;
+    }
+    int count = 0;
+};
+
+}  // namespace
+
+TEST(LibraryInit, finds_the_classes_registered_when_the_library_was_loaded) {
+    EXPECT_EQ(LyrMetaClass::moduleClassCount("lys_colortable"), 2);
+    for (const char* name : {"LyrColorLookupTable", "LyrColorLookupTable::Section"}) {
+        const LyrMetaClass* meta = LyrMetaClass::find(name);
+        ASSERT_NE(meta, nullptr) << name;
+        EXPECT_STREQ(meta->getModule(), "lys_colortable");
+        EXPECT_STREQ(meta->getParent()->getClassName(), "LyrObject");
+        EXPECT_TRUE(LyrObjectRefPtr(name, 1)) << name;
+    }
+}
+
+TEST(LibraryInit, takes_users_in_and_out_without_a_word) {
+    const ErrorCount errors;
+    const int registered = LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable");
+    LibraryInit::init();
+    LibraryInit::init();
+    LibraryInit::cleanup();
+    LibraryInit::cleanup();
+    EXPECT_EQ(errors.count, 0);
+    EXPECT_EQ(LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable"), registered);
+    EXPECT_EQ(LyrMetaClass::moduleClassCount("lys_colortable"), 2);
+}
+
+TEST(LibraryInit, bears_a_count_below_zero) {
+    const ErrorCount errors;
+    LibraryInit::cleanup();
+    LibraryInit::cleanup();
+    LibraryInit::init();
+    LibraryInit::init();  // balanced again: the other cases share the count
+    EXPECT_EQ(errors.count, 0);
+}
+
+TEST(LibraryInit, of_another_instance_registers_nothing_again) {
+    const int registered = LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable");
+    {
+        const LibraryInit another;
+        EXPECT_EQ(LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable"), registered);
+    }
+    EXPECT_EQ(LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable"), registered);
+}
+
+TEST(LibraryInit, leaves_small_numbers_as_they_are) {
+    // Flush-to-zero (0x8000) and denormals-are-zero (0x0040), set by a library built for speed, would change colours.
+    EXPECT_EQ(_mm_getcsr() & 0x8040u, 0u);
+}
