@@ -6,10 +6,12 @@
 #include <filesystem>
 #include <new>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include <lyr_volume/LyrCasting.h>
 #include <lyr_volume/LyrFileKind_p.h>
+#include <lyr_volume/LyrFolder_p.h>
 #include <lyr_volume/LyrFormats_p.h>
 #include <lyr_volume/LyrHeaderText_p.h>
 
@@ -54,7 +56,9 @@ bool readFile(const std::string& path, Draft& draft, ReadContext& context) {
         case FileKind::Nifti:
             return lyrvolume::readNifti(path, draft, context);
         case FileKind::Tiff:
+            return lyrvolume::readTiff({path}, draft, context);
         case FileKind::Dicom:
+            return lyrvolume::readDicom(path, {path}, draft, context);
         case FileKind::Unknown:
             break;
     }
@@ -64,7 +68,9 @@ bool readFile(const std::string& path, Draft& draft, ReadContext& context) {
 bool readAny(const std::string& path, std::shared_ptr<const LyrVolume>& out, ReadContext& context) {
     Draft draft;
     draft.description.source = path;
-    if (!readFile(path, draft, context)) {
+    std::error_code ignored;
+    const bool folder = std::filesystem::is_directory(path, ignored);
+    if (!(folder ? lyrvolume::readFolder(path, draft, context) : readFile(path, draft, context))) {
         return false;
     }
     std::shared_ptr<const LyrVolume> volume = LyrVolume::create(std::move(draft.description), std::move(draft.samples));

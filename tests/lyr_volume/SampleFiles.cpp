@@ -93,8 +93,10 @@ void expectRefused(const Outcome& outcome, std::initializer_list<const char*> wo
 }
 
 void expectEveryCutRefused(const Folder& folder, const std::string& name, const Bytes& bytes, std::size_t step) {
-    for (std::size_t length = 0; length < bytes.size(); length += step) {
-        const Outcome outcome = readVolume(folder.write(name, bytes.first(length)));
+    const std::string path = folder.write(name, bytes);
+    for (std::size_t length = bytes.size() - 1; length < bytes.size(); length -= step) {
+        std::filesystem::resize_file(path, length);
+        const Outcome outcome = readVolume(path);
         ASSERT_FALSE(outcome.read) << name << " cut to " << length << " of " << bytes.size() << " bytes was read";
         ASSERT_FALSE(outcome.volume);
         ASSERT_NE(outcome.report.error.find(name), std::string::npos) << outcome.report.error;

@@ -26,7 +26,8 @@ public:
         if (bigEndian) {
             std::reverse(raw.begin(), raw.end());
         }
-        data_.insert(data_.end(), raw.begin(), raw.end());
+        data_.resize(data_.size() + sizeof(T));
+        std::copy(raw.begin(), raw.end(), data_.end() - static_cast<std::ptrdiff_t>(sizeof(T)));
         return *this;
     }
 
