@@ -21,7 +21,10 @@ public:
     LyrObject* getParameter() const noexcept { return mParameter; }
     Lyrenum getActionID() const noexcept { return mActionId; }
 
-    /** Runs the action. Returns true if it ended with ok(). */
+    /** The code that ok() or error() was given last; -1 before the first run. */
+    Lyrenum getResult() const noexcept { return mResult; }
+
+    /** Runs the action. Returns true if it ended with ok(). Both objects are kept alive meanwhile. */
     bool run(LyrObject* object, LyrObject* parameter);
 
 protected:
@@ -34,9 +37,15 @@ protected:
 
 private:
     friend class LyrObject;
+    template <class Step>
+    void attempt(Step step);
+
+    LyrObject* mOwner = nullptr;
     LyrObject* mObject = nullptr;
     LyrObject* mParameter = nullptr;
     Lyrenum mActionId;
+    Lyrenum mResult;
+    bool mRunning = false;
     bool mSucceeded = false;
     bool mFailed = false;
 };

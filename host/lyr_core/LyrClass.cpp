@@ -1,4 +1,5 @@
 #include <lyr_core/LyrClass.h>
+#include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrMemory.h>
 #include <lyr_core/LyrMetaClass.h>
 
@@ -10,7 +11,11 @@ LyrClass::LyrClass(const LyrClass& other) noexcept
 // Flags and scope belong to the place where an object stands, not to its value: assignment leaves them.
 LyrClass& LyrClass::operator=(const LyrClass&) noexcept { return *this; }
 
-LyrClass::~LyrClass() = default;
+LyrClass::~LyrClass() {
+    if (isListed()) {
+        LyrClassManager::leave(this);
+    }
+}
 
 const LyrMetaClass& LyrClass::metaClass() {
     static const LyrMetaClass meta("LyrClass", sizeof(LyrClass), nullptr, nullptr, "lyr_core", 0, nullptr, 0, 0, 0, false);

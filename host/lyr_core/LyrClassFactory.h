@@ -6,34 +6,43 @@
 #include <new>
 #include <type_traits>
 
-/** The factory of a class that can be default-constructed and copied. */
+/** The factory of a class that can be default-constructed. Objects are copied by their copy constructor; properties, which
+ *  have none, are made anew and take over the value. */
 template <class T>
 class LyrClassFactory : public LyrMetaClass::Factory {
 public:
     LyrClass* create(void* storage) const override { return storage ? new (storage) T() : new T(); }
 
     LyrClass* createCopy(const LyrClass* from, void* storage) const override {
-        if (!isOne(from)) {
+        const auto* source = dynamic_cast<const T*>(from);
+        if (!source) {
             return nullptr;
         }
-        const T& source = *static_cast<const T*>(from);
-        return storage ? new (storage) T(source) : new T(source);
+        if constexpr (std::is_copy_constructible_v<T>) {
+            return storage ? new (storage) T(*source) : new T(*source);
+        } else {
+            LyrClass* made = create(storage);
+            if (made && !assign(made, source)) {
+                LyrMetaClass::destruct(made, storage == nullptr);
+                return nullptr;
+            }
+            return made;
+        }
     }
 
     bool assign(LyrClass* to, const LyrClass* from) const override {
-        if (!isOne(to) || !isOne(from)) {
+        auto* target = dynamic_cast<T*>(to);
+        const auto* source = dynamic_cast<const T*>(from);
+        if (!target || !source) {
             return false;
         }
-        T& target = *static_cast<T*>(to);
-        const T& source = *static_cast<const T*>(from);
-        if constexpr (requires { target.copyFrom(source); }) {
-            return target.copyFrom(source);
+        if constexpr (requires { target->copyFrom(*source); }) {
+            return target->copyFrom(*source);
+        } else if constexpr (requires { target->copyValueFrom(*source); }) {
+            return target->copyValueFrom(*source);
         } else {
-            target = source;
+            *target = *source;
             return true;
         }
     }
-
-private:
-    static bool isOne(const LyrClass* object) { return object && object->getMetaClass().isOfType(T::metaClass()); }
 };

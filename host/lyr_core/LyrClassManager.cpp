@@ -1,19 +1,20 @@
 #include <lyr_core/LyrClass.h>
 #include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrMetaClass.h>
-#include <lyr_core/LyrObject.h>
 
 #include <cstring>
 #include <mutex>
 
 namespace {
 
+/** Recursive: telling an object's class may bring its meta class up. */
 struct LiveObjects {
-    std::mutex mutex;
+    std::recursive_mutex mutex;
     LyrEmbeddedList<LyrClass, LyrClass> list;
 
+    /** Never destroyed: static objects of any library enter and leave. */
     static LiveObjects& instance() {
-        static LiveObjects objects;
+        static LiveObjects& objects = *new LiveObjects;
         return objects;
     }
 };
@@ -42,13 +43,13 @@ void forEachFitting(const LyrClassManager::SearchPattern& pattern, Take take) {
 
 }  // namespace
 
-long long LyrClassManager::getObjectCount(const SearchPattern& pattern) {
+long long LyrClassManager::getObjectCount(const SearchPattern& pattern) noexcept {
     long long count = 0;
     forEachFitting(pattern, [&](LyrClass*) { return ++count > 0; });
     return count;
 }
 
-long long LyrClassManager::findObjects(LyrClass** out, long long capacity, const SearchPattern& pattern) {
+long long LyrClassManager::findObjects(LyrClass** out, long long capacity, const SearchPattern& pattern) noexcept {
     long long count = 0;
     if (out && capacity > 0) {
         forEachFitting(pattern, [&](LyrClass* object) {
@@ -59,13 +60,15 @@ long long LyrClassManager::findObjects(LyrClass** out, long long capacity, const
     return count;
 }
 
-void LyrClassManager::enter(LyrObject* object) {
+void LyrClassManager::enter(LyrClass* object) noexcept {
     LiveObjects& objects = LiveObjects::instance();
     const std::lock_guard lock(objects.mutex);
-    objects.list.append(object);
+    if (!object->isListed()) {
+        objects.list.append(object);
+    }
 }
 
-void LyrClassManager::leave(LyrObject* object) noexcept {
+void LyrClassManager::leave(LyrClass* object) noexcept {
     LiveObjects& objects = LiveObjects::instance();
     const std::lock_guard lock(objects.mutex);
     objects.list.remove(object);

@@ -3,9 +3,9 @@
 #include <lyr_core/LyrCoreExport.h>
 
 class LyrClass;
-class LyrObject;
 
-/** Finds the live objects of the process. */
+/** Finds the live objects of the process: every LyrObject, and what meta classes made of other classes. An object whose
+ *  destruction has begun is not found any more. */
 class LYR_CORE_EXPORT LyrClassManager {
 public:
     /** What to look for: a class by name (with the classes derived from it, unless `exact`), or all classes of a module. */
@@ -23,12 +23,14 @@ public:
     };
 
     /** How many live objects fit; 0 for an unknown class. */
-    static long long getObjectCount(const SearchPattern& pattern);
+    static long long getObjectCount(const SearchPattern& pattern) noexcept;
     /** Fills `out` with up to `capacity` fitting objects, oldest first, and returns how many it filled. */
-    static long long findObjects(LyrClass** out, long long capacity, const SearchPattern& pattern);
+    static long long findObjects(LyrClass** out, long long capacity, const SearchPattern& pattern) noexcept;
 
 private:
+    friend class LyrClass;
+    friend class LyrMetaClass;
     friend class LyrObject;
-    static void enter(LyrObject* object);
-    static void leave(LyrObject* object) noexcept;
+    static void enter(LyrClass* object) noexcept;
+    static void leave(LyrClass* object) noexcept;
 };

@@ -2,23 +2,42 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrScratch.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <mutex>
-#include <vector>
 
 namespace {
 
+/** Recursive: a listener may report, and listeners may come and go meanwhile. */
 struct Channel {
     std::recursive_mutex mutex;
-    std::vector<LyrError::Listener*> listeners;
+    LyrEmbeddedList<LyrError::Listener, LyrError::Listener> listeners;
 
+    /** Never destroyed: errors may be reported until the very end of the process. */
     static Channel& instance() {
-        static Channel channel;
+        static Channel& channel = *new Channel;
         return channel;
     }
+
+    bool has(const LyrError::Listener* wanted) const noexcept {
+        for (const LyrError::Listener* at = listeners.first(); at; at = listeners.next(at)) {
+            if (at == wanted) {
+                return true;
+            }
+        }
+        return false;
+    }
 };
+
+/** A listener that fails has not heard. */
+bool heard(LyrError::Listener& listener, const LyrError::Message& message) noexcept {
+    try {
+        return listener.errorEmitted(message);
+    } catch (...) {
+        return false;
+    }
+}
 
 const char* textOf(int code) {
     switch (code) {
@@ -45,44 +64,48 @@ const char* textOf(int code) {
 
 }  // namespace
 
-std::string LyrError::Message::getText() const {
-    const char* known = textOf(mCode);
-    std::string text = known ? known : "error " + std::to_string(int(mCode));
-    if (mSource) {
-        text += " (";
-        text += mSource->getMetaClass().getClassName();
-        text += ')';
+std::string LyrError::Message::getText() const noexcept {
+    try {
+        const char* known = textOf(mCode);
+        std::string text = known ? known : "error " + std::to_string(int(mCode));
+        if (mSource) {
+            text += " (";
+            text += mSource->getMetaClass().getClassName();
+            text += ')';
+        }
+        return text;
+    } catch (...) {
+        return {};
     }
-    return text;
 }
 
 LyrError::Listener::Listener() {
     Channel& channel = Channel::instance();
     const std::lock_guard lock(channel.mutex);
-    channel.listeners.push_back(this);
+    channel.listeners.append(this);
 }
 
 LyrError::Listener::~Listener() {
     Channel& channel = Channel::instance();
     const std::lock_guard lock(channel.mutex);
-    std::erase(channel.listeners, this);
+    channel.listeners.remove(this);
 }
 
 void LyrError::emitError(const Message& message) noexcept {
-    try {
-        Channel& channel = Channel::instance();
-        const std::lock_guard lock(channel.mutex);
-        const std::vector<Listener*> snapshot(channel.listeners.rbegin(), channel.listeners.rend());
-        for (Listener* listener : snapshot) {
-            const bool alive =
-                std::find(channel.listeners.begin(), channel.listeners.end(), listener) != channel.listeners.end();
-            if (alive && listener->errorEmitted(message)) {
-                return;
-            }
+    Channel& channel = Channel::instance();
+    const std::lock_guard lock(channel.mutex);
+    LyrScratch<Listener*> snapshot;
+    for (Listener* at = channel.listeners.first(); at; at = channel.listeners.next(at)) {
+        if (!snapshot.append(at)) {
+            break;
         }
-        std::fprintf(stderr, "lyr: %s\n", message.getText().c_str());
-    } catch (...) {
-        // Out of memory while reporting: the fixed text needs none.
-        std::fputs("lyr: an error could not be reported\n", stderr);
     }
+    for (std::size_t i = snapshot.size(); i-- > 0;) {
+        if (channel.has(snapshot[i]) && heard(*snapshot[i], message)) {
+            return;
+        }
+    }
+    const std::string text = message.getText();
+    // Out of memory while reporting: the fixed text needs none.
+    std::fprintf(stderr, "lyr: %s\n", text.empty() ? "an error could not be reported" : text.c_str());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lyr_core/LyrCoreExport.h>
+#include <lyr_core/LyrEmbeddedList.h>
 #include <lyr_core/Lyrenum.h>
 
 #include <string>
@@ -17,8 +18,8 @@ public:
 
         const LyrClass* getSource() const noexcept { return mSource; }
         Lyrenum getCode() const noexcept { return mCode; }
-        /** The code's meaning in words and the class of the source. */
-        std::string getText() const;
+        /** The code's meaning in words and the class of the source. Empty when memory ran out. */
+        std::string getText() const noexcept;
 
     private:
         const LyrClass* mSource = nullptr;
@@ -26,7 +27,7 @@ public:
     };
 
     /** Hears of errors while it lives. The listener made last hears first; where it answers true nobody else hears. */
-    class LYR_CORE_EXPORT Listener {
+    class LYR_CORE_EXPORT Listener : public LyrEmbeddedListNode<LyrError::Listener, LyrError::Listener> {
     public:
         Listener();
         virtual ~Listener();

@@ -6,18 +6,29 @@
 
 #include <algorithm>
 
+namespace {
+
+/** Deliveries inside one another. No graph of owners is this deep: what reaches it goes in circles. */
+constexpr int DEEPEST_DELIVERY = 400;
+
+bool isOwner(LyrIOCConnection::Kind kind) noexcept {
+    return kind == LyrIOCConnection::Kind::OwningLink || kind == LyrIOCConnection::Kind::ParentLink;
+}
+
+}  // namespace
+
 /** The listeners that a message still has to reach. Lives on the stack of the sending call; connections that end meanwhile
  *  are struck from all deliveries under way. */
 class LyrIOC::Delivery {
 public:
-    Delivery() noexcept : mOuter(sInnermost) { sInnermost = this; }
+    Delivery() noexcept : mOuter(sInnermost), mDepth(mOuter ? mOuter->mDepth + 1 : 1) { sInnermost = this; }
     ~Delivery() { sInnermost = mOuter; }
     Delivery(const Delivery&) = delete;
     Delivery& operator=(const Delivery&) = delete;
 
     bool collect(const LyrEmbeddedList<LyrIOCConnection, lyr_detail::SenderSide>& listeners, bool ownersOnly) {
         for (LyrIOCConnection* at = listeners.first(); at; at = listeners.next(at)) {
-            const bool wanted = at->mListener && (!ownersOnly || at->mKind == LyrIOCConnection::Kind::OwningLink);
+            const bool wanted = at->mListener && (!ownersOnly || isOwner(at->mKind));
             if (wanted && !isTwin(*at) && !mPending.append(at)) {
                 return false;
             }
@@ -33,6 +44,8 @@ public:
             }
         }
     }
+
+    bool isTooDeep() const noexcept { return mDepth > DEEPEST_DELIVERY; }
 
     static void strike(const LyrIOCConnection* ended) noexcept {
         for (Delivery* at = sInnermost; at; at = at->mOuter) {
@@ -52,6 +65,7 @@ private:
 
     static Delivery* sInnermost;
     Delivery* mOuter;
+    int mDepth;
     LyrScratch<LyrIOCConnection*, 16> mPending;
 };
 
@@ -61,30 +75,37 @@ LyrIOCConnection::~LyrIOCConnection() { disconnect(); }
 
 void LyrIOCConnection::connect(LyrIOC* sender, LyrIOC* listener, Kind kind, Lyrenum linkId) noexcept {
     disconnect();
-    if (!sender) {
-        return;
-    }
     mSender = sender;
     mListener = listener;
     mKind = kind;
     mLinkId = linkId;
-    sender->mListeners.append(this);
+    if (sender) {
+        sender->mListeners.append(this);
+    }
     if (listener) {
         listener->mSources.append(this);
     }
 }
 
 void LyrIOCConnection::disconnect() noexcept {
-    if (!mSender) {
-        return;
+    leaveSender();
+    leaveListener();
+}
+
+void LyrIOCConnection::leaveSender() noexcept {
+    if (mSender) {
+        LyrIOC::Delivery::strike(this);
+        mSender->mListeners.remove(this);
+        mSender = nullptr;
     }
-    LyrIOC::Delivery::strike(this);
-    mSender->mListeners.remove(this);
+}
+
+void LyrIOCConnection::leaveListener() noexcept {
     if (mListener) {
+        LyrIOC::Delivery::strike(this);
         mListener->mSources.remove(this);
+        mListener = nullptr;
     }
-    mSender = nullptr;
-    mListener = nullptr;
 }
 
 void LyrIOCConnection::senderDestroyed() {}
@@ -93,36 +114,53 @@ LyrIOC::~LyrIOC() { disconnectAll(); }
 
 void LyrIOC::disconnectAll() noexcept {
     while (LyrIOCConnection* outgoing = mListeners.first()) {
-        outgoing->disconnect();
+        outgoing->leaveSender();
         outgoing->senderDestroyed();
     }
+    // The lines to the senders stay: a link without listener must still hear of its target's end.
     while (LyrIOCConnection* incoming = mSources.first()) {
-        // The line to the sender stays for senderDestroyed(): a weak link must still hear of its target's end.
-        LyrIOC* sender = incoming->mSender;
-        const auto kind = incoming->mKind;
-        const Lyrenum linkId = incoming->mLinkId;
-        incoming->disconnect();
-        incoming->connect(sender, nullptr, kind, linkId);
+        incoming->leaveListener();
     }
+}
+
+const LyrIOCConnection* LyrIOC::lastConnection(LyrIOCConnection::Kind kind) const noexcept {
+    const LyrIOCConnection* last = nullptr;
+    for (const LyrIOCConnection* at = mListeners.first(); at; at = mListeners.next(at)) {
+        if (at->getKind() == kind && at->getListener()) {
+            last = at;
+        }
+    }
+    return last;
 }
 
 bool LyrIOC::iocCallback(Message&) { return true; }
 
 void LyrIOC::iocBroadcast(Message& message) { deliver(message, false); }
 
-void LyrIOC::deliver(Message& message, bool ownersOnly) {
+void LyrIOC::deliver(const Message& message, bool ownersOnly) noexcept {
     if (mListeners.isEmpty()) {
         return;
     }
     Delivery delivery;
-    if (!delivery.collect(mListeners, ownersOnly)) {
-        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    if (delivery.isTooDeep()) {
+        LyrError::emitError(LyrError::Message(message.getSender(), Lyr::Failed));
         return;
     }
-    delivery.run([&](LyrIOCConnection& connection) {
+    if (!delivery.collect(mListeners, ownersOnly)) {
+        LyrError::emitError(LyrError::Message(message.getSender(), Lyr::AllocationFailed));
+        return;
+    }
+    delivery.run([&](const LyrIOCConnection& connection) {
         Message arriving = message;
+        arriving.mPassedOn = message.mPassedOn;
         arriving.mLinkId = connection.getLinkID();
-        connection.getListener()->iocCallback(arriving);
+        arriving.mFromOwned = isOwner(connection.getKind());
+        try {
+            connection.getListener()->iocCallback(arriving);
+        } catch (...) {
+            // Only memory can run out in a callback; the other listeners still hear.
+            LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        }
     });
 }
 

@@ -17,9 +17,10 @@ class LYR_CORE_EXPORT LyrIOCConnection : public LyrEmbeddedListNode<LyrIOCConnec
                                          public LyrEmbeddedListNode<LyrIOCConnection, lyr_detail::ListenerSide> {
 public:
     enum class Kind {
-        Handle,     ///< a handle that its holder listens through
-        SoftLink,   ///< a link property that does not own its target
-        OwningLink  ///< a link property that owns its target: the listener is an owner of the sender
+        Handle,      ///< a handle that its holder listens through
+        SoftLink,    ///< a link property that does not own its target
+        OwningLink,  ///< a link property that owns its target: the listener is an owner of the sender
+        ParentLink   ///< an owning link whose owner stands as the sender's parent
     };
 
     LyrIOCConnection() noexcept = default;
@@ -27,22 +28,26 @@ public:
     LyrIOCConnection& operator=(const LyrIOCConnection&) = delete;
     virtual ~LyrIOCConnection();
 
-    /** Replaces what was connected before. With a null sender nothing is connected; with a null listener only
-     *  senderDestroyed() is heard. */
+    /** Replaces what was connected before. Either side may be null: without a listener only senderDestroyed() is heard,
+     *  without a sender the connection just knows whether its listener is still there. */
     void connect(LyrIOC* sender, LyrIOC* listener, Kind kind, Lyrenum linkId) noexcept;
     void disconnect() noexcept;
 
+    /** Null once the sender is gone. */
     LyrIOC* getSender() const noexcept { return mSender; }
+    /** Null once the listener is gone. */
     LyrIOC* getListener() const noexcept { return mListener; }
     Lyrenum getLinkID() const noexcept { return mLinkId; }
     Kind getKind() const noexcept { return mKind; }
 
 protected:
-    /** The sender is being destroyed; the connection has ended already. */
+    /** The sender is being destroyed; the connection has left it already. */
     virtual void senderDestroyed();
 
 private:
     friend class LyrIOC;
+    void leaveSender() noexcept;
+    void leaveListener() noexcept;
     using SenderNode = LyrEmbeddedListNode<LyrIOCConnection, lyr_detail::SenderSide>;
     using ListenerNode = LyrEmbeddedListNode<LyrIOCConnection, lyr_detail::ListenerSide>;
 
@@ -61,6 +66,24 @@ public:
         /** A new message: its initial sender is its sender. */
         Message(const LyrObject* sender, Lyrenum messageType, Lyrenum propertyOrLinkId) noexcept
             : mSender(sender), mInitialSender(sender), mType(messageType), mPropertyId(propertyOrLinkId) {}
+        /** A copy may be kept: it does not refer to the delivery that the original belongs to. */
+        Message(const Message& other) noexcept
+            : mSender(other.mSender),
+              mInitialSender(other.mInitialSender),
+              mType(other.mType),
+              mPropertyId(other.mPropertyId),
+              mLinkId(other.mLinkId),
+              mFromOwned(other.mFromOwned) {}
+        Message& operator=(const Message& other) noexcept {
+            mSender = other.mSender;
+            mInitialSender = other.mInitialSender;
+            mType = other.mType;
+            mPropertyId = other.mPropertyId;
+            mLinkId = other.mLinkId;
+            mFromOwned = other.mFromOwned;
+            mPassedOn = nullptr;
+            return *this;
+        }
 
         /** The object that passed the message to this receiver. */
         const LyrObject* getSender() const noexcept { return mSender; }
@@ -79,6 +102,7 @@ public:
         Lyrenum mType;
         Lyrenum mPropertyId;
         Lyrenum mLinkId;
+        bool mFromOwned = false;             ///< it came through a link that owns its sender
         const Message* mPassedOn = nullptr;  ///< the message that this one passes on, for the detection of rings
     };
 
@@ -91,7 +115,8 @@ public:
     /** Receives a message. Overrides end by calling the base class's. */
     virtual bool iocCallback(Message& message);
 
-    /** Sends a message to all listeners: owners (through their links) and holders of handles. */
+    /** Sends a message to all listeners: owners (through their links) and holders of handles. Messages that cause each other
+     *  without end are cut off and reported. */
     void iocBroadcast(Message& message);
 
 protected:
@@ -99,11 +124,13 @@ protected:
     void passToOwners(const Message& message, const LyrObject* self);
     /** Ends all lines to and from this object. */
     void disconnectAll() noexcept;
+    /** The line of a kind to this object's listeners that was made last, null if there is none with a listener. */
+    const LyrIOCConnection* lastConnection(LyrIOCConnection::Kind kind) const noexcept;
 
 private:
     friend class LyrIOCConnection;
     class Delivery;
-    void deliver(Message& message, bool ownersOnly);
+    void deliver(const Message& message, bool ownersOnly) noexcept;
 
     LyrEmbeddedList<LyrIOCConnection, lyr_detail::SenderSide> mListeners;
     LyrEmbeddedList<LyrIOCConnection, lyr_detail::ListenerSide> mSources;

@@ -1,43 +1,63 @@
+#include <lyr_core/LyrClassFactory.h>
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrLinkSlot_p.h>
 #include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrObjectPtr.h>
 
 #include <algorithm>
-#include <new>
+#include <cstring>
+#include <utility>
 
 namespace {
 
 /** A state of links: it keeps the objects, so that undo brings back the same ones. */
 struct LinkState : LyrProperty::State {
     std::vector<LyrObjectPtr> targets;
+
+    bool holdsObjectsOf(const char* module) const override {
+        return std::any_of(targets.begin(), targets.end(), [&](const LyrObjectPtr& target) {
+            return target && std::strcmp(target->getMetaClass().getModule(), module) == 0;
+        });
+    }
 };
+
+/** Copies inside one another. Content is never this deep: objects that own each other in a ring would be copied without end. */
+constexpr int DEEPEST_COPY = 200;
+
+class CopyDepth {
+public:
+    CopyDepth() noexcept { ++sDepth; }
+    ~CopyDepth() { --sDepth; }
+    CopyDepth(const CopyDepth&) = delete;
+    CopyDepth& operator=(const CopyDepth&) = delete;
+    static bool isTooDeep() noexcept { return sDepth > DEEPEST_COPY; }
+
+private:
+    static thread_local int sDepth;
+};
+
+thread_local int CopyDepth::sDepth = 0;
 
 /** A copy of a linked object for an owning property. Null, and an error, when it cannot be made. */
 LyrObjectPtr copyOf(const LyrObject& source, const LyrProperty& reporter) {
-    LyrClass* copied = source.getMetaClass().clone(&source);
-    auto* object = dynamic_cast<LyrObject*>(copied);
-    if (!object) {
-        LyrMetaClass::destruct(copied, true);
-        reporter.emitError(Lyr::AllocationFailed);
+    const CopyDepth depth;
+    if (CopyDepth::isTooDeep()) {
+        reporter.emitError(Lyr::Failed);
+        return {};
     }
-    return LyrObjectPtr(object);
+    return LyrObjectPtr(static_cast<LyrObject*>(source.getMetaClass().clone(&source)));
 }
+
+/** An object that is about to go takes no new links. */
+bool mayLinkTo(const LyrObject* target) noexcept { return !target || !target->isDying(); }
 
 }  // namespace
 
 void LyrLinkSlot::senderDestroyed() {
-    if (mOwnership != LyrLinkOwnership::Soft) {
-        return;
-    }
-    const LyrObject* gone = mTarget;
-    mTarget = nullptr;
-    if (auto* list = dynamic_cast<LyrLinkListOP*>(&mProperty)) {
-        for (LyrObjectLink& link : list->mLinks) {
-            if (link.getLink() == gone) {
-                link = LyrObjectLink(nullptr, link.getOwner(), link.getLinkID());
-            }
-        }
-        list->announceChange();
+    const LyrObject* gone = std::exchange(mTarget, nullptr);
+    auto* list = dynamic_cast<LyrLinkListOP*>(&mProperty);
+    if (list) {
+        list->forget(gone);
     } else {
         static_cast<LyrSingleLinkOP&>(mProperty).announceChange();
     }
@@ -47,16 +67,24 @@ void LyrLinkSlot::senderDestroyed() {
 
 LyrSingleLinkOP::LyrSingleLinkOP(LyrLinkOwnership ownership) noexcept : mOwnership(ownership) {}
 
-LyrSingleLinkOP::~LyrSingleLinkOP() = default;
+// The end of the linked object may be noticed: by then this property must be out of everybody's sight.
+LyrSingleLinkOP::~LyrSingleLinkOP() {
+    leaveOwner();
+    const std::unique_ptr<LyrLinkSlot> retired = std::move(mSlot);
+}
 
 LyrObject* LyrSingleLinkOP::getTarget() const noexcept { return mSlot ? mSlot->target() : nullptr; }
 
 bool LyrSingleLinkOP::resetData() { return mResetMode == Lyr::Object || setValue(LyrObjectLink()); }
 
 std::unique_ptr<LyrProperty::State> LyrSingleLinkOP::takeState() const {
-    auto state = std::make_unique<LinkState>();
-    state->targets.emplace_back(getTarget());
-    return state;
+    try {
+        auto state = std::make_unique<LinkState>();
+        state->targets.emplace_back(getTarget());
+        return state;
+    } catch (...) {
+        return nullptr;
+    }
 }
 
 bool LyrSingleLinkOP::restoreState(const State& state) {
@@ -86,49 +114,44 @@ bool LyrSingleLinkOP::readStored(LyrObjectLink& out) const {
 }
 
 bool LyrSingleLinkOP::writeStored(const LyrObjectLink& value) {
-    const LyrObjectPtr keptAlive(value.getLink());
     if (checkData(value, true) != 1) {
         return false;
     }
     if (value.getLink() == getTarget()) {
         return true;
     }
-    std::unique_ptr<LyrLinkSlot> retired;
-    return write([&] {
-        std::unique_ptr<LyrLinkSlot> fresh;
-        if (value.getLink()) {
-            fresh.reset(new LyrLinkSlot(*this, mOwnership, value.getLink()));
-            if (!fresh) {
-                return emitError(Lyr::AllocationFailed);
-            }
-        }
-        retired = std::exchange(mSlot, std::move(fresh));
-        if (retired) {
-            retired->deactivate();
-        }
-        if (mSlot) {
-            mSlot->activate();
-        }
-        return true;
-    });
+    if (!mayLinkTo(value.getLink())) {
+        return emitError(Lyr::InvalidParameters);
+    }
+    std::unique_ptr<LyrLinkSlot> retired;  // its object dies when the new link is in place and told
+    return write([&] { return exchangeSlot(value.getLink(), retired); });
 }
 
 bool LyrSingleLinkOP::storeSilently(const LyrObjectLink& value) {
+    std::unique_ptr<LyrLinkSlot> retired;
+    return mayLinkTo(value.getLink()) ? exchangeSlot(value.getLink(), retired) : emitError(Lyr::InvalidParameters);
+}
+
+bool LyrSingleLinkOP::exchangeSlot(LyrObject* target, std::unique_ptr<LyrLinkSlot>& retired) {
     std::unique_ptr<LyrLinkSlot> fresh;
-    if (value.getLink()) {
-        fresh.reset(new LyrLinkSlot(*this, mOwnership, value.getLink()));
+    if (target) {
+        fresh.reset(new LyrLinkSlot(*this, mOwnership, target));
         if (!fresh) {
             return emitError(Lyr::AllocationFailed);
         }
-        fresh->activate();
     }
-    const std::unique_ptr<LyrLinkSlot> retired = std::exchange(mSlot, std::move(fresh));
+    retired = std::exchange(mSlot, std::move(fresh));
+    if (retired) {
+        retired->disconnect();
+    }
+    if (mSlot) {
+        mSlot->activate();
+    }
     return true;
 }
 
 void LyrSingleLinkOP::ownerChanged() {
     if (mSlot) {
-        mSlot->deactivate();
         mSlot->activate();
     }
 }
@@ -137,7 +160,11 @@ void LyrSingleLinkOP::ownerChanged() {
 
 LyrLinkListOP::LyrLinkListOP(LyrLinkOwnership ownership) noexcept : mOwnership(ownership) {}
 
-LyrLinkListOP::~LyrLinkListOP() = default;
+LyrLinkListOP::~LyrLinkListOP() {
+    leaveOwner();
+    mLinks.clear();
+    const Slots retired = std::move(mSlots);
+}
 
 bool LyrLinkListOP::getArrayIndexRange(long long& first, long long& last) const {
     first = 0;
@@ -161,10 +188,7 @@ bool LyrLinkListOP::getArrayItems(long long first, long long last, LyrObjectLink
 }
 
 bool LyrLinkListOP::mayWrite(long long count, const LyrObjectLink* items) const {
-    if (isReadOnly() || checkItems(count, items) != 1) {
-        return false;
-    }
-    return mLocks.load(std::memory_order_relaxed) == 0 || emitError(Lyr::Locked);
+    return !isReadOnly() && checkItems(count, items) == 1;
 }
 
 std::vector<LyrObject*> LyrLinkListOP::targets() const {
@@ -180,9 +204,15 @@ bool LyrLinkListOP::replaceAll(const std::vector<LyrObject*>& wanted) {
     if (wanted == targets()) {
         return true;
     }
+    if (mLocks.load(std::memory_order_acquire) != 0) {
+        return emitError(Lyr::Locked);
+    }
+    if (!std::all_of(wanted.begin(), wanted.end(), mayLinkTo)) {
+        return emitError(Lyr::InvalidParameters);
+    }
     Slots fresh;  // after the write: the retired ones, whose objects die when everything is in place and told
-    std::vector<LyrObjectLink> links;
     return write([&] {
+        std::vector<LyrObjectLink> links;
         fresh.reserve(wanted.size());
         links.reserve(wanted.size());
         for (LyrObject* target : wanted) {
@@ -195,13 +225,26 @@ bool LyrLinkListOP::replaceAll(const std::vector<LyrObject*>& wanted) {
         mSlots.swap(fresh);
         mLinks.swap(links);
         for (auto& slot : fresh) {
-            slot->deactivate();
+            slot->disconnect();
         }
         for (auto& slot : mSlots) {
             slot->activate();
         }
         return true;
     });
+}
+
+void LyrLinkListOP::forget(const LyrObject* gone) {
+    bool changed = false;
+    for (LyrObjectLink& link : mLinks) {
+        if (link.getLink() == gone) {
+            link = LyrObjectLink(nullptr, link.getOwner(), link.getLinkID());
+            changed = true;
+        }
+    }
+    if (changed) {
+        announceChange();
+    }
 }
 
 bool LyrLinkListOP::setArrayItems(long long first, long long last, const LyrObjectLink* items) {
@@ -223,15 +266,13 @@ bool LyrLinkListOP::setArrayItems(long long first, long long last, const LyrObje
 }
 
 bool LyrLinkListOP::initArray(long long first, long long last, const LyrObjectLink* items) {
-    const long long count = last - first + 1;
-    if (!isItemRange(first, last, items) || !mayWrite(count, items)) {
+    if (!isItemRange(first, last, items) || !mayWrite(last - first + 1, items)) {
         return false;
     }
     try {
-        std::vector<LyrObject*> wanted;
-        for (long long i = 0; i < count; ++i) {
-            wanted.push_back(items[i].getLink());
-        }
+        const auto count = static_cast<std::size_t>(last - first + 1);
+        std::vector<LyrObject*> wanted(count);
+        std::transform(items, items + count, wanted.begin(), [](const LyrObjectLink& link) { return link.getLink(); });
         return replaceAll(wanted);
     } catch (...) {
         return emitError(Lyr::AllocationFailed);
@@ -239,15 +280,14 @@ bool LyrLinkListOP::initArray(long long first, long long last, const LyrObjectLi
 }
 
 bool LyrLinkListOP::insertArrayItems(long long first, long long last, const LyrObjectLink* items) {
-    const long long count = last - first + 1;
-    if (first < 0 || count < 1 || first > static_cast<long long>(mLinks.size()) || !items || !mayWrite(count, items)) {
+    const bool isRange = last >= first && isItemRange(first, last, items);
+    if (!isRange || first > static_cast<long long>(mLinks.size()) || !mayWrite(last - first + 1, items)) {
         return false;
     }
     try {
         auto wanted = targets();
-        for (long long i = 0; i < count; ++i) {
-            wanted.insert(wanted.begin() + first + i, items[i].getLink());
-        }
+        const auto place = wanted.insert(wanted.begin() + first, static_cast<std::size_t>(last - first + 1), nullptr);
+        std::transform(items, items + (last - first + 1), place, [](const LyrObjectLink& link) { return link.getLink(); });
         return replaceAll(wanted);
     } catch (...) {
         return emitError(Lyr::AllocationFailed);
@@ -268,11 +308,18 @@ bool LyrLinkListOP::removeArrayItems(long long first, long long last) {
 }
 
 const LyrObjectLink* LyrLinkListOP::lockArrayPtr() const {
-    mLocks.fetch_add(1, std::memory_order_relaxed);
-    return mLinks.empty() ? nullptr : mLinks.data();
+    if (mLinks.empty()) {
+        return nullptr;
+    }
+    mLocks.fetch_add(1, std::memory_order_acquire);
+    return mLinks.data();
 }
 
-void LyrLinkListOP::unlockArrayPtr(const LyrObjectLink*) const { mLocks.fetch_sub(1, std::memory_order_relaxed); }
+void LyrLinkListOP::unlockArrayPtr(const LyrObjectLink* items) const {
+    if (items && items == mLinks.data() && mLocks.fetch_sub(1, std::memory_order_release) <= 0) {
+        mLocks.fetch_add(1, std::memory_order_relaxed);  // it was not locked
+    }
+}
 
 LyrProperty* LyrLinkListOP::clone(Lyrenum id) const {
     std::unique_ptr<LyrObjectSoftLinkListOP> copy(new LyrObjectSoftLinkListOP());
@@ -287,20 +334,28 @@ LyrProperty* LyrLinkListOP::clone(Lyrenum id) const {
 bool LyrLinkListOP::resetData() { return mResetMode == Lyr::Object || initArray(0, -1, nullptr); }
 
 std::unique_ptr<LyrProperty::State> LyrLinkListOP::takeState() const {
-    auto state = std::make_unique<LinkState>();
-    state->targets.reserve(mLinks.size());
-    for (const LyrObjectLink& link : mLinks) {
-        state->targets.emplace_back(link.getLink());
+    try {
+        auto state = std::make_unique<LinkState>();
+        state->targets.reserve(mLinks.size());
+        for (const LyrObjectLink& link : mLinks) {
+            state->targets.emplace_back(link.getLink());
+        }
+        return state;
+    } catch (...) {
+        return nullptr;
     }
-    return state;
 }
 
 bool LyrLinkListOP::restoreState(const State& state) {
-    std::vector<LyrObject*> wanted;
-    for (const LyrObjectPtr& target : static_cast<const LinkState&>(state).targets) {
-        wanted.push_back(target.get());
+    try {
+        std::vector<LyrObjectLink> links;
+        for (const LyrObjectPtr& target : static_cast<const LinkState&>(state).targets) {
+            links.emplace_back(target.get(), nullptr, -1);
+        }
+        return initArray(0, static_cast<long long>(links.size()) - 1, links.data());
+    } catch (...) {
+        return emitError(Lyr::AllocationFailed);
     }
-    return replaceAll(wanted);
 }
 
 bool LyrLinkListOP::copyValueFrom(const LyrProperty& source) {
@@ -336,7 +391,49 @@ void LyrLinkListOP::ownerChanged() {
         link = LyrObjectLink(link.getLink(), getObject(), getPropertyID());
     }
     for (auto& slot : mSlots) {
-        slot->deactivate();
         slot->activate();
     }
 }
+
+// Meta classes
+
+namespace {
+
+template <class Link>
+const LyrMetaClass& describeLink(const char* name, const LyrMetaClass& parent) {
+    static const LyrMetaClass meta(name, sizeof(Link), &parent, new LyrClassFactory<Link>, "lyr_core", 0, nullptr, 0, 0, 0,
+                                   false);
+    return meta;
+}
+
+}  // namespace
+
+const LyrMetaClass& LyrObjectHardLinkOP::metaClass() {
+    return describeLink<LyrObjectHardLinkOP>("LyrObjectHardLinkOP", LyrProperty::metaClass());
+}
+const LyrMetaClass& LyrObjectHardLinkOP::getMetaClass() const { return metaClass(); }
+
+const LyrMetaClass& LyrObjectSoftLinkOP::metaClass() {
+    return describeLink<LyrObjectSoftLinkOP>("LyrObjectSoftLinkOP", LyrProperty::metaClass());
+}
+const LyrMetaClass& LyrObjectSoftLinkOP::getMetaClass() const { return metaClass(); }
+
+const LyrMetaClass& LyrObjectParentLinkOP::metaClass() {
+    return describeLink<LyrObjectParentLinkOP>("LyrObjectParentLinkOP", LyrProperty::metaClass());
+}
+const LyrMetaClass& LyrObjectParentLinkOP::getMetaClass() const { return metaClass(); }
+
+const LyrMetaClass& LyrObjectHardLinkListOP::metaClass() {
+    return describeLink<LyrObjectHardLinkListOP>("LyrObjectHardLinkListOP", LyrProperty::metaClass());
+}
+const LyrMetaClass& LyrObjectHardLinkListOP::getMetaClass() const { return metaClass(); }
+
+const LyrMetaClass& LyrObjectSoftLinkListOP::metaClass() {
+    return describeLink<LyrObjectSoftLinkListOP>("LyrObjectSoftLinkListOP", LyrProperty::metaClass());
+}
+const LyrMetaClass& LyrObjectSoftLinkListOP::getMetaClass() const { return metaClass(); }
+
+const LyrMetaClass& LyrObjectParentLinkListOP::metaClass() {
+    return describeLink<LyrObjectParentLinkListOP>("LyrObjectParentLinkListOP", LyrObjectHardLinkListOP::metaClass());
+}
+const LyrMetaClass& LyrObjectParentLinkListOP::getMetaClass() const { return metaClass(); }

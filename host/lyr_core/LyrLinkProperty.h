@@ -20,7 +20,8 @@ using LyrSingleLinkIF = LyrSingleValuePropertyIF<LyrObjectLink>;
 using LyrLinkListIF = LyrValueArrayPropertyIF<LyrObjectLink>;
 
 /** A link to one object. Messages of the object reach the owner with the property's identifier as link identifier. Copying an
- *  owning link (hard, parent) copies its object; copying a soft one copies the reference. */
+ *  owning link (hard, parent) copies its object; copying a soft one copies the reference. The link of an object that is
+ *  destroyed becomes null, which is told like a write; an object whose destruction has begun cannot be linked any more. */
 class LYR_CORE_EXPORT LyrSingleLinkOP : public LyrSingleLinkIF {
 public:
     ~LyrSingleLinkOP() override;
@@ -49,6 +50,8 @@ protected:
 
 private:
     friend class LyrLinkSlot;
+    bool exchangeSlot(LyrObject* target, std::unique_ptr<LyrLinkSlot>& retired);
+
     std::unique_ptr<LyrLinkSlot> mSlot;
     LyrLinkOwnership mOwnership;
     Lyrenum mResetMode;
@@ -57,17 +60,23 @@ private:
 class LYR_CORE_EXPORT LyrObjectHardLinkOP : public LyrSingleLinkOP {
 public:
     LyrObjectHardLinkOP() noexcept : LyrSingleLinkOP(LyrLinkOwnership::Hard) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 };
 
 class LYR_CORE_EXPORT LyrObjectSoftLinkOP : public LyrSingleLinkOP {
 public:
     LyrObjectSoftLinkOP() noexcept : LyrSingleLinkOP(LyrLinkOwnership::Soft) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 };
 
 /** An owning link whose owner stands as parent of the object: the object's way back. */
 class LYR_CORE_EXPORT LyrObjectParentLinkOP : public LyrSingleLinkOP {
 public:
     LyrObjectParentLinkOP() noexcept : LyrSingleLinkOP(LyrLinkOwnership::Parent) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 };
 
 /** A list of links, with the rules of LyrSingleLinkOP for each. */
@@ -107,7 +116,9 @@ private:
     using Slots = std::vector<std::unique_ptr<LyrLinkSlot>>;
     bool isInside(long long first, long long last) const noexcept;
     bool mayWrite(long long count, const LyrObjectLink* items) const;
-    bool replaceAll(const std::vector<LyrObject*>& targets);
+    bool replaceAll(const std::vector<LyrObject*>& wanted);
+    /** A listed object went by itself: its links become null. */
+    void forget(const LyrObject* gone);
     std::vector<LyrObject*> targets() const;
 
     Slots mSlots;
@@ -120,6 +131,8 @@ private:
 class LYR_CORE_EXPORT LyrObjectHardLinkListOP : public LyrLinkListOP {
 public:
     LyrObjectHardLinkListOP() noexcept : LyrLinkListOP(LyrLinkOwnership::Hard) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 
 protected:
     explicit LyrObjectHardLinkListOP(LyrLinkOwnership ownership) noexcept : LyrLinkListOP(ownership) {}
@@ -128,10 +141,14 @@ protected:
 class LYR_CORE_EXPORT LyrObjectSoftLinkListOP : public LyrLinkListOP {
 public:
     LyrObjectSoftLinkListOP() noexcept : LyrLinkListOP(LyrLinkOwnership::Soft) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 };
 
 /** An owning list whose owner stands as parent of each listed object. */
 class LYR_CORE_EXPORT LyrObjectParentLinkListOP : public LyrObjectHardLinkListOP {
 public:
     LyrObjectParentLinkListOP() noexcept : LyrObjectHardLinkListOP(LyrLinkOwnership::Parent) {}
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
 };

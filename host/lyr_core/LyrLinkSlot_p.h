@@ -3,45 +3,36 @@
 #include <lyr_core/LyrIOC.h>
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObject.h>
-#include <lyr_core/LyrObjectPtr.h>
 
-/** One link of a link property: the reference, the line to the owner and the parent link. A slot is filled first (it then
- *  only holds its reference) and takes effect with activate(). */
+/** One link of a link property: the reference and the line to the owner. A slot is filled first (it then only holds its
+ *  reference) and takes effect with activate(). */
 class LyrLinkSlot : public LyrIOCConnection {
 public:
     LyrLinkSlot(LyrProperty& property, LyrLinkOwnership ownership, LyrObject* target) noexcept
-        : mProperty(property), mOwnership(ownership), mTarget(target), mHold(isOwning() ? target : nullptr) {}
+        : mProperty(property), mOwnership(ownership), mTarget(target) {
+        if (mTarget && isOwning()) {
+            mTarget->incRef();
+        }
+    }
 
-    ~LyrLinkSlot() override { deactivate(); }
+    ~LyrLinkSlot() override {
+        disconnect();
+        if (mTarget && isOwning()) {
+            mTarget->decRef();
+        }
+    }
 
     static void* operator new(std::size_t size) noexcept { return LyrPrivatePart::operator new(size); }
     static void operator delete(void* memory) noexcept { LyrPrivatePart::operator delete(memory); }
 
     LyrObject* target() const noexcept { return mTarget; }
 
+    /** Connects the target to the property's owner, as it is now. */
     void activate() noexcept {
-        LyrObject* owner = mProperty.getObject();
-        if (!mTarget) {
-            return;
-        }
-        connect(mTarget, owner, isOwning() ? Kind::OwningLink : Kind::SoftLink, mProperty.getPropertyID());
-        if (mOwnership == LyrLinkOwnership::Parent && owner) {
-            mTarget->setParentLink(owner, mProperty.getPropertyID());
-            mStandsAsParent = owner;
-        }
-    }
-
-    void deactivate() noexcept {
         disconnect();
-        if (!mStandsAsParent) {
-            return;
+        if (mTarget) {
+            connect(mTarget, mProperty.getObject(), lineKind(), mProperty.getPropertyID());
         }
-        // Only if the parent is still this one: the object may have moved to another list meanwhile.
-        const LyrObjectLink parent = mTarget->getParentLink();
-        if (parent.getOwner() == mStandsAsParent && parent.getLinkID() == mProperty.getPropertyID()) {
-            mTarget->setParentLink(nullptr, -1);
-        }
-        mStandsAsParent = nullptr;
     }
 
 protected:
@@ -49,10 +40,18 @@ protected:
 
 private:
     bool isOwning() const noexcept { return mOwnership != LyrLinkOwnership::Soft; }
+    Kind lineKind() const noexcept {
+        switch (mOwnership) {
+            case LyrLinkOwnership::Hard:
+                return Kind::OwningLink;
+            case LyrLinkOwnership::Parent:
+                return Kind::ParentLink;
+            default:
+                return Kind::SoftLink;
+        }
+    }
 
     LyrProperty& mProperty;
     LyrLinkOwnership mOwnership;
     LyrObject* mTarget;
-    LyrObjectPtr mHold;
-    LyrObject* mStandsAsParent = nullptr;
 };

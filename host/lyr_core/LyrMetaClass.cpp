@@ -2,8 +2,10 @@
 #include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrKeepAlive_p.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObject.h>
+#include <lyr_core/LyrScratch.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,43 +14,68 @@
 
 namespace {
 
+using Hook = LyrMetaClass::FactoryHook;
+
 /** Classes and hooks by name. Recursive: a hook may create objects and add hooks. */
 struct Registry {
     std::recursive_mutex mutex;
     std::map<std::string, const LyrMetaClass*, std::less<>> classes;
-    std::map<std::string, std::vector<LyrMetaClass::FactoryHook*>, std::less<>> hooks;
+    std::map<std::string, std::vector<Hook*>, std::less<>> hooks;
 
+    /** Never destroyed: static meta classes and objects of any library refer to it. */
     static Registry& instance() {
-        static Registry registry;
+        static Registry& registry = *new Registry;
         return registry;
+    }
+
+    /** Calls `visit` with each hook of a class and of those that it derives from, until it answers false. */
+    template <class Visit>
+    void forEachHook(const LyrMetaClass& meta, Visit visit) {
+        const std::lock_guard lock(mutex);
+        for (const LyrMetaClass* at = &meta; at; at = at->getParent()) {
+            auto found = hooks.find(std::string_view(at->getClassName()));
+            if (found == hooks.end()) {
+                continue;
+            }
+            for (Hook* hook : found->second) {
+                if (!visit(hook)) {
+                    return;
+                }
+            }
+        }
     }
 };
 
-std::vector<LyrMetaClass::FactoryHook*> hooksOf(const LyrMetaClass& meta) {
-    Registry& registry = Registry::instance();
-    const std::lock_guard lock(registry.mutex);
-    std::vector<LyrMetaClass::FactoryHook*> result;
-    for (const LyrMetaClass* at = &meta; at; at = at->getParent()) {
-        auto found = registry.hooks.find(std::string_view(at->getClassName()));
-        if (found != registry.hooks.end()) {
-            result.insert(result.end(), found->second.begin(), found->second.end());
+bool isHooked(const LyrMetaClass& meta, const Hook* wanted) {
+    bool found = false;
+    Registry::instance().forEachHook(meta, [&](const Hook* hook) {
+        found = hook == wanted;
+        return !found;
+    });
+    return found;
+}
+
+/** Calls each hook of a class once; one that another hook removed meanwhile is not called. */
+template <class Call>
+void callHooks(const LyrMetaClass& meta, Call call) noexcept {
+    LyrScratch<Hook*> hooks;
+    bool complete = true;
+    Registry::instance().forEachHook(meta, [&](Hook* hook) {
+        const bool known = std::find(hooks.begin(), hooks.end(), hook) != hooks.end();
+        complete = known || hooks.append(hook);
+        return complete;
+    });
+    for (Hook* hook : hooks) {
+        try {
+            if (isHooked(meta, hook)) {
+                call(*hook);
+            }
+        } catch (...) {
+            complete = false;
         }
     }
-    return result;
-}
-
-bool isHooked(const LyrMetaClass& meta, const LyrMetaClass::FactoryHook* hook) {
-    const auto hooks = hooksOf(meta);
-    return std::find(hooks.begin(), hooks.end(), hook) != hooks.end();
-}
-
-/** Calls each hook of a class; one that another hook removed meanwhile is not called. */
-template <class Call>
-void callHooks(const LyrMetaClass& meta, Call call) {
-    for (LyrMetaClass::FactoryHook* hook : hooksOf(meta)) {
-        if (isHooked(meta, hook)) {
-            call(*hook);
-        }
+    if (!complete) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
     }
 }
 
@@ -61,29 +88,41 @@ constexpr LyrMetaClass::NamedFlag HOST_FLAGS[] = {
 }  // namespace
 
 LyrMetaClass::Factory::~Factory() = default;
-LyrMetaClass::FactoryHook::~FactoryHook() = default;
+
+LyrMetaClass::FactoryHook::~FactoryHook() {
+    Registry& registry = Registry::instance();
+    const std::lock_guard lock(registry.mutex);
+    for (auto& entry : registry.hooks) {
+        std::erase(entry.second, this);
+    }
+    std::erase_if(registry.hooks, [](const auto& entry) { return entry.second.empty(); });
+}
 
 LyrMetaClass::LyrMetaClass(const char* className, std::size_t instanceSize, const LyrMetaClass* parent, Factory* factory,
                            const char* module, unsigned int classFlags, const NamedFlag* namedFlags, int namedFlagCount,
                            unsigned int defaultSet, unsigned int defaultClear, bool singleton)
-    : mClassName(className ? className : ""),
-      mModule(module ? module : ""),
-      mInstanceSize(instanceSize),
+    : mInstanceSize(instanceSize),
       mParent(parent),
       mFactory(factory),
       mClassFlags(classFlags),
-      mNamedFlags(namedFlags, namedFlags + (namedFlags ? namedFlagCount : 0)),
       mDefaultSet(defaultSet),
       mDefaultClear(defaultClear),
       mSingleton(singleton) {
-    Registry& registry = Registry::instance();
-    bool taken = false;
-    {
+    Lyrenum result = Lyr::AlreadyRegistered;
+    try {
+        mClassName = className ? className : "";
+        mModule = module ? module : "";
+        mNamedFlags.assign(namedFlags, namedFlags + (namedFlags ? namedFlagCount : 0));
+        Registry& registry = Registry::instance();
         const std::lock_guard lock(registry.mutex);
-        taken = !registry.classes.try_emplace(mClassName, this).second;
+        if (registry.classes.try_emplace(mClassName, this).second) {
+            result = Lyr::Success;
+        }
+    } catch (...) {
+        result = Lyr::AllocationFailed;
     }
-    if (taken) {
-        LyrError::emitError(LyrError::Message(Lyr::AlreadyRegistered));
+    if (result != Lyr::Success) {
+        LyrError::emitError(LyrError::Message(result));
     }
 }
 
@@ -110,22 +149,37 @@ bool LyrMetaClass::isOfType(const char* className) const noexcept {
     return false;
 }
 
-LyrClass* LyrMetaClass::finishCreation(LyrClass* object) const {
-    if (!object) {
-        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
-        return nullptr;
-    }
-    object->mCreatedHooksRan = true;
-    callHooks(*this, [&](FactoryHook& hook) { hook.objectCreated(object); });
-    return object;
-}
-
-LyrClass* LyrMetaClass::create() const {
+/** What every creation does around `produce`, which gives the new object or null. */
+template <class Make>
+LyrClass* LyrMetaClass::make(Make produce) const {
     if (!mFactory) {
         LyrError::emitError(LyrError::Message(Lyr::Failed));
         return nullptr;
     }
-    return finishCreation(mFactory->create(nullptr));
+    LyrClass* object = nullptr;
+    try {
+        object = produce(*mFactory);
+    } catch (...) {
+        object = nullptr;
+    }
+    if (!object) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return nullptr;
+    }
+    LyrClassManager::enter(object);
+    callCreationHooks(object);
+    return object;
+}
+
+void LyrMetaClass::callCreationHooks(LyrClass* object) const noexcept {
+    // A hook may hold the object for a moment: that must not be the end of it.
+    const LyrKeepAlive keepAlive(dynamic_cast<LyrObject*>(object));
+    object->mCreatedHooksRan = true;
+    callHooks(*this, [&](FactoryHook& hook) { hook.objectCreated(object); });
+}
+
+LyrClass* LyrMetaClass::create() const {
+    return make([](const Factory& factory) { return factory.create(nullptr); });
 }
 
 LyrClass* LyrMetaClass::create(const char* className) {
@@ -137,34 +191,55 @@ LyrClass* LyrMetaClass::clone(const LyrClass* from) const {
     if (!from || !from->getMetaClass().isOfType(*this)) {
         return nullptr;
     }
-    const LyrMetaClass& meta = from->getMetaClass();
-    LyrClass* copied = meta.mFactory ? meta.mFactory->createCopy(from, nullptr) : nullptr;
-    return copied ? meta.finishCreation(copied) : nullptr;
+    return from->getMetaClass().make([&](const Factory& factory) {
+        LyrClass* copied = factory.createCopy(from, nullptr);
+        const auto* object = dynamic_cast<const LyrObject*>(copied);
+        if (object && object->mCopyIncomplete) {
+            destruct(copied, true);
+            copied = nullptr;
+        }
+        return copied;
+    });
 }
 
 bool LyrMetaClass::copy(LyrClass* to, const LyrClass* from) const {
     if (to && to == from) {
         return to->getMetaClass().isOfType(*this);
     }
-    return mFactory && mFactory->assign(to, from);
+    try {
+        return mFactory && mFactory->assign(to, from);
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(to, Lyr::AllocationFailed));
+        return false;
+    }
 }
 
-void LyrMetaClass::destruct(LyrClass* object, bool freeMemory) {
+bool LyrMetaClass::destruct(LyrClass* object, bool freeMemory) {
+    const auto* asObject = dynamic_cast<const LyrObject*>(object);
+    if (asObject && asObject->getRefCount() > 0) {
+        LyrError::emitError(LyrError::Message(object, Lyr::Failed));
+        return false;
+    }
+    prepareDestruction(object);
+    if (freeMemory) {
+        delete object;
+    } else if (object) {
+        object->~LyrClass();
+    }
+    return true;
+}
+
+void LyrMetaClass::prepareDestruction(LyrClass* object) noexcept {
     if (!object) {
         return;
     }
-    auto* asObject = dynamic_cast<LyrObject*>(object);
-    if (asObject) {
+    if (auto* asObject = dynamic_cast<LyrObject*>(object)) {
         asObject->beginDestruction();
     }
+    LyrClassManager::leave(object);
     if (object->mCreatedHooksRan) {
         object->mCreatedHooksRan = false;
         callHooks(object->getMetaClass(), [&](FactoryHook& hook) { hook.objectDestroyed(object); });
-    }
-    if (freeMemory) {
-        delete object;
-    } else {
-        object->~LyrClass();
     }
 }
 
@@ -208,18 +283,23 @@ int LyrMetaClass::moduleClassCount(const char* module) noexcept {
     }));
 }
 
-bool LyrMetaClass::addFactoryHook(const char* className, FactoryHook* hook) {
+bool LyrMetaClass::addFactoryHook(const char* className, FactoryHook* hook) noexcept {
     if (!className || !hook) {
         return false;
     }
-    Registry& registry = Registry::instance();
-    const std::lock_guard lock(registry.mutex);
-    auto& hooks = registry.hooks[className];
-    if (std::find(hooks.begin(), hooks.end(), hook) != hooks.end()) {
+    try {
+        Registry& registry = Registry::instance();
+        const std::lock_guard lock(registry.mutex);
+        auto& hooks = registry.hooks[className];
+        if (std::find(hooks.begin(), hooks.end(), hook) != hooks.end()) {
+            return false;
+        }
+        hooks.push_back(hook);
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
         return false;
     }
-    hooks.push_back(hook);
-    return true;
 }
 
 bool LyrMetaClass::removeFactoryHook(const char* className, FactoryHook* hook) noexcept {

@@ -14,7 +14,7 @@ class LyrClass;
 class LYR_CORE_EXPORT LyrMetaClass {
 public:
     /** Makes, copies and assigns objects of one class. `storage` is null for an object of its own on the heap, else a place of
-     *  at least the instance size to construct in. */
+     *  at least the instance size to construct in. Null means that memory ran out. */
     class LYR_CORE_EXPORT Factory {
     public:
         virtual ~Factory();
@@ -26,9 +26,14 @@ public:
     };
 
     /** Hears of objects of a class, and of classes derived from it, that the framework creates and destroys: called after the
-     *  most derived constructor and before the most derived destructor. */
+     *  most derived constructor and before the most derived destructor, hooks of the class first, then those of its parents.
+     *  A hook that is added meanwhile hears of later objects only. */
     class LYR_CORE_EXPORT FactoryHook {
     public:
+        FactoryHook() = default;
+        FactoryHook(const FactoryHook&) = delete;
+        FactoryHook& operator=(const FactoryHook&) = delete;
+        /** Removes the hook from all classes. */
         virtual ~FactoryHook();
         virtual void objectCreated(LyrClass* object) = 0;
         virtual void objectDestroyed(LyrClass* object) = 0;
@@ -67,12 +72,17 @@ public:
     LyrClass* create() const;
     /** As above, by class name. An unknown name gives null, silently. */
     static LyrClass* create(const char* className);
-    /** A copy of an object of exactly this class or one derived from it, made by the class of the object. Null on failure. */
+    /** A copy of an object of exactly this class or one derived from it, made by the class of the object. Null if the object
+     *  is not of this class; null, and an error, if it could not be copied. */
     LyrClass* clone(const LyrClass* from) const;
     /** Assigns. Both must be of this class (else false). An object assigned to itself is left alone. */
     bool copy(LyrClass* to, const LyrClass* from) const;
-    /** Ends an object: hooks, roles, destructor; frees its memory if asked. Null is allowed. */
-    static void destruct(LyrClass* object, bool freeMemory);
+    /** Ends an object: roles, hooks, destructor; frees its memory if asked. Null is allowed. False, and an error, for an object
+     *  that somebody holds a reference to: it lives on. */
+    static bool destruct(LyrClass* object, bool freeMemory);
+    /** The first part of destruct(): gives up the object's roles and calls the hooks, once. For objects that something other
+     *  than the framework deletes, say a widget by its parent: their most derived destructor calls it first. */
+    static void prepareDestruction(LyrClass* object) noexcept;
 
     void applyDefaultFlags(LyrClass* object) const;
     /** The bit of a flag name known to this class, its parents or the host; 0 if unknown. */
@@ -83,12 +93,15 @@ public:
     /** How many classes a module has registered. */
     static int moduleClassCount(const char* module) noexcept;
 
-    /** Adds a hook for a class by name (the class need not exist yet). The hook is not called for objects that exist. */
-    static bool addFactoryHook(const char* className, FactoryHook* hook);
+    /** Adds a hook for a class by name (the class need not exist yet). The hook is not called for objects that exist. False if
+     *  it is there already. */
+    static bool addFactoryHook(const char* className, FactoryHook* hook) noexcept;
     static bool removeFactoryHook(const char* className, FactoryHook* hook) noexcept;
 
 private:
-    LyrClass* finishCreation(LyrClass* object) const;
+    template <class Make>
+    LyrClass* make(Make produce) const;
+    void callCreationHooks(LyrClass* object) const noexcept;
 
     std::string mClassName;
     std::string mModule;

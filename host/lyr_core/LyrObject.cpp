@@ -3,10 +3,12 @@
 #include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrKeepAlive_p.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObject.h>
 #include <lyr_core/LyrProperty.h>
 #include <lyr_core/LyrRoleManager.h>
+#include <lyr_core/LyrScratch.h>
 #include <lyr_core/LyrSingleValueProperty.h>
 
 #include <algorithm>
@@ -35,12 +37,13 @@ LyrObject& LyrObject::operator=(const LyrObject& other) {
 LyrObject::~LyrObject() {
     mDying = true;
     LyrClassManager::leave(this);
+    giveUpRoles();  // left only if nothing announced the destruction
     disconnectAll();
     while (!mProperties.empty()) {
         removeProperty(mProperties.back()->getPropertyID());
     }
-    for (const ActionEntry& entry : mActions) {
-        entry.action->mActionId = -1;
+    while (!mActions.empty()) {
+        removeAction(mActions.back().id);
     }
 }
 
@@ -66,6 +69,10 @@ std::int64_t LyrObject::getRefCount() const noexcept { return mRefCount.load(std
 
 void LyrObject::beginDestruction() {
     mDying = true;
+    giveUpRoles();
+}
+
+void LyrObject::giveUpRoles() {
     while (!mRoles.empty()) {
         deactivateRole(mRoles.back());
     }
@@ -78,8 +85,14 @@ void LyrObject::stampModification() noexcept { mModified = LyrTimestamp::getCurr
 // Roles
 
 bool LyrObject::prepareRoles() {
+    const LyrKeepAlive keepAlive(this);
+    LyrScratch<Lyrenum> roles;
+    if (!RoleManager::defaultRoles(getMetaClass(), roles)) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
+        return false;
+    }
     bool done = true;
-    for (const Lyrenum role : RoleManager::defaultRoles(getMetaClass())) {
+    for (const Lyrenum role : roles) {
         done = (isRoleActive(role) || activateRole(role)) && done;
     }
     return done;
@@ -90,10 +103,16 @@ bool LyrObject::isRoleActive(Lyrenum role) const noexcept {
 }
 
 bool LyrObject::activateRole(Lyrenum role) {
-    if (!RoleManager::isRole(role) || isRoleActive(role)) {
+    if (mDying || !RoleManager::isRole(role) || isRoleActive(role)) {
         return false;
     }
-    mRoles.push_back(role);
+    try {
+        mRoles.push_back(role);
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
+        return false;
+    }
+    const LyrKeepAlive keepAlive(this);
     return RoleManager::enter(role, LyrObjectLink(this, nullptr, -1));
 }
 
@@ -101,6 +120,7 @@ bool LyrObject::deactivateRole(Lyrenum role) {
     if (std::erase(mRoles, role) == 0) {
         return false;
     }
+    const LyrKeepAlive keepAlive(this);
     RoleManager::leave(role, LyrObjectLink(this, nullptr, -1));
     return true;
 }
@@ -108,16 +128,15 @@ bool LyrObject::deactivateRole(Lyrenum role) {
 // Owners and messages
 
 LyrObjectLink LyrObject::getParentLink() const noexcept {
-    return LyrObjectLink(const_cast<LyrObject*>(this), mParent, mParentLinkId);
-}
-
-void LyrObject::setParentLink(LyrObject* owner, Lyrenum linkId) noexcept {
-    mParent = owner;
-    mParentLinkId = linkId;
+    auto* self = const_cast<LyrObject*>(this);
+    const LyrIOCConnection* parent = lastConnection(LyrIOCConnection::Kind::ParentLink);
+    // Only link properties make such lines, and what owns a property is an object.
+    return parent ? LyrObjectLink(self, static_cast<LyrObject*>(parent->getListener()), parent->getLinkID())
+                  : LyrObjectLink(self, nullptr, -1);
 }
 
 bool LyrObject::iocCallback(Message& message) {
-    if (message.getLinkID() != Lyrenum(-1) && !mDying) {
+    if (message.mFromOwned && !mDying) {
         passToOwners(message, this);
     }
     return true;
@@ -135,6 +154,10 @@ void LyrObject::propertyChanged(const LyrProperty& property) {
 // Properties
 
 bool LyrObject::addProperty(Lyrenum id, LyrProperty* property, bool owned) {
+    if (id == Lyrenum(-1)) {
+        LyrError::emitError(LyrError::Message(this, Lyr::InvalidParameters));
+        return false;
+    }
     if (!property || property->getObject() || getProperty(id)) {
         LyrError::emitError(LyrError::Message(this, Lyr::AlreadyRegistered));
         return false;
@@ -196,6 +219,7 @@ bool LyrObject::copyFrom(const LyrObject& other) {
         }
     }
     mUnknownData = other.mUnknownData;
+    mCopyIncomplete = !done;
     return done;
 }
 
@@ -203,7 +227,7 @@ bool LyrObject::copyFrom(const LyrObject& other) {
 
 bool LyrObject::addAction(Lyrenum id, LyrAction* action) {
     const bool taken = std::any_of(mActions.begin(), mActions.end(), [&](const ActionEntry& e) { return e.id == id; });
-    if (!action || taken) {
+    if (!action || action->mOwner || taken) {
         return false;
     }
     try {
@@ -213,11 +237,20 @@ bool LyrObject::addAction(Lyrenum id, LyrAction* action) {
         return false;
     }
     action->mActionId = id;
+    action->mOwner = this;
     return true;
 }
 
 bool LyrObject::removeAction(Lyrenum id) {
-    return std::erase_if(mActions, [&](const ActionEntry& entry) { return entry.id == id; }) > 0;
+    const auto found =
+        std::find_if(mActions.begin(), mActions.end(), [&](const ActionEntry& entry) { return entry.id == id; });
+    if (found == mActions.end()) {
+        return false;
+    }
+    found->action->mActionId = -1;
+    found->action->mOwner = nullptr;
+    mActions.erase(found);
+    return true;
 }
 
 bool LyrObject::runAction(Lyrenum id, LyrObject* parameter) {
@@ -234,12 +267,13 @@ bool LyrObject::runAction(Lyrenum id, LyrObject* parameter) {
 bool LyrObject::setNameTemplate(const char* name) {
     if (!mNameTemplate) {
         mNameTemplate.reset(new NameTemplateAttr);
-        if (!mNameTemplate || !addProperty(Lyr::NameTemplate, mNameTemplate.get())) {
-            mNameTemplate.reset();
+        if (!mNameTemplate) {
+            LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
             return false;
         }
     }
-    return mNameTemplate->setValue(name);
+    const bool added = mNameTemplate->getObject() || addProperty(Lyr::NameTemplate, mNameTemplate.get());
+    return added && mNameTemplate->setValue(name);
 }
 
 const char* LyrObject::getNameTemplate() const noexcept { return mNameTemplate ? mNameTemplate->stored().utf8() : ""; }

@@ -39,6 +39,8 @@ public:
     /** Drops one reference. Returns true if the object died. */
     bool decRef() const noexcept;
     std::int64_t getRefCount() const noexcept;
+    /** True once its destruction has begun: nothing can link to it any more. */
+    bool isDying() const noexcept { return mDying; }
 
     /** The time of the last change of one of this object's own properties. */
     LyrTimestamp getModificationTimestamp() const noexcept;
@@ -48,15 +50,17 @@ public:
     /** Takes on the default roles of the object's class that it has not. */
     bool prepareRoles();
     bool isRoleActive(Lyrenum role) const noexcept;
-    /** Enters a role: its hooks hear of it. False if the role is unknown, active already or refused by a hook. */
+    /** Enters a role: its hooks hear of it. False if the role is unknown or active already, and if a hook could not set
+     *  something up (the object has the role all the same). An object gives up its roles when it is destroyed. */
     bool activateRole(Lyrenum role);
     bool deactivateRole(Lyrenum role);
 
-    /** This object as seen from the owner that stands as its parent; a null owner if it has none. */
+    /** This object as seen from the owner that stands as its parent; a null owner if it has none. Of several owners it is the
+     *  one whose parent link was written last. */
     LyrObjectLink getParentLink() const noexcept;
 
     /** Adds a property under an identifier; from then on its changes are told and stamped. With `owned` the object deletes it
-     *  in the end. False, and an error, if the identifier or the property is taken. */
+     *  in the end. False, and an error, if the identifier or the property is taken, or the identifier is -1. */
     bool addProperty(Lyrenum id, LyrProperty* property, bool owned = false);
     /** Takes a property out (and deletes an owned one). */
     bool removeProperty(Lyrenum id);
@@ -66,6 +70,7 @@ public:
     /** Properties in the order of registration. */
     LyrProperty* getPropertyAt(std::int64_t index) const noexcept;
 
+    /** Adds an action under an identifier; the action leaves by itself when it is destroyed. False if either is taken. */
     bool addAction(Lyrenum id, LyrAction* action);
     bool removeAction(Lyrenum id);
     /** The action entry: runs the action with this identifier. Returns its success; an unknown one fails. */
@@ -77,7 +82,8 @@ public:
     const char* getNameTemplate() const noexcept;
 
     /** Takes over every property value of another object that is neither computed nor read-only, in this object's order, and
-     *  its naming template. Properties that either lacks are left alone. True if every value could be copied. */
+     *  its naming template. Properties that either lacks are left alone. True if every value could be copied; an object whose
+     *  copy constructor could not is given up by LyrMetaClass::clone(). */
     virtual bool copyFrom(const LyrObject& other);
 
     /** Passes property changes of owned objects on to the owners of this one. */
@@ -88,14 +94,14 @@ public:
     void setUnknownData(std::shared_ptr<const LyrObjectUnknownData> data) noexcept;
 
 private:
+    friend class LyrKeepAlive;
     friend class LyrMetaClass;
     friend class LyrProperty;
-    friend class LyrLinkSlot;
     class NameTemplateAttr;
 
     void beginDestruction();
+    void giveUpRoles();
     void propertyChanged(const LyrProperty& property);
-    void setParentLink(LyrObject* owner, Lyrenum linkId) noexcept;
 
     struct ActionEntry {
         Lyrenum id;
@@ -104,12 +110,11 @@ private:
 
     mutable std::atomic<std::int64_t> mRefCount{0};
     std::atomic<bool> mDying{false};
+    bool mCopyIncomplete = false;
     LyrTimestamp mModified;
     std::vector<LyrProperty*> mProperties;
     std::vector<ActionEntry> mActions;
     std::vector<Lyrenum> mRoles;
-    LyrObject* mParent = nullptr;
-    Lyrenum mParentLinkId;
     std::unique_ptr<NameTemplateAttr> mNameTemplate;
     std::shared_ptr<const LyrObjectUnknownData> mUnknownData;
 };

@@ -11,11 +11,11 @@ class LYR_CORE_EXPORT LyrObjectPath {
 public:
     LyrObjectPath() = default;
 
-    /** The path of parent links from the topmost owner to an object. May throw std::bad_alloc. */
-    static LyrObjectPath toRoot(LyrObject* object);
+    /** The path of parent links from the topmost owner to an object. Empty, and an error, when memory ran out. */
+    static LyrObjectPath toRoot(LyrObject* object) noexcept;
 
-    /** May throw std::bad_alloc. */
-    void append(const LyrObjectLink& link);
+    /** False, and an error, when memory ran out. */
+    bool append(const LyrObjectLink& link) noexcept;
     long long getLinkCount() const noexcept { return static_cast<long long>(mLinks.size()); }
     /** A link by index; negative ones count from the end (-1 is the last). A null link outside the path. */
     LyrObjectLink getLink(long long index) const noexcept;

@@ -1,23 +1,32 @@
 #include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectIOCPtr.h>
 #include <lyr_core/LyrObjectPath.h>
 #include <lyr_core/LyrObjectPtr.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-LyrObject* makeOrFind(const LyrMetaClass& meta) {
-    if (meta.isSingleton()) {
+LyrObject* findSingleton(const LyrMetaClass& meta) noexcept {
+    for (const bool exact : {true, false}) {
         LyrClass* existing = nullptr;
-        if (LyrClassManager::findObjects(&existing, 1, LyrClassManager::SearchPattern(meta.getClassName())) > 0) {
+        if (LyrClassManager::findObjects(&existing, 1, LyrClassManager::SearchPattern(meta.getClassName(), exact)) > 0) {
             return dynamic_cast<LyrObject*>(existing);
         }
     }
+    return nullptr;
+}
+
+LyrObject* makeObject(const LyrMetaClass& meta, Lyrenum scope) noexcept {
     LyrClass* made = meta.create();
     auto* object = dynamic_cast<LyrObject*>(made);
-    if (made && !object) {
+    if (object) {
+        object->setScope(scope);
+    } else {
         LyrMetaClass::destruct(made, true);
     }
     return object;
@@ -25,51 +34,77 @@ LyrObject* makeOrFind(const LyrMetaClass& meta) {
 
 }  // namespace
 
-LyrObjectRefPtr::LyrObjectRefPtr(const char* className, Lyrenum scope) {
+LyrObjectRefPtr::LyrObjectRefPtr(const char* className, Lyrenum scope) noexcept {
     const LyrMetaClass* meta = LyrMetaClass::find(className);
-    mObject = LyrObjectPtr(meta ? makeOrFind(*meta) : nullptr);
-    if (mObject) {
-        mObject->setScope(scope);
+    if (!meta) {
+        return;
     }
+    LyrObject* existing = meta->isSingleton() ? findSingleton(*meta) : nullptr;
+    mObject = LyrObjectPtr(existing ? existing : makeObject(*meta, scope));
 }
 
-LyrObjectIOCPtr::LyrObjectIOCPtr(LyrIOC* listener, LyrObject* object) noexcept : mListener(listener), mObject(object) {
-    reconnect();
+LyrObjectIOCPtr::LyrObjectIOCPtr(LyrIOC* listener, LyrObject* object) noexcept : mObject(object) {
+    if (mObject) {
+        mObject->incRef();
+    }
+    reconnect(listener);
 }
 
-LyrObjectIOCPtr::LyrObjectIOCPtr(const LyrObjectIOCPtr& other) noexcept : LyrObjectIOCPtr(other.mListener, other.get()) {}
+LyrObjectIOCPtr::LyrObjectIOCPtr(const LyrObjectIOCPtr& other) noexcept
+    : LyrObjectIOCPtr(other.getListener(), other.get()) {}
 
 LyrObjectIOCPtr& LyrObjectIOCPtr::operator=(const LyrObjectIOCPtr& other) noexcept { return *this = other.get(); }
 
 LyrObjectIOCPtr& LyrObjectIOCPtr::operator=(LyrObject* object) noexcept {
-    if (object != mObject.get()) {
-        // The old object dies last, when this handle is consistent again.
-        LyrObjectPtr old = std::exchange(mObject, LyrObjectPtr(object));
-        reconnect();
+    if (object != mObject) {
+        if (object) {
+            object->incRef();
+        }
+        // The old object goes last, when this handle is consistent again.
+        const LyrObject* old = std::exchange(mObject, object);
+        reconnect(getListener());
+        if (old) {
+            old->decRef();
+        }
     }
     return *this;
 }
 
-void LyrObjectIOCPtr::setListener(LyrIOC* listener) noexcept {
-    mListener = listener;
-    reconnect();
-}
-
-void LyrObjectIOCPtr::reconnect() noexcept {
+LyrObjectIOCPtr::~LyrObjectIOCPtr() {
     mLine.disconnect();
-    if (mListener) {
-        mLine.connect(mObject.get(), mListener, LyrIOCConnection::Kind::Handle, -1);
+    if (mObject) {
+        mObject->decRef();
     }
 }
 
+void LyrObjectIOCPtr::setListener(LyrIOC* listener) noexcept { reconnect(listener); }
+
+void LyrObjectIOCPtr::reconnect(LyrIOC* listener) noexcept {
+    mLine.connect(mObject, listener, LyrIOCConnection::Kind::Handle, -1);
+}
+
 void LyrObjectIOCPtrList::setListener(LyrIOC* listener) noexcept {
-    mListener = listener;
+    mListener.connect(nullptr, listener, LyrIOCConnection::Kind::Handle, -1);
     for (LyrObjectIOCPtr& item : mItems) {
         item.setListener(listener);
     }
 }
 
-void LyrObjectIOCPtrList::append(LyrObject* object) { mItems.emplace_back(mListener, object); }
+bool LyrObjectIOCPtrList::append(LyrObject* object) noexcept {
+    try {
+        mItems.emplace_back(mListener.getListener(), object);
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return false;
+    }
+}
+
+void LyrObjectIOCPtrList::clear() noexcept {
+    // Objects that go with their handles may lead back here: the list is empty by then.
+    std::list<LyrObjectIOCPtr> retired;
+    retired.swap(mItems);
+}
 
 LyrObject* LyrObjectIOCPtrList::at(std::size_t index) const noexcept {
     return index < mItems.size() ? std::next(mItems.begin(), static_cast<std::ptrdiff_t>(index))->get() : nullptr;
@@ -85,14 +120,29 @@ LyrObjectLink LyrObjectPath::getLink(long long index) const noexcept {
     return at >= 0 && at < count ? mLinks[static_cast<std::size_t>(at)].link : LyrObjectLink();
 }
 
-void LyrObjectPath::append(const LyrObjectLink& link) { mLinks.push_back({link, LyrObjectPtr(link.getLink())}); }
+bool LyrObjectPath::append(const LyrObjectLink& link) noexcept {
+    try {
+        mLinks.push_back({link, LyrObjectPtr(link.getLink())});
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return false;
+    }
+}
 
-LyrObjectPath LyrObjectPath::toRoot(LyrObject* object) {
+LyrObjectPath LyrObjectPath::toRoot(LyrObject* object) noexcept {
     LyrObjectPath path;
-    for (LyrObject* at = object; at;) {
+    const auto isOnPath = [&](const LyrObject* wanted) {
+        return std::any_of(path.mLinks.begin(), path.mLinks.end(), [&](const Step& step) { return step.target == wanted; });
+    };
+    for (LyrObject* at = object; at && !isOnPath(at);) {  // owners may own each other in a ring
         const LyrObjectLink link = at->getParentLink();
-        path.mLinks.insert(path.mLinks.begin(), {LyrObjectLink(at, link.getOwner(), link.getLinkID()), LyrObjectPtr(at)});
+        if (!path.append(link)) {
+            path.mLinks.clear();
+            break;
+        }
         at = link.getOwner();
     }
+    std::reverse(path.mLinks.begin(), path.mLinks.end());
     return path;
 }

@@ -37,12 +37,13 @@ private:
     LyrObject* mObject = nullptr;
 };
 
-/** Makes a new object of a named class in a scope and holds it; of a singleton class, finds the one that is there. Null when
- *  the class is unknown, no LyrObject, or the object could not be made. */
+/** Makes a new object of a named class in a scope and holds it; of a singleton class, finds the one that is there (of the
+ *  class itself, else of one derived from it) and leaves its scope. Null when the class is unknown, no LyrObject, or the object
+ *  could not be made. */
 class LYR_CORE_EXPORT LyrObjectRefPtr {
 public:
     LyrObjectRefPtr() noexcept = default;
-    LyrObjectRefPtr(const char* className, Lyrenum scope);
+    LyrObjectRefPtr(const char* className, Lyrenum scope) noexcept;
 
     LyrObject* get() const noexcept { return mObject.get(); }
     LyrObject* operator->() const noexcept { return mObject.get(); }

@@ -6,13 +6,73 @@
 #include <lyr_core/LyrUndoJournal.h>
 
 LyrProperty::State::~State() = default;
+bool LyrProperty::State::holdsObjectsOf(const char*) const { return false; }
+
+/** The way of a call along the extensions of a property. Lives on the stack of the call; extensions that leave meanwhile,
+ *  and the property's own end, are noted in all walks under way. */
+class LyrProperty::ExtensionWalk {
+public:
+    explicit ExtensionWalk(LyrProperty& property) noexcept
+        : mOuter(sInnermost), mProperty(&property), mNext(property.mExtensions) {
+        sInnermost = this;
+    }
+    ~ExtensionWalk() { sInnermost = mOuter; }
+    ExtensionWalk(const ExtensionWalk&) = delete;
+    ExtensionWalk& operator=(const ExtensionWalk&) = delete;
+
+    Extension* next() noexcept {
+        Extension* at = mNext;
+        mNext = at ? at->mNext : nullptr;
+        return at;
+    }
+    bool isPropertyAlive() const noexcept { return mProperty != nullptr; }
+
+    static void extensionLeaves(const Extension* extension) noexcept {
+        for (ExtensionWalk* walk = sInnermost; walk; walk = walk->mOuter) {
+            if (walk->mNext == extension) {
+                walk->mNext = extension->mNext;
+            }
+        }
+    }
+    static void propertyEnds(const LyrProperty* property) noexcept {
+        for (ExtensionWalk* walk = sInnermost; walk; walk = walk->mOuter) {
+            if (walk->mProperty == property) {
+                walk->mProperty = nullptr;
+                walk->mNext = nullptr;
+            }
+        }
+    }
+
+private:
+    static ExtensionWalk* sInnermost;
+    ExtensionWalk* mOuter;
+    LyrProperty* mProperty;
+    Extension* mNext;
+};
+
+LyrProperty::ExtensionWalk* LyrProperty::ExtensionWalk::sInnermost = nullptr;
 
 LyrProperty::~LyrProperty() {
+    ExtensionWalk::propertyEnds(this);
     removeAllPropertyExtensions();
+    leaveOwner();
+}
+
+void LyrProperty::leaveOwner() noexcept {
     if (mOwner) {
         mOwnedByObject = false;
         mOwner->removeProperty(mPropertyId);
     }
+}
+
+/** Calls with each extension that was there at the start and still is. False if the property itself went meanwhile. */
+template <class Call>
+bool LyrProperty::forEachExtension(Call call) {
+    ExtensionWalk walk(*this);
+    while (Extension* at = walk.next()) {
+        call(*at);
+    }
+    return walk.isPropertyAlive();
 }
 
 const LyrMetaClass& LyrProperty::metaClass() {
@@ -23,14 +83,14 @@ const LyrMetaClass& LyrProperty::metaClass() {
 
 const LyrMetaClass& LyrProperty::getMetaClass() const { return metaClass(); }
 
-bool LyrProperty::emitError(Lyrenum code) const {
+bool LyrProperty::emitError(Lyrenum code) const noexcept {
     const LyrClass* source = mOwner;
     LyrError::emitError(LyrError::Message(source ? source : this, code));
     return false;
 }
 
 bool LyrProperty::isRecorded() const noexcept {
-    if (!mOwner || !LyrUndoJournal::instance().isRecording()) {
+    if (!mOwner || !LyrUndoJournal::instance().isRecording() || mOwner->isDying() || mOwner->getRefCount() == 0) {
         return false;
     }
     const unsigned int own = getFlags(LyrFlags::DATA);
@@ -60,12 +120,8 @@ void LyrProperty::endWrite(std::unique_ptr<State> before) {
 bool LyrProperty::reportFailedWrite() const noexcept { return emitError(Lyr::AllocationFailed); }
 
 void LyrProperty::announceChange() {
-    for (Extension* at = mExtensions; at;) {
-        Extension* next = at->mNext;
-        at->propertyHasChangedHook();
-        at = next;
-    }
-    if (mOwner) {
+    const bool alive = forEachExtension([](Extension& extension) { extension.propertyHasChangedHook(); });
+    if (alive && mOwner) {
         mOwner->propertyChanged(*this);
     }
 }
@@ -86,6 +142,7 @@ bool LyrProperty::removePropertyExtension(Extension* extension) {
         if (*at != extension) {
             continue;
         }
+        ExtensionWalk::extensionLeaves(extension);
         *at = extension->mNext;
         extension->mNext = nullptr;
         extension->mProperty = nullptr;
@@ -105,15 +162,11 @@ void LyrProperty::removeAllPropertyExtensions() {
 }
 
 void LyrProperty::flagsWillChange(unsigned int set, unsigned int clear) {
-    for (Extension* at = mExtensions; at; at = at->mNext) {
-        at->propertyFlagsWillChange(set, clear);
-    }
+    forEachExtension([&](Extension& extension) { extension.propertyFlagsWillChange(set, clear); });
 }
 
 void LyrProperty::flagsHaveChanged(unsigned int before) {
-    for (Extension* at = mExtensions; at; at = at->mNext) {
-        at->propertyFlagsHaveChanged(before);
-    }
+    forEachExtension([&](Extension& extension) { extension.propertyFlagsHaveChanged(before); });
 }
 
 void LyrProperty::ownerChanged() {}

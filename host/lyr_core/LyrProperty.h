@@ -38,6 +38,8 @@ public:
     class LYR_CORE_EXPORT State {
     public:
         virtual ~State();
+        /** True if a link in it leads to an object of the module. */
+        virtual bool holdsObjectsOf(const char* module) const;
     };
 
     LyrProperty() = default;
@@ -67,7 +69,7 @@ public:
     bool isStored() const noexcept { return !mComputed && !mReadOnly; }
 
     /** Reports a code with the owner (or, without one, the property) as source. Returns false. */
-    bool emitError(Lyrenum code) const;
+    bool emitError(Lyrenum code) const noexcept;
 
     /** The present value. Null when memory ran out. */
     virtual std::unique_ptr<State> takeState() const = 0;
@@ -76,14 +78,15 @@ public:
     /** Takes over the value of a property of the same type. Owning link properties copy their objects. */
     virtual bool copyValueFrom(const LyrProperty& source) = 0;
 
-    /** Puts an extension in front of those that are there. False if it is attached already. */
+    /** Puts an extension in front of those that are there. False if it is attached already, here or elsewhere. */
     bool addPropertyExtension(Extension* extension);
     bool removePropertyExtension(Extension* extension);
     void removeAllPropertyExtensions();
     Extension* firstExtension() const noexcept { return mExtensions; }
 
     /** True if a write now would be recorded: inside a user action, and the property carries exactly the data flags of its
-     *  owner, at least one. */
+     *  owner, at least one. Writes to an owner that nobody holds yet, or that is dying, are not recorded: they belong to its
+     *  making or its end. */
     bool isRecorded() const noexcept;
 
 protected:
@@ -96,8 +99,10 @@ protected:
     template <class Change>
     bool write(Change change);
 
-    /** The owner is about to lose this property, or the property its owner. */
+    /** The property has another owner, or none, now. */
     virtual void ownerChanged();
+    /** Leaves the owner; called first in the destructor of a property whose end others can notice. */
+    void leaveOwner() noexcept;
 
     /** Stamps and tells a change that happened outside of write(). */
     void announceChange();
@@ -105,6 +110,9 @@ protected:
 
 private:
     friend class LyrObject;
+    class ExtensionWalk;
+    template <class Call>
+    bool forEachExtension(Call call);
     bool beginWrite(std::unique_ptr<State>& before);
     void endWrite(std::unique_ptr<State> before);
     bool reportFailedWrite() const noexcept;

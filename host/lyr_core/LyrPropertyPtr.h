@@ -46,14 +46,18 @@ bool lyrSetValue(LyrObject* object, Lyrenum id, const T& value) {
 template <class T>
 class LyrValueArrayOPCache {
 public:
-    /** Reads the list. False, and an empty cache, if the object has no such property. May throw std::bad_alloc. */
+    /** Reads the list. False, and an empty cache, if the object has no such property or memory ran out. */
     bool load(const LyrObject* object, Lyrenum id) {
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<T>> property(object, id);
         mItems.clear();
         if (!property) {
             return false;
         }
-        mItems.resize(static_cast<std::size_t>(property->getArraySize()));
+        try {
+            mItems.resize(static_cast<std::size_t>(property->getArraySize()));
+        } catch (...) {
+            return property->emitError(Lyr::AllocationFailed);
+        }
         return property->getArrayItems(0, static_cast<long long>(mItems.size()) - 1, mItems.data());
     }
     /** Writes the list back whole. */

@@ -1,22 +1,32 @@
 #pragma once
 
 #include <lyr_core/LyrIOC.h>
-#include <lyr_core/LyrObjectIOCPtr.h>
+#include <lyr_core/LyrObject.h>
 #include <lyr_core/LyrSingleValueProperty.h>
 
 /** Makes a property show a value that lives elsewhere: the value of a property of another object, or whatever refresh()
- *  computes. The property cannot be written; it is refreshed each time it is read. */
+ *  computes. The property cannot be written; it is refreshed each time it is read, and computed while the proxy is attached.
+ *  The mirrored object is only listened to, not kept alive: it may be the property's own owner. */
 template <class T>
 class LyrReadOnlyProxyExtensionIF : public LyrSingleValuePropertyExtensionIF<T>, public LyrIOC {
 public:
-    LyrReadOnlyProxyExtensionIF() { mSource.setListener(this); }
+    ~LyrReadOnlyProxyExtensionIF() override {
+        if (mTelling) {
+            *mTelling = false;
+        }
+        this->setAutoDelete(false);
+        if (this->getProperty()) {
+            this->getProperty()->removePropertyExtension(this);
+        }
+    }
 
-    /** Mirrors a property of another object from now on and listens to that object. Gives the property; null, and `*ok` false
-     *  (`ok` may be null), if there is none of this type. */
+    /** Mirrors a property of an object from now on and listens to that object. Gives the property; null, and `*ok` false (`ok`
+     *  may be null), if there is none of this type. */
     LyrProperty* requestProperty(LyrObject* object, Lyrenum id, bool* ok) {
         auto* typed = object ? LyrSingleValuePropertyIF<T>::getInterface(object->getProperty(id)) : nullptr;
         mSource = typed ? object : nullptr;
         mSourceId = id;
+        mLine.connect(mSource, this, LyrIOCConnection::Kind::Handle, -1);
         if (ok) {
             *ok = typed != nullptr;
         }
@@ -25,17 +35,27 @@ public:
 
     /** What is mirrored has changed: tells the listeners of the property's owner. */
     void invalidate() {
-        if (this->getProperty() && mLocks == 0) {
-            this->announceChange();
+        // Proxies that mirror each other must not tell each other for ever.
+        if (!this->getProperty() || mLocks > 0 || mTelling) {
+            return;
+        }
+        bool alive = true;
+        mTelling = &alive;
+        this->announceChange();
+        if (alive) {
+            mTelling = nullptr;
         }
     }
 
     /** Stops mirroring; the last value stays. */
-    void disconnect() { mSource = nullptr; }
+    void disconnect() {
+        mLine.disconnect();
+        mSource = nullptr;
+    }
 
     /** While locked, reads give the last value and nothing is told. */
     void lock() noexcept { ++mLocks; }
-    void unlock() noexcept { --mLocks; }
+    void unlock() noexcept { mLocks -= mLocks > 0; }
 
     bool readData(T& value) override {
         if (mLocks == 0) {
@@ -51,8 +71,14 @@ public:
 
     bool writeData(const T&) override { return false; }
 
+    void propertyExtensionAddHook(LyrProperty* property) override {
+        mWasComputed = property->isComputed();
+        property->setComputed(true);
+    }
+    void propertyExtensionRemoveHook(LyrProperty* property) override { property->setComputed(mWasComputed); }
+
     bool iocCallback(Message& message) override {
-        if (mSource && message.getInitialSender() == mSource.get() && message.getPropertyID() == mSourceId) {
+        if (mSource && message.getInitialSender() == mSource && message.getPropertyID() == mSourceId) {
             invalidate();
         }
         return LyrIOC::iocCallback(message);
@@ -67,7 +93,21 @@ protected:
     }
 
 private:
-    LyrObjectIOCPtr mSource;
+    class Line : public LyrIOCConnection {
+    public:
+        explicit Line(LyrReadOnlyProxyExtensionIF& proxy) noexcept : mProxy(proxy) {}
+
+    protected:
+        void senderDestroyed() override { mProxy.mSource = nullptr; }
+
+    private:
+        LyrReadOnlyProxyExtensionIF& mProxy;
+    };
+
+    LyrObject* mSource = nullptr;
+    Line mLine{*this};
     Lyrenum mSourceId;
     int mLocks = 0;
+    bool* mTelling = nullptr;  ///< set while telling: where the end of this proxy is noted
+    bool mWasComputed = false;
 };

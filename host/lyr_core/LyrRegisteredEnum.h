@@ -8,12 +8,13 @@
 /** Keeps one registration of an identifier's name: made by the constructor, taken back by the destructor. */
 class LYR_CORE_EXPORT LyrRegisteredEnum {
 public:
-    /** `permanent` keeps the name registered after the destructor; plug-ins pass false. May throw std::bad_alloc. */
-    LyrRegisteredEnum(const char* name, bool permanent, const char* module);
+    /** `permanent` keeps the name registered after the destructor; plug-ins pass false. */
+    LyrRegisteredEnum(const char* name, bool permanent, const char* module) noexcept;
     ~LyrRegisteredEnum();
     LyrRegisteredEnum(const LyrRegisteredEnum&) = delete;
     LyrRegisteredEnum& operator=(const LyrRegisteredEnum&) = delete;
 
+    /** The number of the name; -1 if it could not be registered. */
     Lyrenum get() const noexcept { return mNumber; }
 
 private:

@@ -1,17 +1,25 @@
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrRoleManager.h>
 
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <string>
+#include <vector>
 
 namespace {
+
+using Hook = LyrObject::RoleHook;
 
 struct Role {
     int count = 0;
     std::vector<std::string> defaultClasses;
-    std::vector<LyrObject::RoleHook*> hooks;
+    std::vector<Hook*> hooks;
     std::unique_ptr<LyrObject::RoleInterface> roleInterface;
+
+    bool isUnused() const { return count <= 0 && defaultClasses.empty() && hooks.empty() && !roleInterface; }
 };
 
 /** Recursive: hooks may add roles and objects. */
@@ -19,8 +27,9 @@ struct Roles {
     std::recursive_mutex mutex;
     std::map<int, Role> map;
 
+    /** Never destroyed: objects of any library give up their roles when they go. */
     static Roles& instance() {
-        static Roles roles;
+        static Roles& roles = *new Roles;
         return roles;
     }
     Role* find(Lyrenum role) {
@@ -30,46 +39,93 @@ struct Roles {
     /** A role without users, hooks and classes is forgotten. */
     void tidy(Lyrenum role) {
         const Role* entry = find(role);
-        if (entry && entry->count <= 0 && entry->defaultClasses.empty() && entry->hooks.empty() && !entry->roleInterface) {
+        if (entry && entry->isUnused()) {
             map.erase(role);
         }
     }
 };
 
-std::vector<LyrObject::RoleHook*> hooksOf(Lyrenum role) {
+enum class Missing { Make, Refuse };
+
+/** Changes the entry of a role. False if it is missing and not to be made; false, and an error, when memory ran out. */
+template <class Change>
+bool changeRole(Lyrenum role, Missing missing, Change change) noexcept {
+    Roles& roles = Roles::instance();
+    const std::lock_guard lock(roles.mutex);
+    bool done = false;
+    try {
+        Role* entry = missing == Missing::Make ? &roles.map[role] : roles.find(role);
+        done = entry && change(*entry);
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    }
+    roles.tidy(role);
+    return done;
+}
+
+/** Appends what is not there yet. */
+template <class Item>
+bool appendNew(std::vector<Item>& items, const Item& item) {
+    if (std::find(items.begin(), items.end(), item) != items.end()) {
+        return false;
+    }
+    items.push_back(item);
+    return true;
+}
+
+bool isHooked(Lyrenum role, const Hook* hook) {
     Roles& roles = Roles::instance();
     const std::lock_guard lock(roles.mutex);
     const Role* entry = roles.find(role);
-    return entry ? entry->hooks : std::vector<LyrObject::RoleHook*>();
+    return entry && std::find(entry->hooks.begin(), entry->hooks.end(), hook) != entry->hooks.end();
 }
 
-bool isHooked(Lyrenum role, const LyrObject::RoleHook* hook) {
-    const auto hooks = hooksOf(role);
-    return std::find(hooks.begin(), hooks.end(), hook) != hooks.end();
+/** Calls each hook of a role; one that another hook removed meanwhile is not called. False if memory ran out. */
+template <class Call>
+bool callHooks(Lyrenum role, Call call) noexcept {
+    LyrScratch<Hook*> hooks;
+    bool complete = true;
+    {
+        Roles& roles = Roles::instance();
+        const std::lock_guard lock(roles.mutex);
+        if (const Role* entry = roles.find(role)) {
+            complete = std::all_of(entry->hooks.begin(), entry->hooks.end(), [&](Hook* hook) { return hooks.append(hook); });
+        }
+    }
+    for (Hook* hook : hooks) {
+        try {
+            if (isHooked(role, hook)) {
+                call(*hook);
+            }
+        } catch (...) {
+            complete = false;
+        }
+    }
+    if (!complete) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    }
+    return complete;
 }
 
 }  // namespace
 
-LyrObject::RoleHook::~RoleHook() = default;
-LyrObject::RoleInterface::~RoleInterface() = default;
-
-bool LyrObject::RoleManager::addRole(Lyrenum role) {
+LyrObject::RoleHook::~RoleHook() {
     Roles& roles = Roles::instance();
     const std::lock_guard lock(roles.mutex);
-    ++roles.map[role].count;
-    return true;
+    for (auto& entry : roles.map) {
+        std::erase(entry.second.hooks, this);
+    }
+    std::erase_if(roles.map, [](const auto& entry) { return entry.second.isUnused(); });
 }
 
-bool LyrObject::RoleManager::removeRole(Lyrenum role) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    Role* entry = roles.find(role);
-    if (!entry || entry->count <= 0) {
-        return false;
-    }
-    --entry->count;
-    roles.tidy(role);
-    return true;
+LyrObject::RoleInterface::~RoleInterface() = default;
+
+bool LyrObject::RoleManager::addRole(Lyrenum role) noexcept {
+    return changeRole(role, Missing::Make, [](Role& entry) { return ++entry.count > 0; });
+}
+
+bool LyrObject::RoleManager::removeRole(Lyrenum role) noexcept {
+    return changeRole(role, Missing::Refuse, [](Role& entry) { return entry.count > 0 && entry.count-- > 0; });
 }
 
 bool LyrObject::RoleManager::isRole(Lyrenum role) noexcept {
@@ -79,58 +135,32 @@ bool LyrObject::RoleManager::isRole(Lyrenum role) noexcept {
     return entry && entry->count > 0;
 }
 
-bool LyrObject::RoleManager::addDefaultRole(const LyrMetaClass& meta, Lyrenum role) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    auto& classes = roles.map[role].defaultClasses;
-    if (std::find(classes.begin(), classes.end(), meta.getClassName()) != classes.end()) {
-        return false;
-    }
-    classes.emplace_back(meta.getClassName());
-    return true;
+bool LyrObject::RoleManager::addDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept {
+    return changeRole(role, Missing::Make, [&](Role& entry) {
+        return appendNew(entry.defaultClasses, std::string(meta.getClassName()));
+    });
 }
 
-bool LyrObject::RoleManager::removeDefaultRole(const LyrMetaClass& meta, Lyrenum role) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    Role* entry = roles.find(role);
-    if (!entry || std::erase(entry->defaultClasses, std::string(meta.getClassName())) == 0) {
-        return false;
-    }
-    roles.tidy(role);
-    return true;
+bool LyrObject::RoleManager::removeDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept {
+    return changeRole(role, Missing::Refuse, [&](Role& entry) {
+        return std::erase_if(entry.defaultClasses, [&](const auto& name) { return name == meta.getClassName(); }) > 0;
+    });
 }
 
-bool LyrObject::RoleManager::addHook(Lyrenum role, RoleHook* hook) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    if (!hook || isHooked(role, hook)) {
-        return false;
-    }
-    roles.map[role].hooks.push_back(hook);
-    return true;
+bool LyrObject::RoleManager::addHook(Lyrenum role, RoleHook* hook) noexcept {
+    return hook && changeRole(role, Missing::Make, [&](Role& entry) { return appendNew(entry.hooks, hook); });
 }
 
 bool LyrObject::RoleManager::removeHook(Lyrenum role, RoleHook* hook) noexcept {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    Role* entry = roles.find(role);
-    if (!entry || std::erase(entry->hooks, hook) == 0) {
-        return false;
-    }
-    roles.tidy(role);
-    return true;
+    return changeRole(role, Missing::Refuse, [&](Role& entry) { return std::erase(entry.hooks, hook) > 0; });
 }
 
-bool LyrObject::RoleManager::setRoleInterface(Lyrenum role, std::unique_ptr<RoleInterface> roleInterface) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    if (!roleInterface && !roles.find(role)) {
-        return false;
-    }
-    roles.map[role].roleInterface = std::move(roleInterface);
-    roles.tidy(role);
-    return true;
+bool LyrObject::RoleManager::setRoleInterface(Lyrenum role, std::unique_ptr<RoleInterface> roleInterface) noexcept {
+    return changeRole(role, roleInterface ? Missing::Make : Missing::Refuse, [&](Role& entry) {
+        const bool changes = roleInterface || entry.roleInterface;
+        entry.roleInterface = std::move(roleInterface);
+        return changes;
+    });
 }
 
 LyrObject::RoleInterface* LyrObject::RoleManager::getRoleInterface(Lyrenum role) noexcept {
@@ -140,32 +170,26 @@ LyrObject::RoleInterface* LyrObject::RoleManager::getRoleInterface(Lyrenum role)
     return entry ? entry->roleInterface.get() : nullptr;
 }
 
-std::vector<Lyrenum> LyrObject::RoleManager::defaultRoles(const LyrMetaClass& meta) {
-    Roles& roles = Roles::instance();
-    const std::lock_guard lock(roles.mutex);
-    std::vector<Lyrenum> result;
-    for (const auto& [role, entry] : roles.map) {
-        const bool wanted = std::any_of(entry.defaultClasses.begin(), entry.defaultClasses.end(),
+bool LyrObject::RoleManager::defaultRoles(const LyrMetaClass& meta, LyrScratch<Lyrenum>& roles) noexcept {
+    Roles& known = Roles::instance();
+    const std::lock_guard lock(known.mutex);
+    return std::all_of(known.map.begin(), known.map.end(), [&](const auto& item) {
+        const auto& classes = item.second.defaultClasses;
+        const bool wanted = std::any_of(classes.begin(), classes.end(),
                                         [&](const std::string& name) { return meta.isOfType(name.c_str()); });
-        if (wanted) {
-            result.emplace_back(role);
-        }
-    }
-    return result;
+        return !wanted || roles.append(Lyrenum(item.first));
+    });
 }
 
-bool LyrObject::RoleManager::enter(Lyrenum role, const LyrObjectLink& object) {
+bool LyrObject::RoleManager::enter(Lyrenum role, const LyrObjectLink& object) noexcept {
     bool done = true;
-    for (RoleHook* hook : hooksOf(role)) {
-        done = (!isHooked(role, hook) || hook->enterRoleHook(object)) && done;
-    }
-    return done;
+    const bool complete = callHooks(role, [&](RoleHook& hook) {
+        // A hook before may have ended the role again.
+        done = (!object.getLink()->isRoleActive(role) || hook.enterRoleHook(object)) && done;
+    });
+    return complete && done;
 }
 
-void LyrObject::RoleManager::leave(Lyrenum role, const LyrObjectLink& object) {
-    for (RoleHook* hook : hooksOf(role)) {
-        if (isHooked(role, hook)) {
-            hook->leaveRoleHook(object);
-        }
-    }
+void LyrObject::RoleManager::leave(Lyrenum role, const LyrObjectLink& object) noexcept {
+    callHooks(role, [&](RoleHook& hook) { hook.leaveRoleHook(object); });
 }

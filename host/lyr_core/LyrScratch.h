@@ -23,10 +23,11 @@ public:
 
     /** False when memory ran out; the list is then as before. */
     bool append(const T& item) noexcept {
+        const T copied = item;  // the item may lie in this list
         if (mSize == mCapacity && !reserve(mSize + 1)) {
             return false;
         }
-        new (mItems + mSize++) T(item);
+        new (mItems + mSize++) T(copied);
         return true;
     }
 
@@ -42,6 +43,10 @@ public:
     bool reserve(std::size_t count) noexcept {
         if (count <= mCapacity) {
             return true;
+        }
+        constexpr std::size_t MOST = static_cast<std::size_t>(-1) / 4 / sizeof(T);
+        if (count > MOST) {
+            return false;
         }
         constexpr std::size_t STEP = sizeof(T) < 1024 ? 1024 / sizeof(T) : 1;
         const std::size_t wanted = ((count > mCapacity * 2 ? count : mCapacity * 2) + STEP - 1) / STEP * STEP;

@@ -3,7 +3,7 @@
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrPropertyTraits.h>
 
-#include <new>
+#include <memory>
 
 template <class T>
 class LyrSingleValuePropertyExtensionIF;
@@ -110,7 +110,11 @@ public:
     bool resetData() override { return this->setValue(getResetValue()); }
 
     std::unique_ptr<LyrProperty::State> takeState() const override {
-        return std::unique_ptr<LyrProperty::State>(new (std::nothrow) ValueState(mValue));
+        try {
+            return std::make_unique<ValueState>(mValue);
+        } catch (...) {
+            return nullptr;
+        }
     }
     bool restoreState(const LyrProperty::State& state) override {
         return writeStored(Traits::fromStorage(static_cast<const ValueState&>(state).value));
@@ -121,7 +125,14 @@ public:
 
 protected:
     /** Sets what getResetValue() and the base's resetData() give. */
-    void setResetValue(const T& value) { mResetValue = Traits::toStorage(value); }
+    bool setResetValue(const T& value) {
+        try {
+            mResetValue = Traits::toStorage(value);
+            return true;
+        } catch (...) {
+            return this->emitError(Lyr::AllocationFailed);
+        }
+    }
 
     bool readStored(T& out) const override {
         out = Traits::fromStorage(mValue);

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -25,14 +27,17 @@ private:
 
 LyrUndoJournal::Sink::~Sink() = default;
 
-bool LyrUndoStep::swap(Entry& entry) {
+bool LyrUndoStep::swap(Entry& entry) noexcept {
     LyrProperty* property = entry.object->getProperty(entry.propertyId);
     if (!property) {
         return true;  // taken out of its object since: there is nothing to bring back
     }
     try {
         std::unique_ptr<LyrProperty::State> present = property->takeState();
-        if (!present || !property->restoreState(*entry.other)) {
+        if (!present) {
+            return property->emitError(Lyr::AllocationFailed);
+        }
+        if (!property->restoreState(*entry.other)) {
             return false;
         }
         entry.other = std::move(present);
@@ -42,12 +47,14 @@ bool LyrUndoStep::swap(Entry& entry) {
     }
 }
 
-bool LyrUndoStep::undo() {
+/** Swaps all entries of a range, or none. */
+template <class Iterator>
+bool LyrUndoStep::swapAll(Iterator first, Iterator last) noexcept {
     const ReplayScope scope(LyrUndoJournal::instance().mReplays);
-    for (std::size_t i = mEntries.size(); i-- > 0;) {
-        if (!swap(mEntries[i])) {
-            while (++i < mEntries.size()) {
-                swap(mEntries[i]);
+    for (Iterator at = first; at != last; ++at) {
+        if (!swap(*at)) {
+            while (at != first) {
+                swap(*--at);
             }
             return false;
         }
@@ -55,18 +62,9 @@ bool LyrUndoStep::undo() {
     return true;
 }
 
-bool LyrUndoStep::redo() {
-    const ReplayScope scope(LyrUndoJournal::instance().mReplays);
-    for (std::size_t i = 0; i < mEntries.size(); ++i) {
-        if (!swap(mEntries[i])) {
-            while (i-- > 0) {
-                swap(mEntries[i]);
-            }
-            return false;
-        }
-    }
-    return true;
-}
+bool LyrUndoStep::undo() noexcept { return swapAll(mEntries.rbegin(), mEntries.rend()); }
+
+bool LyrUndoStep::redo() noexcept { return swapAll(mEntries.begin(), mEntries.end()); }
 
 bool LyrUndoStep::touchesTheSame(const LyrUndoStep& other) const {
     const auto covers = [](const LyrUndoStep& a, const LyrUndoStep& b) {
@@ -84,23 +82,25 @@ void LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
     later.mEntries.clear();
 }
 
-bool LyrUndoStep::holdsObjectsOf(const char* module) const {
-    return std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
-        return std::strcmp(entry.object->getMetaClass().getModule(), module) == 0;
+bool LyrUndoStep::holdsObjectsOf(const char* module) const noexcept {
+    return module && std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
+        return std::strcmp(entry.object->getMetaClass().getModule(), module) == 0 || entry.other->holdsObjectsOf(module);
     });
 }
 
 LyrUndoJournal& LyrUndoJournal::instance() {
-    static LyrUndoJournal journal;
+    // Never destroyed: static objects of any library may be written until the very end of the process.
+    static LyrUndoJournal& journal = *new LyrUndoJournal;
     return journal;
 }
 
-LyrUndoJournal::Token LyrUndoJournal::begin(const LyrString& name) {
+LyrUndoJournal::Token LyrUndoJournal::begin(const LyrString& name) noexcept {
     try {
-        if (mLevels.empty()) {
-            mStep = std::make_unique<LyrUndoStep>();
+        auto fresh = mLevels.empty() ? std::make_unique<LyrUndoStep>() : nullptr;
+        mLevels.push_back({mLastToken + 1, name, fresh ? 0 : mStep->mEntries.size()});
+        if (fresh) {
+            mStep = std::move(fresh);
         }
-        mLevels.push_back({mLastToken + 1, name, mStep->mEntries.size()});
         return ++mLastToken;
     } catch (...) {
         LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
@@ -114,59 +114,90 @@ std::size_t LyrUndoJournal::levelOf(Token token) const noexcept {
     return static_cast<std::size_t>(found - mLevels.begin());
 }
 
-bool LyrUndoJournal::end(Token token, const LyrString& name) {
+/** Closes an action and those inside it. Gives the step if that was the outermost one. */
+std::unique_ptr<LyrUndoStep> LyrUndoJournal::closeFrom(std::size_t level) noexcept {
+    std::unique_ptr<LyrUndoStep> step;
+    if (level == 0) {
+        step = std::move(mStep);
+        step->mName = std::move(mLevels.front().name);
+    }
+    mLevels.erase(mLevels.begin() + static_cast<std::ptrdiff_t>(level), mLevels.end());
+    return step;
+}
+
+void LyrUndoJournal::handOver(std::unique_ptr<LyrUndoStep> step) noexcept {
+    try {
+        if (step && !step->isEmpty() && mSink) {
+            mSink->stepFinished(std::move(step));
+        }
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    }
+}
+
+bool LyrUndoJournal::end(Token token, const LyrString& name) noexcept {
     const std::size_t level = levelOf(token);
     if (level == mLevels.size()) {
         return false;
     }
-    closeFrom(level, level == 0 && !name.isEmpty() ? name : mLevels.front().name);
+    std::unique_ptr<LyrUndoStep> step = closeFrom(level);
+    if (step && !name.isEmpty()) {
+        try {
+            step->mName = name;
+        } catch (...) {
+            LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        }
+    }
+    handOver(std::move(step));
     return true;
 }
 
-bool LyrUndoJournal::abort(Token token) {
+bool LyrUndoJournal::abort(Token token) noexcept {
     const std::size_t level = levelOf(token);
     if (level == mLevels.size()) {
         return false;
     }
-    const bool done = rollBack(mLevels[level].firstEntry);
-    closeFrom(level, mLevels.front().name);
+    const std::size_t firstEntry = mLevels[level].firstEntry;
+    std::unique_ptr<LyrUndoStep> step = closeFrom(level);
+    if (!step) {
+        return rollBack(mStep, firstEntry);
+    }
+    // Apart from the journal: listeners may open actions of their own while the values come back.
+    const bool done = rollBack(step, 0);
+    handOver(std::move(step));
     return done;
 }
 
-void LyrUndoJournal::closeFrom(std::size_t level, LyrString stepName) {
-    mLevels.erase(mLevels.begin() + static_cast<std::ptrdiff_t>(level), mLevels.end());
-    if (!mLevels.empty()) {
-        return;
-    }
-    std::unique_ptr<LyrUndoStep> step = std::move(mStep);
-    step->mName = std::move(stepName);
-    if (!step->isEmpty() && mSink) {
-        mSink->stepFinished(std::move(step));
-    }
-}
-
-// What cannot be taken back (a list that is being read) stays recorded, so that a later undo brings it back.
-bool LyrUndoJournal::rollBack(std::size_t firstEntry) {
+/** Takes back the entries of a step from `firstEntry` on. What cannot be taken back (a list that is being read) stays recorded,
+ *  so that a later undo brings it back. Listeners may end even the outermost action meanwhile: an entry is out of the step
+ *  while it is taken back, so that the step always holds the writes that stand. */
+bool LyrUndoJournal::rollBack(std::unique_ptr<LyrUndoStep>& step, std::size_t firstEntry) noexcept {
     const ReplayScope scope(mReplays);
-    auto& entries = mStep->mEntries;
     bool done = true;
-    for (std::size_t i = entries.size(); i-- > firstEntry;) {
-        if (LyrUndoStep::swap(entries[i])) {
-            entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(i));
-        } else {
-            done = false;
+    for (std::size_t i = step->mEntries.size(); i-- > firstEntry;) {
+        const auto place = static_cast<std::ptrdiff_t>(i);
+        LyrUndoStep::Entry entry = std::move(step->mEntries[i]);
+        step->mEntries.erase(step->mEntries.begin() + place);
+        const bool taken = LyrUndoStep::swap(entry);
+        done = taken && done;
+        if (!step || i > step->mEntries.size()) {
+            return done;  // ended, or taken back further, by a listener
+        }
+        if (!taken) {
+            step->mEntries.insert(step->mEntries.begin() + place, std::move(entry));
         }
     }
     return done;
 }
 
-bool LyrUndoJournal::addSnapshot(LyrProperty& property) {
+bool LyrUndoJournal::addSnapshot(LyrProperty& property) noexcept {
+    const LyrObject* owner = property.getObject();
+    if (!isRecording() || !owner || owner->isDying() || owner->getRefCount() == 0) {
+        return false;
+    }
     try {
-        if (!isRecording() || !property.getObject() || !reserve()) {
-            return false;
-        }
         std::unique_ptr<LyrProperty::State> before = property.takeState();
-        if (!before) {
+        if (!before || !reserve()) {
             return property.emitError(Lyr::AllocationFailed);
         }
         record(property, std::move(before));
@@ -189,5 +220,12 @@ bool LyrUndoJournal::reserve() noexcept {
 }
 
 void LyrUndoJournal::record(LyrProperty& property, std::unique_ptr<LyrProperty::State> before) noexcept {
-    mStep->mEntries.push_back({LyrObjectPtr(property.getObject()), property.getPropertyID(), std::move(before)});
+    if (!mStep) {
+        return;  // the action was ended inside the write
+    }
+    try {
+        mStep->mEntries.push_back({LyrObjectPtr(property.getObject()), property.getPropertyID(), std::move(before)});
+    } catch (...) {
+        property.emitError(Lyr::AllocationFailed);
+    }
 }

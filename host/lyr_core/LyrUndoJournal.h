@@ -22,9 +22,9 @@ public:
 
     /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is recorded. A
      *  write that fails (a list that is being read, no memory) takes the step back whole: false, and all is as before. */
-    bool undo();
+    bool undo() noexcept;
     /** Does them again, or none of them. */
-    bool redo();
+    bool redo() noexcept;
 
     /** Whether both steps changed the same properties of the same objects. */
     bool touchesTheSame(const LyrUndoStep& other) const;
@@ -32,8 +32,8 @@ public:
      *  empty afterwards. */
     void absorb(LyrUndoStep& later) noexcept;
 
-    /** True if this step keeps an object of the module. */
-    bool holdsObjectsOf(const char* module) const;
+    /** True if an object of the module is kept by this step, be it as a changed object or in a link. */
+    bool holdsObjectsOf(const char* module) const noexcept;
 
 private:
     friend class LyrUndoJournal;
@@ -42,7 +42,9 @@ private:
         Lyrenum propertyId;
         std::unique_ptr<LyrProperty::State> other;  ///< the value that a swap brings back
     };
-    static bool swap(Entry& entry);
+    static bool swap(Entry& entry) noexcept;
+    template <class Iterator>
+    static bool swapAll(Iterator first, Iterator last) noexcept;
 
     LyrString mName;
     std::vector<Entry> mEntries;
@@ -69,13 +71,13 @@ public:
 
     /** Opens an action inside those that are open. 0, and an error, when memory ran out: its writes then belong to the action
      *  outside of it. */
-    Token begin(const LyrString& name);
+    Token begin(const LyrString& name) noexcept;
     /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is not
      *  empty. False if the token names no open action. */
-    bool end(Token token, const LyrString& name = LyrString());
+    bool end(Token token, const LyrString& name = LyrString()) noexcept;
     /** Takes back what an action, and those inside it, recorded, and ends it. False if the token names no open action, or if
      *  something could not be taken back: that stays recorded. */
-    bool abort(Token token);
+    bool abort(Token token) noexcept;
 
     bool isOpen() const noexcept { return !mLevels.empty(); }
     int getDepth() const noexcept { return static_cast<int>(mLevels.size()); }
@@ -85,8 +87,8 @@ public:
     bool isRecording() const noexcept { return !mLevels.empty() && mReplays == 0; }
 
     /** Adds the present value of a property to the open action, whatever the property's flags are: for commands whose undo has
-     *  to restore an object whole. */
-    bool addSnapshot(LyrProperty& property);
+     *  to restore an object whole. False if no action is open, or nobody holds the property's object. */
+    bool addSnapshot(LyrProperty& property) noexcept;
 
     /** Makes room for one more write, so that record() cannot fail. */
     bool reserve() noexcept;
@@ -102,8 +104,9 @@ private:
     };
     LyrUndoJournal() = default;
     std::size_t levelOf(Token token) const noexcept;
-    void closeFrom(std::size_t level, LyrString stepName);
-    bool rollBack(std::size_t firstEntry);
+    std::unique_ptr<LyrUndoStep> closeFrom(std::size_t level) noexcept;
+    void handOver(std::unique_ptr<LyrUndoStep> step) noexcept;
+    bool rollBack(std::unique_ptr<LyrUndoStep>& step, std::size_t firstEntry) noexcept;
 
     Sink* mSink = nullptr;
     std::vector<Level> mLevels;

@@ -5,9 +5,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <limits>
 #include <memory>
-#include <new>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 /** A property that holds a list of values of type T, indexed from 0. Ranges are given by their first and last index, both
@@ -37,8 +38,9 @@ public:
     virtual bool insertArrayItems(long long first, long long last, const T* items) = 0;
     virtual bool removeArrayItems(long long first, long long last) = 0;
 
-    /** Direct read access; the list cannot be written until every lock is given back. Null for an empty list. */
+    /** Direct read access; the list cannot be written until every lock is given back. Null, and no lock, for an empty list. */
     virtual const T* lockArrayPtr() const = 0;
+    /** Gives back a lock; null, or a pointer that came from elsewhere, does nothing. */
     virtual void unlockArrayPtr(const T* items) const = 0;
 
     /** A new property of this type that holds the same items, without owner, its identifier set. The caller owns it; null when
@@ -66,7 +68,7 @@ protected:
         if (first == 0 && last == -1) {
             return true;
         }
-        return first >= 0 && last >= first && items;
+        return first >= 0 && last >= first && last < std::numeric_limits<long long>::max() && items;
     }
 };
 
@@ -75,6 +77,7 @@ template <class IF>
 class LyrValueArrayOP : public IF {
 public:
     using T = typename IF::ValueType;
+    static_assert(!std::is_pointer_v<T>, "a list keeps its items, it cannot keep what they point to");
 
     LyrValueArrayOP() = default;
 
@@ -105,21 +108,24 @@ public:
         if (isSame(std::span(mItems).subspan(std::size_t(first), std::size_t(last - first + 1)), items)) {
             return true;
         }
-        return this->write([&] {
-            std::copy(items, items + (last - first + 1), mItems.begin() + first);
+        return isUnlocked() && this->write([&] {
+            // A copy first: the items may be some of this list's own.
+            std::vector<T> fresh(mItems);
+            std::copy(items, items + (last - first + 1), fresh.begin() + first);
+            mItems.swap(fresh);
             return true;
         });
     }
 
     bool initArray(long long first, long long last, const T* items) override {
-        const long long count = last - first + 1;
-        if (!this->isItemRange(first, last, items) || !mayWrite(count, items)) {
+        if (!this->isItemRange(first, last, items) || !mayWrite(last - first + 1, items)) {
             return false;
         }
+        const long long count = last - first + 1;
         if (count == size() && isSame(mItems, items)) {
             return true;
         }
-        return this->write([&] {
+        return isUnlocked() && this->write([&] {
             std::vector<T> fresh(items, items + count);
             mItems.swap(fresh);
             return true;
@@ -127,10 +133,11 @@ public:
     }
 
     bool insertArrayItems(long long first, long long last, const T* items) override {
-        if (first < 0 || last < first || first > size() || !items || !mayWrite(last - first + 1, items)) {
+        const bool isRange = last >= first && this->isItemRange(first, last, items);
+        if (!isRange || first > size() || !mayWrite(last - first + 1, items)) {
             return false;
         }
-        return this->write([&] {
+        return isUnlocked() && this->write([&] {
             std::vector<T> fresh;
             fresh.reserve(mItems.size() + std::size_t(last - first + 1));
             fresh.assign(mItems.begin(), mItems.begin() + first);
@@ -145,17 +152,24 @@ public:
         if (!isInside(first, last) || !mayWrite(0, nullptr)) {
             return false;
         }
-        return this->write([&] {
+        return isUnlocked() && this->write([&] {
             mItems.erase(mItems.begin() + first, mItems.begin() + last + 1);
             return true;
         });
     }
 
     const T* lockArrayPtr() const override {
-        mLocks.fetch_add(1, std::memory_order_relaxed);
-        return mItems.empty() ? nullptr : mItems.data();
+        if (mItems.empty()) {
+            return nullptr;
+        }
+        mLocks.fetch_add(1, std::memory_order_acquire);
+        return mItems.data();
     }
-    void unlockArrayPtr(const T*) const override { mLocks.fetch_sub(1, std::memory_order_relaxed); }
+    void unlockArrayPtr(const T* items) const override {
+        if (items && items == mItems.data() && mLocks.fetch_sub(1, std::memory_order_release) <= 0) {
+            mLocks.fetch_add(1, std::memory_order_relaxed);  // it was not locked
+        }
+    }
 
     LyrProperty* clone(Lyrenum id) const override {
         try {
@@ -181,11 +195,15 @@ public:
     std::span<const T> view() const noexcept { return mItems; }
 
     std::unique_ptr<LyrProperty::State> takeState() const override {
-        return std::unique_ptr<LyrProperty::State>(new (std::nothrow) ListState(mItems));
+        try {
+            return std::make_unique<ListState>(mItems);
+        } catch (...) {
+            return nullptr;
+        }
     }
     bool restoreState(const LyrProperty::State& state) override {
         const auto& items = static_cast<const ListState&>(state).items;
-        return LyrValueArrayOP::initArray(0, static_cast<long long>(items.size()) - 1, items.data());
+        return this->initArray(0, static_cast<long long>(items.size()) - 1, items.data());
     }
 
     bool copyValueFrom(const LyrProperty& source) override {
@@ -204,7 +222,14 @@ public:
     }
 
 protected:
-    void setResetItems(std::span<const T> items) { mResetItems.assign(items.begin(), items.end()); }
+    bool setResetItems(std::span<const T> items) {
+        try {
+            mResetItems.assign(items.begin(), items.end());
+            return true;
+        } catch (...) {
+            return this->emitError(Lyr::AllocationFailed);
+        }
+    }
 
 private:
     struct ListState : LyrProperty::State {
@@ -221,10 +246,10 @@ private:
                           [](const T& a, const T& b) { return LyrPropertyTraits<T>::same(a, b); });
     }
     bool mayWrite(long long count, const T* items) const {
-        if (this->isReadOnly() || this->checkItems(count, items) != 1) {
-            return false;
-        }
-        return mLocks.load(std::memory_order_relaxed) == 0 || this->emitError(Lyr::Locked);
+        return !this->isReadOnly() && this->checkItems(count, items) == 1;
+    }
+    bool isUnlocked() const {
+        return mLocks.load(std::memory_order_acquire) == 0 || this->emitError(Lyr::Locked);
     }
 
     std::vector<T> mItems;

@@ -22,8 +22,9 @@ struct NameRecord {
 
 class Registry {
 public:
+    /** Never destroyed: names are looked up until the very end of the process. */
     static Registry& instance() {
-        static Registry registry;
+        static Registry& registry = *new Registry;
         return registry;
     }
 
@@ -69,9 +70,18 @@ private:
 
     /** Strong guarantee: an allocation that fails leaves counts and numbers as they were. */
     int insert(std::string_view name, std::string_view module, int number) {
-        auto& record = mRecords.try_emplace(std::string(name)).first->second;
-        mNames.try_emplace(number, std::string(name));
-        ++record.countByModule.try_emplace(std::string(module), 0).first->second;
+        const auto [entry, isNew] = mRecords.try_emplace(std::string(name));
+        NameRecord& record = entry->second;
+        try {
+            mNames.try_emplace(number, std::string(name));
+            ++record.countByModule.try_emplace(std::string(module), 0).first->second;
+        } catch (...) {
+            if (isNew) {
+                mNames.erase(number);
+                mRecords.erase(entry);
+            }
+            throw;
+        }
         ++record.count;
         record.number = number;
         if (number >= mNext) {
@@ -96,10 +106,15 @@ Lyrenum::Lyrenum(const char* name, bool mustExist) : mNumber(LyrIdentifierRegist
     }
 }
 
-std::string Lyrenum::getName() const { return LyrIdentifierRegistry::nameOf(mNumber); }
+std::string Lyrenum::getName() const noexcept { return LyrIdentifierRegistry::nameOf(mNumber); }
 
-int LyrIdentifierRegistry::registerName(const char* name, const char* module) {
-    return viewOf(name).empty() ? -1 : Registry::instance().add(name, viewOf(module));
+int LyrIdentifierRegistry::registerName(const char* name, const char* module) noexcept {
+    try {
+        return viewOf(name).empty() ? -1 : Registry::instance().add(name, viewOf(module));
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return -1;
+    }
 }
 
 bool LyrIdentifierRegistry::unregisterName(const char* name, const char* module) noexcept {
@@ -113,11 +128,16 @@ int LyrIdentifierRegistry::find(const char* name) noexcept {
     });
 }
 
-std::string LyrIdentifierRegistry::nameOf(int number) {
-    return Registry::instance().read([&](const auto&, const auto& names) {
-        auto found = names.find(number);
-        return found != names.end() ? found->second : std::string();
-    });
+std::string LyrIdentifierRegistry::nameOf(int number) noexcept {
+    try {
+        return Registry::instance().read([&](const auto&, const auto& names) {
+            auto found = names.find(number);
+            return found != names.end() ? found->second : std::string();
+        });
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return {};
+    }
 }
 
 int LyrIdentifierRegistry::registrationCount(const char* name) noexcept {
@@ -138,14 +158,19 @@ int LyrIdentifierRegistry::moduleRegistrationCount(const char* module) noexcept 
     });
 }
 
-LyrRegisteredEnum::LyrRegisteredEnum(const char* name, bool permanent, const char* module)
-    : mName(name ? name : ""),
-      mModule(module ? module : ""),
-      mPermanent(permanent),
-      mNumber(LyrIdentifierRegistry::registerName(name, module)) {}
+LyrRegisteredEnum::LyrRegisteredEnum(const char* name, bool permanent, const char* module) noexcept
+    : mPermanent(permanent) {
+    try {
+        mName = viewOf(name);
+        mModule = viewOf(module);
+        mNumber = LyrIdentifierRegistry::registerName(name, module);
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    }
+}
 
 LyrRegisteredEnum::~LyrRegisteredEnum() {
-    if (!mPermanent) {
+    if (!mPermanent && mNumber != -1) {
         LyrIdentifierRegistry::unregisterName(mName.c_str(), mModule.c_str());
     }
 }

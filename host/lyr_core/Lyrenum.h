@@ -18,7 +18,7 @@ public:
     constexpr operator int() const noexcept { return mNumber; }  // NOLINT(google-explicit-constructor)
 
     /** The registered name, empty when the number has none. */
-    std::string getName() const;
+    std::string getName() const noexcept;
 
 private:
     int mNumber = -1;
@@ -31,14 +31,14 @@ private:
 class LYR_CORE_EXPORT LyrIdentifierRegistry {
 public:
     /** Registers a name for a module; a known name is counted once more and keeps its number. Returns the number, or -1
-     *  for a null or empty name. May throw std::bad_alloc. */
-    static int registerName(const char* name, const char* module);
+     *  for a null or empty name and when memory ran out (which is reported, and nothing is registered). */
+    static int registerName(const char* name, const char* module) noexcept;
     /** Takes back one registration of the module. False if the module has none for this name. */
     static bool unregisterName(const char* name, const char* module) noexcept;
     /** The number of a name that is registered at present, -1 if it is not. */
     static int find(const char* name) noexcept;
     /** The name of a number, empty if it never had one. */
-    static std::string nameOf(int number);
+    static std::string nameOf(int number) noexcept;
     /** How often a name is registered at present, all modules together. */
     static int registrationCount(const char* name) noexcept;
     /** How many registrations a module holds at present. */
