@@ -53,11 +53,7 @@ function library_of(header) {
     if (header ~ /^hwy\//) return "hwy"
     if (header ~ /^(itk|gdcm)[A-Za-z0-9]*\.h$/) return "itk"
     if (header ~ /^zlib\.h$/) return "zlib"
-<<<<<<< HEAD
     if (header ~ /^png\.h$/) return "png"
-=======
-    if (header ~ /^tiff[a-z]*\.h$/) return "tiff"
->>>>>>> 19d7979 (Read TIFF stacks and DICOM series, folders of slices)
     if (header ~ /^GL\// || header ~ /^QOpenGL/ || header ~ /^QtOpenGL\//) return "gl"
     if (header ~ /^Qt?(Widgets|OpenGLWidgets)\// || header in qt_widgets) return "qtwidgets"
     if (header ~ /^Q[A-Z]/ || header ~ /^Qt[A-Z][A-Za-z]*$/ || header ~ /^Qt[A-Z][A-Za-z]*\//) return "qtgui"
