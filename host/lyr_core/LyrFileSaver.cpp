@@ -32,8 +32,13 @@ bool isOurName(std::string_view name) {
     }
     const std::string_view middle = name.substr(PREFIX.size(), name.size() - PREFIX.size() - SUFFIX.size());
     const auto dash = middle.find('-');
-    const bool onlyDigits = middle.find_first_not_of("0123456789-") == std::string_view::npos;
-    return onlyDigits && dash != 0 && dash + 1 < middle.size() && middle.find('-', dash + 1) == std::string_view::npos;
+    if (dash == std::string_view::npos || dash == 0 || dash + 1 == middle.size()) {
+        return false;
+    }
+    const auto isNumber = [](std::string_view text) {
+        return text.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    return isNumber(middle.substr(0, dash)) && isNumber(middle.substr(dash + 1));
 }
 
 /** Takes a lock if nobody has it. Gives 0, EWOULDBLOCK if somebody has it, or the error. */
@@ -304,7 +309,7 @@ bool LyrFileSaver::replace(const std::string& path, std::string_view content, Ly
         reason = "there is not enough memory";
     }
     if (message) {
-        *message = LyrString(path + ": not saved: " + reason);
+        *message = LyrString(std::string(path.c_str()) + ": not saved: " + reason);
     }
     return false;
 }

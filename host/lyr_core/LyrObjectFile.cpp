@@ -52,10 +52,10 @@ bool parse(std::string_view text, const LyrObjectRequest& request, LyrObjectPtr&
 /** Puts a path in front of the messages of a report. */
 void addPath(const std::string& path, Report& report) {
     if (!report.message.isEmpty()) {
-        report.message = LyrString(path + ": ") + report.message;
+        report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
     }
     for (LyrString& warning : report.warnings) {
-        warning = LyrString(path + ": ") + warning;
+        warning = LyrString(std::string(path.c_str()) + ": ") + warning;
     }
 }
 
@@ -203,7 +203,7 @@ bool LyrObjectFile::save(const LyrObject& object, const std::string& path, Repor
     return guarded(report, [&] {
         std::string text;
         if (!write(object, text, &report.message) || !mayReplace(path, report)) {
-            report.message = LyrString(path + ": ") + report.message;
+            report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
             return false;
         }
         return LyrFileSaver::replace(path, text, &report.message);
