@@ -26,6 +26,7 @@ struct LyrColorLookupTable::Private : LyrPrivatePart {
     public:
         PositionListAttr();
         bool resetData() override;
+        bool allowsNonFinite() const override { return false; }
     };
     class SectionListAttr : public LyrObjectParentLinkListOP {
     public:
