@@ -4,9 +4,10 @@
 #include "Messages.h"
 
 #include <colortable/ColortableIdentifiers.h>
-#include <colortable/model/LyrColorLookupTable.h>
+#include <colortable/model/LyrColorLookupTableSection.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrLinkProperty.h>
+#include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrPropertyPtr.h>
 
@@ -73,6 +74,20 @@ void TableSource::load() {
     }
     for (const LyrString& warning : report.warnings) {
         warn(mName + ": " + warning.utf8());
+    }
+    checkSections();
+}
+
+// Object files let a list of links hold objects of any class.
+void TableSource::checkSections() const {
+    LyrValueArrayOPCache<LyrObjectLink> sections;
+    sections.load(mTable.get(), Lyr::SectionList);
+    for (std::size_t i = 0; i < sections.items().size(); ++i) {
+        const LyrObject* section = sections.items()[i].getLink();
+        if (section && !section->getMetaClass().isOfType(LyrColorLookupTable::Section::metaClass())) {
+            throwUnusable(mName + ": SectionList[" + std::to_string(i) + "]: a " + section->getMetaClass().getClassName() +
+                          " is no section of a table");
+        }
     }
 }
 

@@ -27,6 +27,7 @@ public:
 
 private:
     void load();
+    void checkSections() const;
 
     std::string mName;
     LyrObjectPtr mTable;
