@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -239,6 +240,32 @@ TEST(MapRaw, a_full_device_at_standard_output_is_an_error) {
     EXPECT_EQ(ProgramRun::of({"info", "Rainbow"}, full).status, 1);
     EXPECT_EQ(ProgramRun::of({"--help"}, full).status, 1);
     close(full.outputFile);
+}
+
+TEST(MapRaw, memory_does_not_grow_with_the_input) {
+    TestFolder folder;
+    const std::string few = folder.write("few.f32", bytesOf(std::vector<float>(1000, 0.0f)));
+    const std::string many = folder.write("many.f32", bytesOf(std::vector<float>(4000000, 0.0f)));
+    const ProgramRun small = mapRaw("Rainbow", few, folder / "out");
+    const ProgramRun large = mapRaw("Rainbow", many, folder / "out");
+    ASSERT_EQ(large.status, 0) << large.error;
+    // 16 MB come in and 64 MB go out.
+    EXPECT_LT(large.peakMemory - small.peakMemory, 8000000);
+    const ProgramRun toStandardOutput = mapRaw("Rainbow", many, "-");
+    EXPECT_EQ(toStandardOutput.out.size(), 64000000u);
+    EXPECT_LT(toStandardOutput.peakMemory - small.peakMemory, 8000000);
+}
+
+TEST(MapRaw, a_request_to_end_removes_what_is_unfinished) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        TestFolder folder;
+        ProgramRun::Setup setup;
+        setup.signal = number;
+        setup.signalFolder = folder.path();
+        const ProgramRun run = ProgramRun::of({"map", "--table", "Rainbow", "-i", "-", "-o", folder / "out"}, setup);
+        EXPECT_EQ(run.status, 1000 + number) << run.error;
+        EXPECT_THAT(folder.names(), ElementsAre());
+    }
 }
 
 TEST(MapRaw, options_that_do_not_fit_raw_values_are_refused) {

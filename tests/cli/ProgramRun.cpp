@@ -46,7 +46,6 @@ void limit(__rlimit_resource resource, long bytes) {
         _exit(126);
     for (const auto& [name, value] : setup.environment)
         setenv(name.c_str(), value.c_str(), 1);
-    limit(RLIMIT_AS, setup.memoryLimit);
     limit(RLIMIT_FSIZE, setup.fileLimit);
     signal(SIGPIPE, SIG_DFL);
     dup2(in.ends[0], 0);
@@ -60,6 +59,12 @@ void limit(__rlimit_resource resource, long bytes) {
     argv.push_back(nullptr);
     execv(argv[0], argv.data());
     _exit(127);
+}
+
+/// Waits until a folder has an entry, ten seconds at most.
+void waitForEntry(const std::string& folder) {
+    for (int i = 0; i < 1000 && std::filesystem::is_empty(folder); ++i)
+        usleep(10000);
 }
 
 /// Feeds and drains the pipes until the program has closed its ends.
@@ -104,9 +109,15 @@ ProgramRun ProgramRun::of(const std::vector<std::string>& arguments, const Setup
     if (setup.deafReader)
         out.close(0);
     ProgramRun run;
+    if (setup.signal != 0) {
+        waitForEntry(setup.signalFolder);
+        kill(child, setup.signal);
+    }
     serve(in, out, error, setup.input, run);
     int status = 0;
-    waitpid(child, &status, 0);
+    rusage usage = {};
+    wait4(child, &status, 0, &usage);
+    run.peakMemory = usage.ru_maxrss * 1024;
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
     return run;
 }

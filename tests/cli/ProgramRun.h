@@ -9,6 +9,7 @@ struct ProgramRun {
     int status = -1;    ///< exit status; 1000 + number for an end by a signal
     std::string out;    ///< standard output
     std::string error;  ///< standard error
+    long peakMemory = 0;  ///< bytes that were in memory at most
 
     /// How a run is set up besides its arguments.
     struct Setup {
@@ -18,8 +19,9 @@ struct ProgramRun {
         int outputFile = -1;                             ///< a file that standard output goes to instead of `out`
         bool closedOutput = false;                       ///< run without a standard output
         bool deafReader = false;                         ///< standard output is a pipe that nobody reads
-        long memoryLimit = 0;                            ///< bytes of address space, 0 for no limit
         long fileLimit = 0;                              ///< bytes of a file, 0 for no limit
+        int signal = 0;                                  ///< sent once `signalFolder` has an entry; input stays open till then
+        std::string signalFolder;
     };
 
     static ProgramRun of(const std::vector<std::string>& arguments, const Setup& setup);
