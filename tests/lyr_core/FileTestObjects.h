@@ -4,9 +4,11 @@
 #include <lyr_core/LyrClassFactory.h>
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObject.h>
+#include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 
-#include <cmath>
+#include <gtest/gtest.h>
+
 #include <string>
 
 /** Classes with a property of every kind, for the tests of object files. */
@@ -177,5 +179,62 @@ public:
 
     Value<float> extra{9.0f};
 };
+
+/** The default sample, worked out by hand from the rules of the format. */
+inline const std::string DEFAULT_TEXT = R"({
+  "format": "lyr-object",
+  "version": 1,
+  "class": "FileTestSample",
+  "properties": {
+    "FileTestPositionList": [-1, 1],
+    "FileTestLeafList": [
+      {
+        "class": "FileTestLeaf",
+        "properties": {
+          "Type": "Constant",
+          "FileTestPoints": []
+        }
+      },
+      {
+        "class": "FileTestLeaf",
+        "properties": {
+          "Type": "Constant",
+          "FileTestPoints": []
+        }
+      }
+    ],
+    "Quantity": "Length",
+    "FileTestFiniteMode": [0, 0],
+    "FileTestAutoLabel": true,
+    "FileTestWeight": 0.5,
+    "FileTestRange": [3.4028235e+38, -3.4028235e+38],
+    "FileTestCount": -7,
+    "FileTestSmall": 0,
+    "FileTestOffset": [1, 2],
+    "FileTestParameters": [0, 0, 0],
+    "Color": [0, 0, 0, 1],
+    "FileTestText": "plain",
+    "FileTestKinds": [],
+    "FileTestColors": [],
+    "FileTestNumbers": [],
+    "FileTestIntegers": [],
+    "FileTestChild": null,
+    "123456": 3
+  }
+}
+)";
+
+inline std::string textOf(const LyrObject& object) {
+    std::string text;
+    LyrString message;
+    EXPECT_TRUE(LyrObjectFile::write(object, text, &message)) << message.utf8();
+    return text;
+}
+
+inline std::string replaced(std::string text, const std::string& what, const std::string& by) {
+    const auto at = text.find(what);
+    EXPECT_NE(at, std::string::npos) << what;
+    return text.replace(at, what.size(), by);
+}
 
 }  // namespace file_test

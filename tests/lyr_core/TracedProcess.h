@@ -1,0 +1,135 @@
+#pragma once
+
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <functional>
+#include <set>
+
+/** Runs an operation in a process of its own and stops it before and after each of its system calls, to kill it there
+ * or to make the call fail. */
+class TracedProcess {
+public:
+    enum Outcome { Succeeded = 0, FailedWithMessage = 1, FailedSilently = 2, Killed = 3, NotTraced = 4, Broken = 5 };
+
+    /** One stop. Calls are counted from 0; those that only manage memory or the process are left out. */
+    struct Stop {
+        long call = 0;  ///< the number of the system call (SYS_write, …)
+        int index = 0;  ///< the how manieth it is
+        bool isEntry = false;
+    };
+    /** What is to happen at a stop. */
+    struct Action {
+        bool kill = false;
+        int error = 0;             ///< at the entry: the call is not made and gives this errno
+        unsigned long atMost = 0;  ///< at the entry of a write: only so many bytes are taken
+    };
+
+    /** The operation returns success, and whether it gave a message. Its calls are counted from its beginning to its
+     * end. */
+    using Operation = std::function<Outcome()>;
+    using Decision = std::function<Action(const Stop&)>;
+
+    static Outcome run(const Operation& operation, const Decision& decide) {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
+                ::_exit(NotTraced);
+            }
+            ::raise(SIGSTOP);
+            ::syscall(SYS_getppid);
+            const Outcome outcome = operation();
+            ::syscall(SYS_getppid);
+            ::_exit(outcome);
+        }
+        return child > 0 ? follow(child, decide) : Broken;
+    }
+
+    /** Calls that have nothing to do with files. */
+    static bool isFileCall(long call) {
+        static const std::set<long> others{SYS_brk,          SYS_mmap,         SYS_munmap,       SYS_mprotect,
+                                           SYS_madvise,      SYS_mremap,       SYS_getpid,       SYS_futex,
+                                           SYS_rt_sigaction, SYS_sched_yield,  SYS_rt_sigreturn, SYS_rt_sigprocmask,
+                                           SYS_gettid,       SYS_clock_gettime};
+        return !others.contains(call);
+    }
+
+private:
+    TracedProcess(pid_t child, const Decision& decide) : mChild(child), mDecide(decide) {}
+
+    static Outcome follow(pid_t child, const Decision& decide) {
+        int status = 0;
+        if (::waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
+            return WIFEXITED(status) ? static_cast<Outcome>(WEXITSTATUS(status)) : Broken;
+        }
+        ::ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+        return TracedProcess(child, decide).followToItsEnd();
+    }
+
+    Outcome followToItsEnd() {
+        int status = 0;
+        int signal = 0;
+        for (;;) {
+            ::ptrace(PTRACE_SYSCALL, mChild, nullptr, signal);
+            signal = 0;
+            if (::waitpid(mChild, &status, 0) != mChild) {
+                return Broken;
+            }
+            if (WIFEXITED(status)) {
+                return static_cast<Outcome>(WEXITSTATUS(status));
+            }
+            if (WIFSIGNALED(status)) {
+                return WTERMSIG(status) == SIGKILL ? Killed : Broken;
+            }
+            if (WSTOPSIG(status) == (SIGTRAP | 0x80)) {
+                stopAtCall();
+            } else {
+                signal = WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
+            }
+        }
+    }
+
+    void stopAtCall() {
+        user_regs_struct registers{};
+        __ptrace_syscall_info info{};
+        ::ptrace(PTRACE_GET_SYSCALL_INFO, mChild, sizeof(info), &info);
+        ::ptrace(PTRACE_GETREGS, mChild, nullptr, &registers);
+        const bool isEntry = info.op == PTRACE_SYSCALL_INFO_ENTRY;
+        const auto call = static_cast<long>(registers.orig_rax);
+        if (mPendingError != 0 && !isEntry) {
+            registers.rax = static_cast<unsigned long>(-mPendingError);
+            ::ptrace(PTRACE_SETREGS, mChild, nullptr, &registers);
+            mPendingError = 0;
+            ++mIndex;
+        } else if (call == SYS_getppid) {
+            mMarkers += isEntry ? 0 : 1;
+        } else if (mMarkers == 1 && isFileCall(call)) {
+            const Action action = mDecide({call, mIndex, isEntry});
+            mIndex += isEntry ? 0 : 1;
+            act(action, isEntry, registers);
+        }
+    }
+
+    void act(const Action& action, bool isEntry, user_regs_struct& registers) {
+        if (action.kill) {
+            ::kill(mChild, SIGKILL);
+        } else if (isEntry && action.error != 0) {
+            mPendingError = action.error;
+            registers.orig_rax = static_cast<unsigned long>(-1);
+            ::ptrace(PTRACE_SETREGS, mChild, nullptr, &registers);
+        } else if (isEntry && action.atMost > 0 && registers.rdx > action.atMost) {
+            registers.rdx = action.atMost;
+            ::ptrace(PTRACE_SETREGS, mChild, nullptr, &registers);
+        }
+    }
+
+    pid_t mChild;
+    const Decision& mDecide;
+    int mMarkers = 0;  // the operation lies between two calls of getppid()
+    int mIndex = 0;
+    int mPendingError = 0;  // what the call that is not made is to give
+};
