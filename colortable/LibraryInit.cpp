@@ -1,9 +1,14 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/LibraryInit.h>
+#include <colortable/legend/LegendPlaceholders_p.h>
+#include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
+#include <lys_core/ApplicationPlaceholders.h>
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqPreferenceManager.h>
 
 #include <iterator>
 #include <optional>
@@ -64,6 +69,7 @@ LYS_COLORTABLE_IDENTIFIERS(LYS_DEFINE_IDENTIFIER)
 namespace {
 [[maybe_unused]] const LyrMetaClass& sTableClass = LyrColorLookupTable::metaClass();
 [[maybe_unused]] const LyrMetaClass& sSectionClass = LyrColorLookupTable::Section::metaClass();
+[[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
 
 LYQCOLORTABLE::LibraryInit sInstance;
 }  // namespace
@@ -72,15 +78,34 @@ namespace LYQCOLORTABLE {
 
 LibraryInit::LibraryInit() : mUseCount(0) { __lyqcolortable_enum_init(); }
 
-LibraryInit::~LibraryInit() { mGuarded.clear(); }
+LibraryInit::~LibraryInit() {
+    mGuarded.clear();
+    if (mUseCount > 0) {
+        // Unloaded without a last cleanup(): what points into this library must not stay behind.
+        ly::i18n::Placeholders::removeAllFrom(LYS_COLORTABLE_MODULE);
+    }
+}
 
 void LibraryInit::init() { sInstance._init(); }
 
 void LibraryInit::cleanup() { sInstance._cleanup(); }
 
-void LibraryInit::_init() { ++mUseCount; }
+void LibraryInit::_init() {
+    if (++mUseCount != 1) {
+        return;
+    }
+    LyqApplication::instance();
+    LyqPreferenceManager::instance();
+    lysAddLegendPlaceholders();
+}
 
-void LibraryInit::_cleanup() { --mUseCount; }
+void LibraryInit::_cleanup() {
+    if (mUseCount-- != 1) {
+        return;
+    }
+    LyqPreferenceManager::instance();
+    ly::i18n::Placeholders::removeAllFrom(LYS_COLORTABLE_MODULE);
+}
 
 }  // namespace LYQCOLORTABLE
 

@@ -1,9 +1,11 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrI18n.h>
 #include <lyr_core/LyrModuleLoader.h>
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqUndoCommand_p.h>
+#include <lys_core/LyrApplicationObject.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -61,6 +63,15 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
         return !journal.isOpen() && !journal.isReplaying();
     }
 
+    /** Texts of the host and its modules come from the toolkit's translators. */
+    struct Translator : LyrI18n::Translator {
+        LyrString translate(const char* context, const char* key, const char* comment, Lyrenum) const override {
+            return toHostString(QCoreApplication::translate(context, key, comment));
+        }
+    };
+
+    Translator translator;
+    LyrObjectPtr object{new LyrApplicationObject};
     QUndoStack history;
     int gesture = NO_GESTURE;
     int lastGesture = 0;
@@ -69,9 +80,11 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
 LyqApplication::LyqApplication() : d(new Private) {
     LyrUndoJournal::instance().setSink(d.get());
     LyrModuleLoader::addUnloadGuard(d.get());
+    LyrI18n::setTranslator(&d->translator);
 }
 
 LyqApplication::~LyqApplication() {
+    LyrI18n::setTranslator(nullptr);
     LyrModuleLoader::removeUnloadGuard(d.get());
     LyrUndoJournal::instance().setSink(nullptr);
 }
@@ -82,6 +95,12 @@ LyqApplication& LyqApplication::instance() {
     LyrModuleLoader::getLoadedModules();
     static LyqApplication application;
     return application;
+}
+
+LyrObject& LyqApplication::object() { return *d->object; }
+
+LyrDisplayUnits& LyqApplication::displayUnits() {
+    return static_cast<LyrApplicationObject&>(*d->object).displayUnits();
 }
 
 LyqApplication::UserActionToken LyqApplication::userActionBegin(const QString& name) {

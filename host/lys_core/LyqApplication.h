@@ -8,9 +8,11 @@
 #include <cstdint>
 #include <memory>
 
+class LyrDisplayUnits;
+class LyrObject;
 class QUndoStack;
 
-/** The application: user actions over the undo history. Made on first use; needs no QApplication, so that programs without a
+/** The application: its object in the host's graph, and user actions over the undo history. Made on first use; needs no QApplication, so that programs without a
  *  display use it as well. To be used from the thread of the user interface. */
 class LYS_CORE_EXPORT LyqApplication : public QObject {
     Q_OBJECT
@@ -23,6 +25,11 @@ public:
     class GestureScope;
 
     static LyqApplication& instance();
+
+    /** The application as an object of the host's graph. */
+    LyrObject& object();
+    /** The holder of the display units: its property `DisplayUnitList` says in which units values are shown. */
+    LyrDisplayUnits& displayUnits();
 
     /** Opens a user action. Actions nest: the outermost is one undo step, an inner one is a part of it. */
     UserActionToken userActionBegin(const QString& name);

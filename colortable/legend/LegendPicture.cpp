@@ -1,0 +1,212 @@
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/legend/LegendPicture.h>
+#include <colortable/legend/SectionImage.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrPropertyPtr.h>
+#include <lys_core/LyqScaling.h>
+#include <lys_core/LyqUnitConverter.h>
+
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QStringList>
+
+#include <iterator>
+
+namespace lys::legend {
+
+namespace {
+
+using Section = LyrColorLookupTable::Section;
+
+/** Without settings the bar is thicker than the settings' own default. */
+constexpr long long THICKNESS_WITHOUT_SETTINGS = 24;
+constexpr double LARGEST_POINT_SIZE = 1000.0;
+constexpr int LARGEST_PIXEL_SIZE = 4000;
+
+template <class T>
+std::vector<T> readList(const LyrObject* object, Lyrenum id) {
+    LyrValueArrayOPCache<T> cache;
+    cache.load(object, id);
+    return cache.items();
+}
+
+bool isTrue(const LyrObject* object, Lyrenum id, bool fallback) {
+    return lyrGetValue<Lyrenum>(object, id, fallback ? 1 : 0) != 0;
+}
+
+Lyrenum quantityOf(const LyrObject* table) { return lyrGetValue(table, Lyr::Quantity, Lyr::Length); }
+
+Style readStyle(const LyrObject* settings, float dotsPerInch) {
+    Style style;
+    const QString font = QString::fromUtf8(lyrGetValue<const char*>(settings, Lyr::Font, ""));
+    style.font = LyqScaling::getScaledFont(fontFromString(font), dotsPerInch);
+    // Coloured fringes of subpixel smoothing belong to one screen's layout, legends go onto many.
+    style.font.setStyleStrategy(QFont::NoSubpixelAntialias);
+    style.outlined = isTrue(settings, Lyr::HasOutline, true);
+    style.textColor = QColor(opaque(lyrGetValue(settings, Lyr::Color, LyrRGBA<float>::BLACK())));
+    style.outlineColor = QColor(opaque(lyrGetValue(settings, Lyr::OutlineColor, LyrRGBA<float>::WHITE())));
+    return style;
+}
+
+/** The sections of a table by index; null where a link leads to none. */
+class Sections {
+public:
+    explicit Sections(const LyrObject* table) : mLinks(readList<LyrObjectLink>(table, Lyr::SectionList)) {}
+
+    const Section* at(int index) const {
+        if (index < 0 || index >= static_cast<int>(mLinks.size())) {
+            return nullptr;
+        }
+        const LyrObject* object = mLinks[static_cast<std::size_t>(index)].getLink();
+        const bool fits = object && object->getMetaClass().isOfType(Section::metaClass());
+        return fits ? static_cast<const Section*>(object) : nullptr;
+    }
+
+private:
+    std::vector<LyrObjectLink> mLinks;
+};
+
+/** A box: a black frame and the section's colours in it. A box of a few pixels is all frame. */
+void paintBox(QPainter& painter, const QRect& box, const Input& input, const Sections& sections, int index) {
+    painter.fillRect(box, Qt::black);
+    const int frame = LyqScaling::getScaledPixeli(input.dotsPerInch, 1);
+    const QRect inside = box.adjusted(frame, frame, -frame, -frame);
+    if (const Section* section = sections.at(index)) {
+        paintSection(painter, inside, input.horizontal ? Halves::LowerOverWhite : Halves::LeftOverWhite, *section,
+                     sections.at(index - 1), sections.at(index + 1));
+    }
+}
+
+void paintBar(QPainter& painter, const Input& input, const Layout& layout, const LyrObject* table) {
+    const Sections sections(table);
+    if (const auto upper = upperExtensionBox(input, layout)) {
+        paintBox(painter, *upper, input, sections, static_cast<int>(input.positions.size()));
+    }
+    for (const Box& box : innerBoxes(input, layout)) {
+        paintBox(painter, box.rect, input, sections, box.section);
+    }
+    if (const auto lower = lowerExtensionBox(input, layout)) {
+        paintBox(painter, *lower, input, sections, 0);
+    }
+}
+
+/** Whether the fields of a font string are what the toolkit writes: family, point size, pixel size, then numbers, and in the
+ *  longer forms a style name at the end. */
+bool isFontDescription(const QStringList& fields) {
+    const bool old = fields.size() == 10 || fields.size() == 11;
+    if ((!old && fields.size() != 16 && fields.size() != 17) || fields.first().trimmed().isEmpty()) {
+        return false;
+    }
+    const qsizetype numbers = old ? 10 : 16;
+    for (qsizetype i = 1; i < numbers; ++i) {
+        bool ok = false;
+        fields.at(i).toDouble(&ok);
+        if (!ok) {
+            return false;
+        }
+    }
+    const double points = fields.at(1).toDouble();
+    const int pixels = fields.at(2).toInt();
+    return (points > 0.0 && points <= LARGEST_POINT_SIZE) ||
+           (points == -1.0 && pixels >= 1 && pixels <= LARGEST_PIXEL_SIZE);
+}
+
+}  // namespace
+
+QFont fontFromString(const QString& text, bool* valid) {
+    QFont font = QGuiApplication::font();
+    const bool fits = isFontDescription(text.split(QLatin1Char(','))) && font.fromString(text);
+    if (valid) {
+        *valid = fits;
+    }
+    return fits ? font : QGuiApplication::font();
+}
+
+QString labelText(const LyrObject* table, const LyqUnitConverter& converter, float value) {
+    if (quantityOf(table) == Lyr::Percent) {
+        return QStringLiteral("%1").arg(static_cast<double>(value), 0, 'f', 2);
+    }
+    return converter.internalToDisplayString(static_cast<double>(value));
+}
+
+QString captionText(const LyrObject* table, const LyrObject* settings, const LyqUnitConverter& converter) {
+    QString text = QString::fromUtf8(lyrGetValue<const char*>(settings, Lyr::Description, ""));
+    const bool percent = quantityOf(table) == Lyr::Percent;
+    return text.replace(QStringLiteral("%l"), percent ? QStringLiteral("%") : converter.getDisplayUnitAbbr());
+}
+
+Reading read(const LyrObject* table, const LyrObject* settings, LyqUnitConverter& converter, const QSize& size,
+             float dotsPerInch) {
+    const Lyrenum quantity = quantityOf(table);
+    if (quantity != Lyr::Percent) {
+        converter.setQuantity(quantity);
+    }
+    const Lyrenum position = lyrGetValue(settings, Lyr::Position, Lyr::Left);
+    const Lyrenum textPosition = lyrGetValue(settings, Lyr::TextPosition, Lyr::Right);
+    const auto finite = lyrGetValue(table, Lyr::FiniteMode, LyrValuePair<Lyrenum>{0, 0});
+
+    Reading reading;
+    reading.style = readStyle(settings, dotsPerInch);
+    Input& input = reading.input;
+    input.size = size;
+    input.dotsPerInch = dotsPerInch;
+    input.horizontal = position == Lyr::Bottom || position == Lyr::Top;
+    input.textRight = textPosition == Lyr::Right || (input.horizontal && textPosition == Lyr::Top);
+    input.alignRight = lyrGetValue(settings, Lyr::TextAlignment, Lyr::Right) == Lyr::Right;
+    input.thickness = lyrGetValue(settings, Lyr::Thickness, THICKNESS_WITHOUT_SETTINGS);
+    input.caption = captionText(table, settings, converter);
+    input.positions = readList<float>(table, Lyr::PositionList);
+    input.autoLabel = isTrue(table, Lyr::AutoLabel, true);
+    input.lowerExtension = finite.first == 0;
+    input.upperExtension = finite.second == 0;
+    return reading;
+}
+
+TextMeasure measureOf(const Style& style, const LyrObject* table, const LyqUnitConverter& converter) {
+    return {[metrics = QFontMetrics(style.font)](const QString& text) { return metrics.boundingRect(text); },
+            [table, &converter](float value) { return labelText(table, converter, value); }};
+}
+
+bool isDrawable(const LyrObject* table) {
+    const auto positions = readList<float>(table, Lyr::PositionList).size();
+    return positions >= 2 && readList<LyrObjectLink>(table, Lyr::SectionList).size() == positions + 1;
+}
+
+void paintText(QPainter& painter, const QPoint& baseline, const QString& text, const Style& style) {
+    // One of the upper strokes is missing and one of the lower ones doubled: the look that users know.
+    constexpr QPoint STROKES[] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}, {-1, 0}, {1, 0}, {0, 1}, {0, 1}};
+    QFont hard = style.font;
+    hard.setStyleStrategy(QFont::StyleStrategy(QFont::NoAntialias | QFont::NoSubpixelAntialias));
+    if (style.outlined) {
+        painter.setFont(style.keyed ? hard : style.font);
+        painter.setPen(QPen(style.outlineColor, 0));
+        for (const QPoint& stroke : STROKES) {
+            painter.drawText(baseline + stroke, text);
+        }
+    }
+    painter.setFont(style.keyed && !style.outlined ? hard : style.font);
+    painter.setPen(QPen(style.textColor, 0));
+    painter.drawText(baseline, text);
+}
+
+void paint(QPainter& painter, const Reading& reading, const Layout& layout, const TextMeasure& measure,
+           const LyrObject* table) {
+    if (!isDrawable(table)) {
+        return;
+    }
+    const Input& input = reading.input;
+    if (!input.caption.isEmpty()) {
+        const int left = layout.caption.left() + (reading.style.outlined ? 1 : 0);
+        paintText(painter, QPoint(left, layout.caption.bottom()), input.caption, reading.style);
+    }
+    paintBar(painter, input, layout, table);
+    for (const Label& label : placeLabels(input, layout, measure)) {
+        if (label.drawn) {
+            paintText(painter, QPoint(label.x, label.baseline), label.text, reading.style);
+        }
+    }
+}
+
+}  // namespace lys::legend

@@ -1,0 +1,121 @@
+#include <colortable/legend/SectionImage.h>
+
+#include <QColor>
+#include <QPainter>
+
+namespace lys::legend {
+
+namespace {
+
+using Section = LyrColorLookupTable::Section;
+
+/** Truncated, as the legend's colours are defined; the bounds only keep a colour outside [0, 1] in its byte. */
+int toByte(float channel) {
+    const float scaled = channel * 255.0f;
+    return scaled >= 255.0f ? 255 : scaled > 0.0f ? static_cast<int>(scaled) : 0;
+}
+
+float channelOverWhite(float channel, float alpha) { return channel * alpha + 1.0f - alpha; }
+
+/** A rectangle of one colour in a picture of a section. */
+struct Patch {
+    QRect rect;
+    QRgb color;
+};
+
+struct Split {
+    QRect white;
+    QRect black;
+};
+
+/** The two halves of the lines `from` to `to` (indices along the axis) of a picture. An odd line goes to the half over black. */
+Split splitLines(const QRect& rect, Halves halves, int from, int to) {
+    const int count = to - from + 1;
+    if (halves == Halves::LeftOverWhite) {
+        const int white = rect.width() / 2;
+        const int top = rect.bottom() - to;
+        return {QRect(rect.left(), top, white, count), QRect(rect.left() + white, top, rect.width() - white, count)};
+    }
+    const int white = rect.height() / 2;
+    const int left = rect.left() + from;
+    const bool upper = halves == Halves::UpperOverWhite;
+    const int whiteTop = upper ? rect.top() : rect.bottom() - white + 1;
+    const int blackTop = upper ? rect.top() + white : rect.top();
+    return {QRect(left, whiteTop, count, white), QRect(left, blackTop, count, rect.height() - white)};
+}
+
+/** The picture as patches: neighbouring lines of the same colours are one. */
+std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vector<LyrRGBA<float>>& colors) {
+    std::vector<Patch> patches;
+    const int length = static_cast<int>(colors.size());
+    for (int from = 0; from < length;) {
+        const QRgb white = overWhite(colors[static_cast<std::size_t>(from)]);
+        const QRgb black = overBlack(colors[static_cast<std::size_t>(from)]);
+        int to = from;
+        while (to + 1 < length && overWhite(colors[static_cast<std::size_t>(to) + 1]) == white &&
+               overBlack(colors[static_cast<std::size_t>(to) + 1]) == black) {
+            ++to;
+        }
+        const Split split = splitLines(rect, halves, from, to);
+        patches.push_back({split.white, white});
+        patches.push_back({split.black, black});
+        from = to + 1;
+    }
+    return patches;
+}
+
+int lengthOf(const QSize& size, Halves halves) { return halves == Halves::LeftOverWhite ? size.height() : size.width(); }
+
+}  // namespace
+
+QRgb overWhite(const LyrRGBA<float>& color) {
+    return qRgb(toByte(channelOverWhite(color.red, color.alpha)), toByte(channelOverWhite(color.green, color.alpha)),
+                toByte(channelOverWhite(color.blue, color.alpha)));
+}
+
+QRgb overBlack(const LyrRGBA<float>& color) {
+    return qRgb(toByte(color.red * color.alpha), toByte(color.green * color.alpha), toByte(color.blue * color.alpha));
+}
+
+QRgb opaque(const LyrRGBA<float>& color) { return qRgb(toByte(color.red), toByte(color.green), toByte(color.blue)); }
+
+std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, const Section* previous, const Section* next) {
+    std::vector<LyrRGBA<float>> colors(static_cast<std::size_t>(std::max(length, 0)), LyrRGBA<float>(0.0f, 0.0f, 0.0f, 0.0f));
+    const LyrValuePair<float> range{0.0f, static_cast<float>(length - 1)};
+    for (int i = 0; i < length; ++i) {
+        section.getColor(range, static_cast<float>(i), colors[static_cast<std::size_t>(i)], previous, next);
+    }
+    return colors;
+}
+
+QImage sectionImage(const QSize& size, Halves halves, const Section& section, const Section* previous, const Section* next) {
+    if (size.isEmpty()) {
+        return {};
+    }
+    QImage image(size, QImage::Format_RGB32);
+    if (image.isNull()) {
+        return image;
+    }
+    for (const Patch& patch : makePatches(image.rect(), halves, sampleSection(lengthOf(size, halves), section, previous, next))) {
+        for (int y = patch.rect.top(); y <= patch.rect.bottom(); ++y) {
+            auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
+            std::fill(line + patch.rect.left(), line + patch.rect.right() + 1, patch.color);
+        }
+    }
+    return image;
+}
+
+void paintSection(QPainter& painter, const QRect& rect, Halves halves, const Section& section, const Section* previous,
+                  const Section* next) {
+    if (rect.isEmpty()) {
+        return;
+    }
+    const auto colors = sampleSection(lengthOf(rect.size(), halves), section, previous, next);
+    for (const Patch& patch : makePatches(rect, halves, colors)) {
+        if (!patch.rect.isEmpty()) {
+            painter.fillRect(patch.rect, QColor(patch.color));
+        }
+    }
+}
+
+}  // namespace lys::legend

@@ -1,0 +1,98 @@
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrQuantity.h>
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqUnitConverter.h>
+#include <lys_core/LyrApplicationObject.h>
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+constexpr int SIGNIFICANT_DIGITS = 6;
+
+QLocale typingLocale(QLocale locale) {
+    locale.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
+    return locale;
+}
+
+/** A number in the user's locale, else in C. */
+bool readNumber(const QString& text, double& out) {
+    bool ok = false;
+    out = typingLocale(QLocale()).toDouble(text, &ok);
+    if (!ok) {
+        out = typingLocale(QLocale::c()).toDouble(text, &ok);
+    }
+    return ok && std::isfinite(out);
+}
+
+LyrString toHostString(const QString& text) { return LyrString::fromUtf8(text.toUtf8().constData()); }
+
+}  // namespace
+
+LyqUnitConverter::LyqUnitConverter(Lyrenum quantity, QObject* parent)
+    : QObject(parent), mUnits(this, &LyqApplication::instance().displayUnits()), mQuantity(quantity) {
+    updateDisplayUnit();
+}
+
+void LyqUnitConverter::setQuantity(Lyrenum quantity) {
+    if (quantity != mQuantity) {
+        mQuantity = quantity;
+        updateDisplayUnit();
+    }
+}
+
+void LyqUnitConverter::updateDisplayUnit() {
+    const Lyrenum unit = static_cast<const LyrDisplayUnits&>(*mUnits.get()).getDisplayUnit(mQuantity);
+    if (unit != mDisplayUnit) {
+        mDisplayUnit = unit;
+        Q_EMIT displayUnitChanged(unit);
+    }
+}
+
+QString LyqUnitConverter::getDisplayUnitAbbr() const {
+    return mDisplayUnit == Lyrenum(-1) ? QString() : QString::fromUtf8(LyrQuantity::getUnitSymbol(mDisplayUnit).utf8());
+}
+
+double LyqUnitConverter::internalToDisplay(double value) const {
+    return LyrQuantity::internalToUnit(value, mQuantity, mDisplayUnit);
+}
+
+double LyqUnitConverter::displayToInternal(double value) const {
+    return LyrQuantity::unitToInternal(value, mQuantity, mDisplayUnit);
+}
+
+QString LyqUnitConverter::internalToDisplayString(double value, int displayMode, int precision) const {
+    const QString number = typingLocale(QLocale()).toString(internalToDisplay(value), 'g', precision < 0 ? SIGNIFICANT_DIGITS : precision);
+    const QString unit = getDisplayUnitAbbr();
+    return displayMode == WithUnit && !unit.isEmpty() ? number + QLatin1Char(' ') + unit : number;
+}
+
+double LyqUnitConverter::unitStringToInternal(const QString& text, bool* ok) const {
+    const QString trimmed = text.trimmed();
+    double number = 0.0;
+    bool valid = readNumber(trimmed, number);
+    Lyrenum unit = mDisplayUnit;
+    // The longest unit first: "1.5 e" is no number, "1.5e3" is one.
+    for (qsizetype at = 1; !valid && at < trimmed.size(); ++at) {
+        const Lyrenum named = LyrQuantity::findUnit(mQuantity, toHostString(trimmed.mid(at).trimmed()));
+        if (named != Lyrenum(-1) && readNumber(trimmed.left(at).trimmed(), number)) {
+            unit = named;
+            valid = true;
+        }
+    }
+    const double internal = valid ? LyrQuantity::unitToInternal(number, mQuantity, unit) : 0.0;
+    valid = valid && std::isfinite(internal);
+    if (ok) {
+        *ok = valid;
+    }
+    return valid ? internal : 0.0;
+}
+
+bool LyqUnitConverter::iocCallback(Message& message) {
+    if (message.getInitialSender() == mUnits.get() && message.getPropertyID() == Lyr::DisplayUnitList) {
+        updateDisplayUnit();
+    }
+    return LyrIOC::iocCallback(message);
+}
