@@ -14,7 +14,11 @@
 #include <algorithm>
 
 /** The naming template: not content, so setting it is never recorded and marks nothing. */
-class LyrObject::NameTemplateAttr : public LyrSingleValueOP<LyrSingleValuePropertyIF<const char*>> {};
+class LyrObject::NameTemplateAttr : public LyrSingleValueOP<LyrSingleValuePropertyIF<const char*>> {
+public:
+    /** A name is no setting: an object that is reset keeps it. */
+    bool resetData() override { return true; }
+};
 
 bool LyrObjectLink::linkIsOfType(const char* className) const noexcept {
     return mTarget && mTarget->getMetaClass().isOfType(className);
@@ -259,7 +263,17 @@ bool LyrObject::runAction(Lyrenum id, LyrObject* parameter) {
             return entry.action->run(this, parameter);
         }
     }
-    return false;
+    return id == Lyr::ResetToDefaults && resetToDefaults();
+}
+
+bool LyrObject::resetToDefaults() {
+    bool done = true;
+    for (std::size_t i = 0; i < mProperties.size(); ++i) {
+        if (mProperties[i]->isStored()) {
+            done = mProperties[i]->resetData() && done;
+        }
+    }
+    return done;
 }
 
 // Name and unknown data

@@ -75,6 +75,8 @@ public:
     bool removeAction(Lyrenum id);
     /** The action entry: runs the action with this identifier. Returns its success; an unknown one fails. */
     bool runAction(Lyrenum id, LyrObject* parameter = nullptr);
+    /** Applies the default of every stored property: what the action Lyr::ResetToDefaults does unless a class brings its own. */
+    bool resetToDefaults();
 
     /** Sets the naming template: the property Lyr::NameTemplate, which exists once it has been set. */
     bool setNameTemplate(const char* name);

@@ -16,8 +16,9 @@ struct Entry {
     std::string module;
 };
 
+/** Never destroyed: modules take their entries out when the process ends, after this library's statics. */
 std::vector<Entry>& entries() {
-    static std::vector<Entry> all;
+    static auto& all = *new std::vector<Entry>;
     return all;
 }
 
