@@ -17,8 +17,10 @@ using Section = LyrColorLookupTable::Section;
 
 /** The section that a link leads to, null for anything else. */
 const Section* asSection(const LyrObjectLink& link) {
+    static const LyrMetaClass& wanted = Section::metaClass();
     const LyrObject* object = link.getLink();
-    return object && object->getMetaClass().isOfType(Section::metaClass()) ? static_cast<const Section*>(object) : nullptr;
+    const LyrMetaClass* meta = object ? &object->getMetaClass() : nullptr;
+    return meta && (meta == &wanted || meta->isOfType(wanted)) ? static_cast<const Section*>(object) : nullptr;
 }
 
 /** The table as its properties stand at the start of a call. */
@@ -57,7 +59,13 @@ struct Reading {
     bool colour(long long index, const Section& section, float value, LyrRGBA<float>& out) const {
         LyrValuePair<float> interval;
         lys::eval::sectionInterval(index, positions.data(), positionCount(), &interval.first, &interval.second);
-        return section.getColor(interval, value, out, neighbour(index - 1), neighbour(index + 1));
+        const lys::eval::SectionData data = section.readData();
+        if (data.rule == lys::eval::Rule::Continue) {
+            return section.getColor(interval, value, out, neighbour(index - 1), neighbour(index + 1));
+        }
+        // The same colour without the neighbours: looking them up costs more than most colours.
+        return lys::eval::sectionColor(data, interval.first, interval.second, value, &out.red, nullptr, nullptr,
+                                       LyrRGBA<float>::isClamped());
     }
 
     /** One entry of an array. The section comes before the finite ends here: a link that leads to no section fails in any

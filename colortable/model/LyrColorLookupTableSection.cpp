@@ -15,24 +15,25 @@ using PointListOP = LyrValueArrayOP<LyrValueArrayPropertyIF<LyrVector2<float>>>;
 
 lys::eval::Rule ruleOf(Lyrenum type) {
     using lys::eval::Rule;
-    const struct {
-        Lyrenum type;
-        Rule rule;
-    } rules[] = {
-        {Lyr::Constant, Rule::Constant},
-        {Lyr::Gradient, Rule::Gradient},
-        {Lyr::Rainbow, Rule::Rainbow},
-        {Lyr::InvertedRainbow, Rule::InvertedRainbow},
-        {Lyr::Continue, Rule::Continue},
-        {Lyr::BlackGreenBlueRed, Rule::BlackGreenBlueRed},
-        {Lyr::HueCycle, Rule::HueCycle},
-    };
-    for (const auto& entry : rules) {
-        if (entry.type == type) {
-            return entry.rule;
-        }
+    if (type == Lyr::Constant) {
+        return Rule::Constant;
     }
-    return Rule::None;
+    if (type == Lyr::Gradient) {
+        return Rule::Gradient;
+    }
+    if (type == Lyr::Rainbow) {
+        return Rule::Rainbow;
+    }
+    if (type == Lyr::InvertedRainbow) {
+        return Rule::InvertedRainbow;
+    }
+    if (type == Lyr::Continue) {
+        return Rule::Continue;
+    }
+    if (type == Lyr::BlackGreenBlueRed) {
+        return Rule::BlackGreenBlueRed;
+    }
+    return type == Lyr::HueCycle ? Rule::HueCycle : Rule::None;
 }
 
 }  // namespace

@@ -62,6 +62,15 @@ public:
         return result;
     }
 
+    /** Puts the boundaries out of order, now and then with one that is not a number. */
+    void disorder(plain::Table& table) {
+        std::shuffle(table.positions.begin(), table.positions.end(), mEngine);
+        if (oneIn(3)) {
+            table.positions[below(static_cast<unsigned>(table.positions.size()))] = NAN;
+        }
+        table.ascending = false;
+    }
+
     std::vector<float> values(const std::vector<float>& positions, std::size_t count) {
         std::vector<float> result = {
             0.0f, -0.0f, FLT_MAX,           -FLT_MAX,        INF, -INF, FLT_MIN, FLT_TRUE_MIN, -FLT_TRUE_MIN,
@@ -243,10 +252,10 @@ void expectMany(const Table& table, const plain::Table& wanted, const float* val
     }
 }
 
-void expectEqual(const plain::Table& wanted, Dice& dice) {
+void expectEqual(const plain::Table& wanted, Dice& dice, std::size_t valueCount = 1000) {
     Errors errors;
     const auto table = build(wanted, dice);
-    const std::vector<float> values = dice.values(wanted.positions, 1000);
+    const std::vector<float> values = dice.values(wanted.positions, valueCount);
     ASSERT_NO_FATAL_FAILURE(expectOneByOne(*table, wanted, values, errors));
     ASSERT_NO_FATAL_FAILURE(expectMany(*table, wanted, values.data(), values.size(), errors));
     // Parts of all lengths, at all alignments: in a table that fails, most values are reached only so.
@@ -267,6 +276,24 @@ TEST_P(LyrColorLookupTableRandom, tables_equal_the_plain_model_bit_for_bit) {
         SCOPED_TRACE(testing::Message() << "table " << round);
         const unsigned boundaries = round == 0 ? 3000 : round % 6 == 0 ? 40 + dice.below(400) : 2 + dice.below(24);
         ASSERT_NO_FATAL_FAILURE(expectEqual(dice.table(boundaries, round % 3 == 1), dice));
+    }
+}
+
+TEST_P(LyrColorLookupTableRandom, tables_whose_boundaries_are_out_of_order_equal_the_plain_model) {
+    Dice dice(GetParam() + 1000);
+    for (int round = 0; round < 8; ++round) {
+        SCOPED_TRACE(testing::Message() << "table " << round);
+        plain::Table table = dice.table(2 + dice.below(round == 0 ? 300 : 12), round % 3 == 1);
+        dice.disorder(table);
+        ASSERT_NO_FATAL_FAILURE(expectEqual(table, dice));
+    }
+}
+
+TEST_P(LyrColorLookupTableRandom, tables_equal_the_plain_model_over_long_arrays) {
+    Dice dice(GetParam() + 2000);
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(testing::Message() << "table " << round);
+        ASSERT_NO_FATAL_FAILURE(expectEqual(dice.table(2 + dice.below(40), false), dice, 30000));
     }
 }
 

@@ -24,6 +24,7 @@ struct Table {
     std::vector<Section> sections;
     int below = 0;
     int above = 0;
+    bool ascending = true;
 };
 
 /** The numbers of the types that have a rule. */
@@ -150,13 +151,36 @@ inline Result colorOf(const Types& types, const Section& section, float low, flo
     return {false, true, false, false, {}};
 }
 
-/** The section of a value in an ascending list, by counting. */
-inline std::size_t sectionOf(const std::vector<float>& positions, float value) {
+/** Where a bisection ends that halves the list from its middle on; `isBefore` tells of each item whether the place lies
+ * behind it. In an ascending list that is the number of such items. */
+template <class IsBefore>
+std::size_t bisected(const std::vector<float>& positions, IsBefore isBefore) {
+    std::size_t from = 0;
+    for (std::size_t count = positions.size(); count > 0;) {
+        const std::size_t half = count / 2;
+        if (isBefore(positions[from + half])) {
+            from += half + 1;
+            count -= half + 1;
+        } else {
+            count = half;
+        }
+    }
+    return from;
+}
+
+/** The section of a value: by counting in an ascending list, by bisection in any other. */
+inline std::size_t sectionOf(const Table& table, float value) {
+    const std::vector<float>& positions = table.positions;
     std::size_t less = 0;
     std::size_t lessOrEqual = 0;
-    for (const float p : positions) {
-        less += p < value ? 1 : 0;
-        lessOrEqual += p <= value ? 1 : 0;
+    if (table.ascending) {
+        for (const float p : positions) {
+            less += p < value ? 1 : 0;
+            lessOrEqual += p <= value ? 1 : 0;
+        }
+    } else {
+        less = bisected(positions, [&](float p) { return p < value; });
+        lessOrEqual = bisected(positions, [&](float p) { return !(value < p); });
     }
     const double distance = std::abs(double(value) - double(positions[0]));
     return less == 0 && distance <= std::abs(double(value)) * 1.1920929e-07 ? lessOrEqual : less;
@@ -169,7 +193,7 @@ inline Result colorIn(const Types& types, const Table& table, float value, bool 
     if (last < 2 || table.sections.size() != last + 1) {
         return {};
     }
-    const std::size_t k = sectionOf(table.positions, value);
+    const std::size_t k = sectionOf(table, value);
     const bool outside = (table.below == 1 && k == 0) || (table.above == 1 && k == last);
     if (table.sections[k].kind != Kind::Section && (linkFirst || !outside)) {
         return {false, false, true, false, {}};
