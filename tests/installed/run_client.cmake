@@ -2,7 +2,7 @@
 # programs.
 #
 #   cmake -DBUILD=<build folder> -DSOURCE=<repository> -DWORK=<scratch folder> -DCOMPONENTS="core volume"
-#         [-DCXX_FLAGS=<flags>] -P run_client.cmake
+#         [-DCXX_FLAGS=<flags>] [-DHEADERS=OFF] -P run_client.cmake
 
 function(run what)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -13,6 +13,9 @@ function(run what)
 endfunction()
 
 separate_arguments(components UNIX_COMMAND "${COMPONENTS}")
+if(NOT DEFINED HEADERS)
+  set(HEADERS ON)
+endif()
 set(prefix "${WORK}/moved")
 file(REMOVE_RECURSE "${WORK}/prefix" "${prefix}" "${WORK}/client")
 
@@ -31,7 +34,7 @@ endforeach()
 
 run("configuring the client" "${CMAKE_COMMAND}" -G Ninja -S "${SOURCE}/tests/installed" -B "${WORK}/client"
   "-DCMAKE_PREFIX_PATH=${prefix}" "-DLYS_CLIENT_COMPONENTS=${COMPONENTS}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}"
-  "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}")
+  "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}" "-DLYS_CLIENT_COMPILES_EVERY_HEADER=${HEADERS}")
 run("building the client" "${CMAKE_COMMAND}" --build "${WORK}/client")
 file(GLOB programs "${WORK}/client/bin/*_client")
 list(LENGTH components expected)
