@@ -9,6 +9,7 @@ class App;
 namespace lys::cli {
 
 void addInfoCommand(CLI::App& program);
+void addLegendCommand(CLI::App& program);
 void addMapCommand(CLI::App& program);
 
 }  // namespace lys::cli

@@ -28,6 +28,7 @@ ExitStatus runProgram(int argc, const char* const* argv) {
     program.require_subcommand(1);
     lys::cli::addInfoCommand(program);
     lys::cli::addMapCommand(program);
+    lys::cli::addLegendCommand(program);
     try {
         program.parse(argc, argv);
         return ExitStatus::Done;

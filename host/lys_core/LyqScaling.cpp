@@ -8,6 +8,8 @@ namespace {
 
 /** Beyond this no picture goes; it keeps the conversion to int defined. */
 constexpr double LARGEST_LENGTH = 1e9;
+/** Letters of a hand's height and more are a mistake, and glyphs of that size take memory by the gigabyte. */
+constexpr int LARGEST_FONT = 2000;
 
 double scaled(float dotsPerInch, double pixels) {
     return pixels * static_cast<double>(LyqScaling::effectiveDotsPerInch(dotsPerInch)) /
@@ -38,6 +40,6 @@ QFont LyqScaling::getScaledFont(const QFont& font, float dotsPerInch) {
                               ? font.pointSizeF() * static_cast<double>(effectiveDotsPerInch(dotsPerInch)) / 72.0
                               : scaled(dotsPerInch, font.pixelSize());
     QFont result = font;
-    result.setPixelSize(std::max(roundedHalfUp(pixels), 1));
+    result.setPixelSize(std::clamp(roundedHalfUp(pixels), 1, LARGEST_FONT));
     return result;
 }
