@@ -8,6 +8,7 @@ class App;
  *  throws Failure. */
 namespace lys::cli {
 
+void addCreateCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addLegendCommand(CLI::App& program);
 void addMapCommand(CLI::App& program);

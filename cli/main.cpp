@@ -26,6 +26,7 @@ ExitStatus runProgram(int argc, const char* const* argv) {
     CLI::App program(DESCRIPTION, "colortable");
     program.set_version_flag("--version", std::string("colortable ") + LYS_VERSION);
     program.require_subcommand(1);
+    lys::cli::addCreateCommand(program);
     lys::cli::addInfoCommand(program);
     lys::cli::addMapCommand(program);
     lys::cli::addLegendCommand(program);

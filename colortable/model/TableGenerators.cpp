@@ -51,12 +51,22 @@ public:
 
     bool addConstant(const LyrRGBA<float>& color) { return addSection({Lyr::Constant, &color}); }
 
-    /** Writes positions, sections and the label mode, in this order. */
+    /** Writes positions, sections and the label mode, in this order: all of them or, where a list is being read, none. */
     bool store(LyrObject& target, Lyrenum autoLabel) const {
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> positions(&target, Lyr::PositionList);
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> sections(&target, Lyr::SectionList);
-        return positions && sections && positions->initArray(0, lastOf(mPositions), mPositions.data()) &&
-               sections->initArray(0, lastOf(mLinks), mLinks.data()) && lyrSetValue(&target, Lyr::AutoLabel, autoLabel);
+        const auto positionsBefore = positions ? positions->takeState() : nullptr;
+        const auto sectionsBefore = sections ? sections->takeState() : nullptr;
+        if (!positionsBefore || !sectionsBefore) {
+            return false;
+        }
+        if (positions->initArray(0, lastOf(mPositions), mPositions.data()) &&
+            sections->initArray(0, lastOf(mLinks), mLinks.data()) && lyrSetValue(&target, Lyr::AutoLabel, autoLabel)) {
+            return true;
+        }
+        sections->restoreState(*sectionsBefore);
+        positions->restoreState(*positionsBefore);
+        return false;
     }
 
 private:

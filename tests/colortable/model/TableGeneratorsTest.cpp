@@ -2,6 +2,7 @@
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lys_core/LyqApplication.h>
@@ -10,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -184,4 +184,112 @@ TEST_F(TableGenerators, the_outermost_action_names_the_step) {
     }
     ASSERT_EQ(LyqApplication::instance().undoStack().count(), 1);
     EXPECT_EQ(LyqApplication::instance().undoStack().text(0), QStringLiteral("Create smooth colortable"));
+}
+
+TEST_F(TableGenerators, the_stepped_one_makes_its_scheme_section_before_it_looks_at_the_numbers_the_sphere_one_after) {
+    struct Births : LyrMetaClass::FactoryHook {
+        int count = 0;
+        Births() { LyrMetaClass::addFactoryHook("LyrColorLookupTable::Section", this); }
+        ~Births() override { LyrMetaClass::removeFactoryHook("LyrColorLookupTable::Section", this); }
+        void objectCreated(LyrClass*) override { ++count; }
+        void objectDestroyed(LyrClass*) override {}
+    } births;
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(table.get(), 1.0f, 0.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_EQ(births.count, 1);
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(table.get(), 0.0f, 1.0f, -1.0f, Lyr::Rainbow));
+    EXPECT_EQ(births.count, 2);
+    EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(table.get(), 1.0f, 0.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(table.get(), 0.0f, 1.0f, 0.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 1.0f, 0.0f, Lyr::Rainbow));
+    EXPECT_EQ(births.count, 2);
+    // Four steps, two outer sections and the temporary one.
+    EXPECT_TRUE(LyrColorLookupTable::createStepped(table.get(), 0.0f, 4.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_EQ(births.count, 2 + 7);
+}
+
+TEST_F(TableGenerators, the_actions_take_their_numbers_from_the_table_and_record_nothing_outside_of_a_user_action) {
+    ASSERT_TRUE(lyrSetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{1.0f, 3.0f, 1.0f}));
+    ASSERT_TRUE(lyrSetValue(table.get(), Lyr::CreationType, Lyr::HueCycle));
+    ASSERT_TRUE(table->runAction(Lyr::CreateStepped));
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{1.0f, 2.0f, 3.0f}));
+    ASSERT_TRUE(table->runAction(Lyr::CreateSmooth));
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{1.0f, 3.0f}));
+    EXPECT_EQ(LyqApplication::instance().undoStack().count(), 0);
+    // The third number is nothing to the smooth one, whatever it is.
+    ASSERT_TRUE(lyrSetValue(table.get(), Lyr::CreationParameters,
+                            LyrVector3<float>{1.0f, 2.0f, std::numeric_limits<float>::quiet_NaN()}));
+    EXPECT_TRUE(table->runAction(Lyr::CreateSmooth));
+}
+
+TEST_F(TableGenerators, smooth_tables_may_be_as_wide_as_floats_go_and_equal_boundaries_of_zones_are_kept) {
+    const float largest = std::numeric_limits<float>::max();
+    EXPECT_TRUE(LyrColorLookupTable::createSmooth(table.get(), -largest, largest, Lyr::Rainbow));
+    // Both cosines are 1: the quotient is 0 / 0, which makes the least number of boundaries.
+    EXPECT_TRUE(LyrColorLookupTable::createSphereSegmentStepped(table.get(), 0.0f, 1e-5f, 1e-6f, Lyr::Rainbow));
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{0.0f, 0.0f}));
+    // The step's cosine is that of the start: the quotient is minus infinity.
+    EXPECT_TRUE(LyrColorLookupTable::createSphereSegmentStepped(table.get(), 0.0f, 1.0f, 1e-6f, Lyr::Rainbow));
+    EXPECT_EQ(positionsOf(table).size(), 2u);
+}
+
+TEST_F(TableGenerators, a_table_that_is_being_read_is_rebuilt_not_even_in_part) {
+    for (const Lyrenum list : {Lyr::PositionList, Lyr::SectionList}) {
+        const auto before = sectionsOf(table);
+        const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> positions(table.get(), Lyr::PositionList);
+        const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> sections(table.get(), Lyr::SectionList);
+        const float* readPositions = list == Lyr::PositionList ? positions->lockArrayPtr() : nullptr;
+        const LyrObjectLink* readSections = list == Lyr::SectionList ? sections->lockArrayPtr() : nullptr;
+        ASSERT_TRUE(lyrSetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{0.0f, 4.0f, 1.0f}));
+        EXPECT_FALSE(table->runAction(Lyr::CreateStepped));
+        EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 7.0f, 8.0f, Lyr::Rainbow));
+        EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
+        EXPECT_EQ(sectionsOf(table), before);
+        EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::AutoLabel, -1), 1);
+        if (readPositions) {
+            positions->unlockArrayPtr(readPositions);
+        } else {
+            sections->unlockArrayPtr(readSections);
+        }
+    }
+    EXPECT_TRUE(LyrColorLookupTable::createSmooth(table.get(), 7.0f, 8.0f, Lyr::Rainbow));
+}
+
+TEST_F(TableGenerators, what_is_no_table_is_refused_without_a_user_action) {
+    const LyrObjectRefPtr section("LyrColorLookupTable::Section", Lyr::DocumentScope);
+    EXPECT_FALSE(LyrColorLookupTable::createSmooth(section.get(), 0.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(nullptr, 0.0f, 1.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(nullptr, 0.0f, 1.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_TRUE(errors.codes.empty());
+    EXPECT_EQ(LyqApplication::instance().undoStack().count(), 0);
+}
+
+TEST_F(TableGenerators, a_parameter_that_cannot_be_written_ends_the_call_before_anything_else) {
+    LyrProperty* type = table->getProperty(Lyr::CreationType);
+    type->setReadOnly(true);
+    EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 0.0f, 1.0f, Lyr::HueCycle));
+    type->setReadOnly(false);
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{0.0f, 1.0f, 0.0f}));
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
+    EXPECT_TRUE(errors.codes.empty());
+}
+
+TEST_F(TableGenerators, an_outer_action_that_is_aborted_takes_back_the_table_but_not_its_parameters) {
+    LyqApplication& application = LyqApplication::instance();
+    const auto before = sectionsOf(table);
+    {
+        LyqApplication::UserActionScope outer(QStringLiteral("Outer"));
+        ASSERT_TRUE(LyrColorLookupTable::createStepped(table.get(), 0.0f, 4.0f, 1.0f, Lyr::HueCycle));
+        outer.abort();
+    }
+    EXPECT_EQ(sectionsOf(table), before);
+    EXPECT_EQ(application.undoStack().count(), 0);
+    EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::CreationType, -1), Lyr::HueCycle);
+    {
+        const LyqApplication::UserActionScope outer(QStringLiteral("Outer"));
+        ASSERT_TRUE(LyrColorLookupTable::createStepped(table.get(), 0.0f, 2.0f, 1.0f, Lyr::InvertedRainbow));
+    }
+    ASSERT_TRUE(application.undo());
+    EXPECT_EQ(sectionsOf(table), before);
+    EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::CreationType, -1), Lyr::InvertedRainbow);
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{0.0f, 2.0f, 1.0f}));
 }
