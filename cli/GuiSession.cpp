@@ -2,6 +2,8 @@
 
 #include "Failure.h"
 
+#include <lys_core/LyqTranslations.h>
+
 #include <QLocale>
 
 #include <cstdio>
@@ -35,8 +37,12 @@ GuiSession::Environment::Environment() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
+GuiSession::~GuiSession() { LyqTranslations::remove(); }
+
 GuiSession::GuiSession(const std::string& localeName) : mApplication(mArgumentCount, mArguments) {
-    QLocale::setDefault(localeOf(localeName));
+    const QLocale locale = localeOf(localeName);
+    QLocale::setDefault(locale);
+    LyqTranslations::install(locale);
 }
 
 }  // namespace lys::cli

@@ -12,6 +12,7 @@ class GuiSession {
 public:
     /** Throws Failure (Unusable) for a locale that is not known. */
     explicit GuiSession(const std::string& localeName);
+    ~GuiSession();
 
 private:
     struct Environment {

@@ -7,6 +7,7 @@
 #include "Output.h"
 #include "TableSource.h"
 
+#include <colortable/LibraryInit.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrQuantity.h>
@@ -40,6 +41,15 @@ struct LegendOptions {
     std::string locale;
     std::string output;
     bool describe = false;
+};
+
+/** A user of the library: the placeholders of captions are there while it lives. */
+class LibraryUse {
+public:
+    LibraryUse() { LYQCOLORTABLE::LibraryInit::init(); }
+    ~LibraryUse() { LYQCOLORTABLE::LibraryInit::cleanup(); }
+    LibraryUse(const LibraryUse&) = delete;
+    LibraryUse& operator=(const LibraryUse&) = delete;
 };
 
 QSize parseSize(const std::string& text) {
@@ -103,6 +113,7 @@ void runLegend(const LegendOptions& options) {
     const QSize size = parseSize(options.size);
     const float resolution = parseResolution(options.dotsPerInch);
     const GuiSession session(options.locale);
+    const LibraryUse library;
     const TableSource source(options.table);
     const LyrObjectPtr settings = readLegendSettings(options.settings, options.replacements);
     chooseUnit(options.unit, source.table());

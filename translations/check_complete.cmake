@@ -1,0 +1,15 @@
+# Brings a copy of the German file up to date with the sources: no text may be new or untranslated in it.
+file(COPY "${SOURCE}/translations/lys_de.ts" DESTINATION "${WORK}")
+execute_process(COMMAND "${LUPDATE}" -silent -no-obsolete -locations none ${FOLDERS} -ts "${WORK}/lys_de.ts"
+  WORKING_DIRECTORY "${SOURCE}" COMMAND_ERROR_IS_FATAL ANY)
+file(READ "${WORK}/lys_de.ts" text)
+string(REGEX MATCHALL "<source>[^<]*</source>[^<]*(<comment>[^<]*</comment>[^<]*)?<translation type=\"unfinished\"" open "${text}")
+string(REGEX MATCHALL "<translation>" done "${text}")
+list(LENGTH done count)
+if(open)
+  message(FATAL_ERROR "German texts are missing; run the target update_translations and translate:\n${open}")
+endif()
+if(count LESS 30)
+  message(FATAL_ERROR "Only ${count} texts were found: the sources were not searched")
+endif()
+message(STATUS "${count} texts are translated")

@@ -1,0 +1,150 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>Placeholder</name>
+    <message>
+        <source>Wall thickness</source>
+        <translation>Wandstärke</translation>
+    </message>
+    <message>
+        <source>Variance</source>
+        <translation>Abweichung</translation>
+    </message>
+    <message>
+        <source>Fitpoint deviation</source>
+        <translation>Abweichung der Fitpunkte</translation>
+    </message>
+    <message>
+        <source>Defect volume</source>
+        <translation>Defektvolumen</translation>
+    </message>
+    <message>
+        <source>Value type</source>
+        <translation>Art des Werts</translation>
+    </message>
+    <message>
+        <source>Value unit</source>
+        <translation>Einheit des Werts</translation>
+    </message>
+</context>
+<context>
+    <name>Quantity</name>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>Area</source>
+        <translation>Fläche</translation>
+    </message>
+    <message>
+        <source>Volume</source>
+        <translation>Volumen</translation>
+    </message>
+    <message>
+        <source>Angle</source>
+        <translation>Winkel</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>Prozent</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Zahl</translation>
+    </message>
+    <message>
+        <source>Millimeter</source>
+        <translation>Millimeter</translation>
+    </message>
+    <message>
+        <source>Centimeter</source>
+        <translation>Zentimeter</translation>
+    </message>
+    <message>
+        <source>Meter</source>
+        <translation>Meter</translation>
+    </message>
+    <message>
+        <source>Micrometer</source>
+        <translation>Mikrometer</translation>
+    </message>
+    <message>
+        <source>Nanometer</source>
+        <translation>Nanometer</translation>
+    </message>
+    <message>
+        <source>Inch</source>
+        <translation>Zoll</translation>
+    </message>
+    <message>
+        <source>Foot</source>
+        <translation>Fuß</translation>
+    </message>
+    <message>
+        <source>Mil</source>
+        <translation>Mil</translation>
+    </message>
+    <message>
+        <source>SquareMillimeter</source>
+        <translation>Quadratmillimeter</translation>
+    </message>
+    <message>
+        <source>SquareCentimeter</source>
+        <translation>Quadratzentimeter</translation>
+    </message>
+    <message>
+        <source>SquareMeter</source>
+        <translation>Quadratmeter</translation>
+    </message>
+    <message>
+        <source>SquareMicrometer</source>
+        <translation>Quadratmikrometer</translation>
+    </message>
+    <message>
+        <source>SquareInch</source>
+        <translation>Quadratzoll</translation>
+    </message>
+    <message>
+        <source>SquareFoot</source>
+        <translation>Quadratfuß</translation>
+    </message>
+    <message>
+        <source>CubicMillimeter</source>
+        <translation>Kubikmillimeter</translation>
+    </message>
+    <message>
+        <source>CubicCentimeter</source>
+        <translation>Kubikzentimeter</translation>
+    </message>
+    <message>
+        <source>CubicMeter</source>
+        <translation>Kubikmeter</translation>
+    </message>
+    <message>
+        <source>CubicMicrometer</source>
+        <translation>Kubikmikrometer</translation>
+    </message>
+    <message>
+        <source>CubicInch</source>
+        <translation>Kubikzoll</translation>
+    </message>
+    <message>
+        <source>CubicFoot</source>
+        <translation>Kubikfuß</translation>
+    </message>
+    <message>
+        <source>Liter</source>
+        <translation>Liter</translation>
+    </message>
+    <message>
+        <source>Radian</source>
+        <translation>Radiant</translation>
+    </message>
+    <message>
+        <source>Degree</source>
+        <translation>Grad</translation>
+    </message>
+</context>
+</TS>
