@@ -79,7 +79,7 @@ bool ColorPlan::takeMemory(bool withBuckets, int32_t** keys, uint16_t** starts) 
     const int64_t boundaries = data_.boundaryCount;
     if (boundaries < inlineSections) {
         data_.start = inline_.start;
-        data_.end = inline_.end;
+        data_.ends = inline_.ends;
         data_.interval = inline_.interval;
         *keys = inline_.keys;
         *starts = inline_.starts;
@@ -88,15 +88,15 @@ bool ColorPlan::takeMemory(bool withBuckets, int32_t** keys, uint16_t** starts) 
     const int64_t recordBytes = roundedUp((boundaries + 1) * int64_t{sizeof(SectionInterval)});
     const int64_t keyBytes = withBuckets ? roundedUp(paddedKeyCount(boundaries) * int64_t{sizeof(int32_t)}) : 0;
     const int64_t startBytes = withBuckets ? bucketCountFor(boundaries) * int64_t{sizeof(uint16_t)} : 0;
-    heap_ = ::operator new(static_cast<size_t>(3 * recordBytes + keyBytes + startBytes), lineAlignment, std::nothrow);
+    heap_ = ::operator new(static_cast<size_t>(4 * recordBytes + keyBytes + startBytes), lineAlignment, std::nothrow);
     if (!heap_)
         return false;
     auto* at = static_cast<std::byte*>(heap_);
     data_.start = reinterpret_cast<float(*)[channelCount]>(at);
-    data_.end = reinterpret_cast<float(*)[channelCount]>(at + recordBytes);
-    data_.interval = reinterpret_cast<SectionInterval*>(at + 2 * recordBytes);
-    *keys = reinterpret_cast<int32_t*>(at + 3 * recordBytes);
-    *starts = reinterpret_cast<uint16_t*>(at + 3 * recordBytes + keyBytes);
+    data_.ends = reinterpret_cast<float(*)[2][channelCount]>(at + recordBytes);
+    data_.interval = reinterpret_cast<SectionInterval*>(at + 3 * recordBytes);
+    *keys = reinterpret_cast<int32_t*>(at + 4 * recordBytes);
+    *starts = reinterpret_cast<uint16_t*>(at + 4 * recordBytes + keyBytes);
     return true;
 }
 
@@ -114,14 +114,14 @@ bool ColorPlan::buildFor(KernelTarget target, const TableView& table) {
     int32_t* keys = nullptr;
     uint16_t* starts = nullptr;
     const bool withBuckets = !addRegisterSearch(kernel.traits, &data_);
+    if (withBuckets)
+        data_.search = SearchMode::Buckets;
     if (!takeMemory(withBuckets, &keys, &starts))
         return false;
     if (!addSections(kernel.traits, &data_))
         return true;
-    if (withBuckets) {
-        data_.search = SearchMode::Buckets;
+    if (withBuckets)
         buildBucketIndex(table.positions, table.positionCount, keys, starts, &data_.buckets);
-    }
     data_.block = kernel.block;
     return true;
 }

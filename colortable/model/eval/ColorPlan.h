@@ -43,7 +43,7 @@ private:
 
     struct InlineMemory {
         alignas(64) float start[inlineSections][channelCount];
-        alignas(64) float end[inlineSections][channelCount];
+        alignas(64) float ends[inlineSections][2][channelCount];
         alignas(64) SectionInterval interval[inlineSections];
         alignas(64) int32_t keys[2 * inlineSections];
         uint16_t starts[4 * inlineSections];

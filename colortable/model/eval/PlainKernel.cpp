@@ -1,6 +1,7 @@
 // Kernel in plain C++: the stages of the vector kernels, written so that a compiler can vectorise them for the baseline.
+#include <algorithm>
+#include <bit>
 #include <cstring>
-#include <limits>
 
 #include <colortable/model/eval/BlockStages_p.h>
 #include <colortable/model/eval/BucketIndex_p.h>
@@ -13,7 +14,7 @@ namespace lys::eval {
 namespace {
 
 constexpr int groupSize = 4;
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float pi = 3.1415927f;
 
 /// Copies the values, filled up to a whole group with the last one; returns how many there are then.
 int loadValues(const float* values, int n, BlockStages* stages) {
@@ -60,16 +61,18 @@ int32_t placeInIntervals(const PlanData& plan, int n, BlockStages* stages) {
         stages->gradientPlace[i] = (kind[i] & gradientKind) ? place[i] : 0.0f;
     for (int i = 0; i < n && (kinds & rainbowKind); ++i) {
         const float turned = (kind[i] & invertedKind) ? 1.0f - place[i] : place[i];
-        stages->sinePlace[i] = (kind[i] & rainbowKind) ? turned : nan;
+        const float shifted = turned > 0.5f ? 0.5f - turned : turned + 0.5f;
+        stages->side[i] = (kind[i] & rainbowKind) ? shifted * pi : 0.0f;
+        stages->green[i] = (kind[i] & rainbowKind) ? turned * pi : 0.0f;
     }
     for (int i = 0; i < n && (kinds & hueKind); ++i)
-        stages->huePlace[i] = (kind[i] & hueKind) ? place[i] : nan;
+        stages->huePlace[i] = (kind[i] & hueKind) ? place[i] : noPlace;
     for (int i = 0; i < n && (kinds & thirdsKind); ++i)
-        stages->thirdsPlace[i] = (kind[i] & thirdsKind) ? place[i] : nan;
+        stages->thirdsPlace[i] = (kind[i] & thirdsKind) ? place[i] : noPlace;
     return kinds & coloredKinds;
 }
 
-float clampedSine(float argument) {
+float sineOf(float argument) {
     const double wide = argument;
     const double folded = piInDouble - wide;
     const double x = wide < folded ? wide : folded;
@@ -77,82 +80,96 @@ float clampedSine(float argument) {
     double sum = sineSeries[6];
     for (int i = 5; i >= 0; --i)
         sum = sum * square + sineSeries[i];
-    const float sine = static_cast<float>(x * square * sum + x);
-    return sine > 0.0f ? sine : 0.0f;
+    return static_cast<float>(x * square * sum + x);
 }
 
-/// Red is left of its clamp only beyond the middle and blue only before it: one sine serves both.
-void addRainbow(int n, BlockStages* stages) {
-    constexpr float pi = 3.1415927f;
-    float side[blockSize];
-    for (int i = 0; i < n; ++i) {
-        const float t = stages->sinePlace[i];
-        side[i] = clampedSine((t > 0.5f ? t - 0.5f : t + 0.5f) * pi);
-    }
+/// Writes the clamped colours that the sines stand for; a sine never exceeds 1.
+void setRainbow(int n, BlockStages* stages) {
     for (int i = 0; i < n; ++i)
-        stages->green[i] += clampedSine(stages->sinePlace[i] * pi);
+        stages->side[i] = sineOf(stages->side[i]);
+    for (int i = 0; i < n; ++i)
+        stages->green[i] = sineOf(stages->green[i]);
     for (int i = 0; i < n; ++i) {
-        const float t = stages->sinePlace[i];
-        stages->red[i] += t > 0.5f ? side[i] : 0.0f;
-        stages->blue[i] += t < 0.5f ? side[i] : 0.0f;
+        const float side = stages->side[i];
+        const float green = stages->green[i];
+        stages->rgb[0][i] = -side > greatestClampedRed ? -side : 0.0f;
+        stages->rgb[1][i] = green > 0.0f ? green : 0.0f;
+        stages->rgb[2][i] = side > 0.0f ? side : 0.0f;
     }
+}
+
+/// All bits of a word or none, and a choice by them: a compiler makes branches of anything plainer.
+uint32_t maskOf(bool condition) {
+    return 0u - static_cast<uint32_t>(condition);
+}
+
+float masked(uint32_t mask, float value) {
+    return std::bit_cast<float>(std::bit_cast<uint32_t>(value) & mask);
+}
+
+float choose(uint32_t mask, float value, float other) {
+    return std::bit_cast<float>((std::bit_cast<uint32_t>(value) & mask) | (std::bit_cast<uint32_t>(other) & ~mask));
 }
 
 /// The position inside a piece of 1 / factor, held to 1: then 1 - s needs no clamp either.
 float pieceFraction(float place, float bound, float factor) {
     const float s = (place - bound) * factor;
-    return s < 1.0f ? s : 1.0f;
+    return choose(maskOf(s < 1.0f), s, 1.0f);
 }
 
 void addHue(int n, BlockStages* stages) {
     for (int i = 0; i < n; ++i) {
         const float t = stages->huePlace[i];
-        const bool in1 = t >= 0.16666667f;
-        const bool in2 = t >= 0.33333334f;
-        const bool in3 = t >= 0.5f;
-        const bool in4 = t >= 0.6666667f;
-        const bool in5 = t >= 0.8333333f;
-        const float lower = in2 ? 0.33333334f : in1 ? 0.16666667f : 0.0f;
-        const float bound = in5 ? 0.8333333f : in4 ? 0.6666667f : in3 ? 0.5f : lower;
+        const uint32_t in1 = maskOf(t >= 0.16666667f);
+        const uint32_t in2 = maskOf(t >= 0.33333334f);
+        const uint32_t in3 = maskOf(t >= 0.5f);
+        const uint32_t in4 = maskOf(t >= 0.6666667f);
+        const uint32_t in5 = maskOf(t >= 0.8333333f);
+        const uint32_t here = maskOf(t < noPlace);
+        float bound = choose(in2, 0.33333334f, masked(in1, 0.16666667f));
+        bound = choose(in4, 0.6666667f, choose(in3, 0.5f, bound));
+        bound = choose(in5, 0.8333333f, bound);
         const float up = pieceFraction(t, bound, 6.0f);
         const float down = 1.0f - up;
-        const bool here = t == t;
-        const float red = in5 ? 1.0f : in4 ? up : in2 ? 0.0f : in1 ? down : 1.0f;
-        const float green = in4 ? 0.0f : in3 ? down : in1 ? 1.0f : up;
-        const float blue = in5 ? down : in3 ? 1.0f : in2 ? up : 0.0f;
-        stages->red[i] += here ? red : 0.0f;
-        stages->green[i] += here ? green : 0.0f;
-        stages->blue[i] += here ? blue : 0.0f;
+        const float red = masked(~in2 | in4, choose(in5, 1.0f, choose(in4, up, choose(in1, down, 1.0f))));
+        const float green = masked(~in4, choose(in3, down, choose(in1, 1.0f, up)));
+        const float blue = masked(in2, choose(in5, down, choose(in3, 1.0f, up)));
+        stages->rgb[0][i] += masked(here, red);
+        stages->rgb[1][i] += masked(here, green);
+        stages->rgb[2][i] += masked(here, blue);
     }
 }
 
 void addThirds(int n, BlockStages* stages) {
     for (int i = 0; i < n; ++i) {
         const float t = stages->thirdsPlace[i];
-        const bool in1 = t >= 0.33333334f;
-        const bool in2 = t >= 0.6666667f;
-        const float up = pieceFraction(t, in2 ? 0.6666667f : in1 ? 0.33333334f : 0.0f, 3.0f);
+        const uint32_t in1 = maskOf(t >= 0.33333334f);
+        const uint32_t in2 = maskOf(t >= 0.6666667f);
+        const uint32_t here = maskOf(t < noPlace);
+        const float up = pieceFraction(t, choose(in2, 0.6666667f, masked(in1, 0.33333334f)), 3.0f);
         const float down = 1.0f - up;
-        const bool here = t == t;
-        stages->red[i] += in2 ? up : 0.0f;
-        stages->green[i] += here && !in2 ? (in1 ? down : up) : 0.0f;
-        stages->blue[i] += in2 ? down : in1 ? up : 0.0f;
+        stages->rgb[0][i] += masked(here & in2, up);
+        stages->rgb[1][i] += masked(here & ~in2, choose(in1, down, up));
+        stages->rgb[2][i] += masked(here & in1, choose(in2, down, up));
     }
 }
 
+/// A value has one rule, the other rules add 0.
 void analyticColors(int32_t kinds, int n, BlockStages* stages) {
-    const size_t bytes = sizeof(float) * static_cast<size_t>(n);
-    std::memset(stages->red, 0, bytes);
-    std::memset(stages->green, 0, bytes);
-    std::memset(stages->blue, 0, bytes);
-    if (kinds & rainbowKind)
-        addRainbow(n, stages);
+    if (kinds & rainbowKind) {
+        setRainbow(n, stages);
+    } else {
+        for (float* channel : stages->rgb)
+            std::fill_n(channel, n, 0.0f);
+    }
     if (kinds & hueKind)
         addHue(n, stages);
     if (kinds & thirdsKind)
         addThirds(n, stages);
 }
 
+/// Gradients are blended as in the scalar path; with a place of 0 and an end of -0 the start comes out. Analytic colours
+/// join a start of 0 bit by bit.
 template <bool gradient, bool analytic>
 void compose(const PlanData& plan, const BlockStages& stages, int n, float* out) {
     for (int i = n - 1; i >= 0; --i) {
@@ -162,14 +179,11 @@ void compose(const PlanData& plan, const BlockStages& stages, int n, float* out)
         if constexpr (gradient) {
             const float t = stages.gradientPlace[i];
             for (int c = 0; c < channelCount; ++c)
-                color[c] = (1.0f - t) * color[c] + t * plan.end[section][c];
+                color[c] = (1.0f - t) * color[c] + t * plan.ends[section][1][c];
         }
         if constexpr (analytic) {
-            // A sum with 0 keeps every bit but the sign of -0, which only sections of other rules can have.
-            const bool here = (plan.interval[section].kind & analyticKinds) != 0;
-            color[0] = here ? stages.red[i] : color[0];
-            color[1] = here ? stages.green[i] : color[1];
-            color[2] = here ? stages.blue[i] : color[2];
+            for (int c = 0; c < alphaChannel; ++c)
+                color[c] = std::bit_cast<float>(std::bit_cast<uint32_t>(color[c]) | std::bit_cast<uint32_t>(stages.rgb[c][i]));
         }
         std::memcpy(out + i * channelCount, color, sizeof color);
     }

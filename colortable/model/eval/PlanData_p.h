@@ -40,6 +40,8 @@ struct KernelTraits {
     int countedBoundaries = 0;  ///< boundaries that are counted one by one
     int treeBoundaries = 0;     ///< boundaries of a search by permutes
     int laneSections = 0;       ///< sections whose intervals are held in registers
+    int registerFloats = 0;     ///< sections' colours that one register for each channel holds
+    int colorRegisters = 0;     ///< registers for each channel that are worth it
 };
 
 struct SectionInterval {
@@ -77,14 +79,15 @@ struct PlanData {
     IntervalMode intervals = IntervalMode::None;
     int32_t boundaryCount = 0;
     int32_t treeLevels = 0;
+    int32_t colorRegisters = 0;    ///< registers that hold one channel of all sections' colours; 0: records in memory
     uint32_t failingSections = 0;  ///< one bit for each section; used by Count and Tree
     uint32_t loneOffset = 0;
     SectionInterval lone = {};
     BucketIndex buckets;
 
-    // 16 bytes for each section; stages hand a value's section on as the byte offset into these.
+    // 16 bytes for each section, see slotOf; stages hand a value's section on as the byte offset into these.
     float (*start)[channelCount] = nullptr;
-    float (*end)[channelCount] = nullptr;
+    float (*ends)[2][channelCount] = nullptr;  ///< start and end, 32 bytes for each section
     SectionInterval* interval = nullptr;
 
     // Filled as far as the modes need them.
@@ -93,6 +96,19 @@ struct PlanData {
     alignas(64) float laneLow[maxLaneSections];
     alignas(64) float laneWidth[maxLaneSections];
     alignas(64) int32_t laneKind[maxLaneSections];
+    alignas(64) float laneStart[channelCount][maxLaneSections];
+    alignas(64) float laneEnd[channelCount][maxLaneSections];
 };
+
+/// The record of a section. A tree search ends on the path to the section, its first turn in bit 0: records lie in the
+/// order of the reversed bits.
+inline int32_t slotOf(const PlanData& plan, int32_t section) {
+    if (plan.search != SearchMode::Tree)
+        return section;
+    int32_t slot = 0;
+    for (int32_t level = 0; level < plan.treeLevels; ++level)
+        slot |= (section >> (plan.treeLevels - 1 - level) & 1) << level;
+    return slot;
+}
 
 }  // namespace lys::eval

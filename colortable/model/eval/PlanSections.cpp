@@ -75,20 +75,44 @@ bool holdsNan(const Resolved& section) {
     return found;
 }
 
-void addLaneTables(PlanData* plan) {
-    for (int32_t k = 0; k <= plan->boundaryCount; ++k) {
-        plan->laneLow[k] = plan->interval[k].low;
-        plan->laneWidth[k] = plan->interval[k].width;
-        plan->laneKind[k] = plan->interval[k].kind;
+void addLaneInterval(int32_t slot, const SectionInterval& interval, PlanData* plan) {
+    plan->laneLow[slot] = interval.low;
+    plan->laneWidth[slot] = interval.width;
+    plan->laneKind[slot] = interval.kind;
+}
+
+void addLaneColors(int32_t slot, const Resolved& section, PlanData* plan) {
+    for (int c = 0; c < channelCount; ++c) {
+        plan->laneStart[c][slot] = section.start[c];
+        plan->laneEnd[c][slot] = section.end[c];
     }
 }
 
-IntervalMode intervalModeFor(const KernelTraits& traits, int32_t boundaryCount, int32_t coloredSections) {
+void addRecords(int32_t slot, const Resolved& section, PlanData* plan) {
+    std::copy_n(section.start, channelCount, plan->start[slot]);
+    std::copy_n(section.start, channelCount, plan->ends[slot][0]);
+    std::copy_n(section.end, channelCount, plan->ends[slot][1]);
+}
+
+/// Slots that sections lie in, with the gaps of an incomplete tree.
+int32_t slotCount(const PlanData& plan) {
+    return plan.search == SearchMode::Tree ? 1 << plan.treeLevels : plan.boundaryCount + 1;
+}
+
+int32_t colorRegistersFor(const KernelTraits& traits, int32_t slots) {
+    for (int32_t registers = 1; registers <= traits.colorRegisters; ++registers) {
+        if (slots <= registers * traits.registerFloats)
+            return registers;
+    }
+    return 0;
+}
+
+IntervalMode intervalModeFor(const KernelTraits& traits, int32_t slots, int32_t coloredSections) {
     if (coloredSections == 0)
         return IntervalMode::None;
     if (coloredSections == 1)
         return IntervalMode::Lone;
-    return boundaryCount < traits.laneSections ? IntervalMode::Lanes : IntervalMode::Records;
+    return slots <= traits.laneSections ? IntervalMode::Lanes : IntervalMode::Records;
 }
 
 /// The largest float below a boundary that values equal to it have to pass.
@@ -100,27 +124,33 @@ float loweredBoundary(const float* positions, int64_t k) {
 }  // namespace
 
 bool addSections(const KernelTraits& traits, PlanData* plan) {
+    const int32_t slots = slotCount(*plan);
+    plan->colorRegisters = colorRegistersFor(traits, slots);
     int32_t coloredSections = 0;
     bool nan = false;
     for (int32_t k = 0; k <= plan->boundaryCount; ++k) {
         Resolved section;
         resolve(plan->table, k, &section);
-        std::copy_n(section.start, channelCount, plan->start[k]);
-        std::copy_n(section.end, channelCount, plan->end[k]);
-        plan->interval[k] = section.interval;
-        plan->kinds |= section.interval.kind;
+        const SectionInterval& interval = section.interval;
+        const int32_t slot = slotOf(*plan, k);
+        plan->interval[slot] = interval;
+        plan->kinds |= interval.kind;
         nan = nan || holdsNan(section);
-        if ((section.interval.kind & failingKind) != 0 && k < 32)
-            plan->failingSections |= 1u << k;
-        if ((section.interval.kind & coloredKinds) != 0) {
+        if (plan->colorRegisters != 0)
+            addLaneColors(slot, section, plan);
+        else
+            addRecords(slot, section, plan);
+        if (slots <= traits.laneSections)
+            addLaneInterval(slot, interval, plan);
+        if ((interval.kind & failingKind) != 0 && slot < 32)
+            plan->failingSections |= 1u << slot;
+        if ((interval.kind & coloredKinds) != 0) {
             ++coloredSections;
-            plan->lone = section.interval;
-            plan->loneOffset = static_cast<uint32_t>(k) * uint32_t{sizeof(SectionInterval)};
+            plan->lone = interval;
+            plan->loneOffset = static_cast<uint32_t>(slot) * uint32_t{sizeof(SectionInterval)};
         }
     }
-    plan->intervals = intervalModeFor(traits, plan->boundaryCount, coloredSections);
-    if (plan->intervals == IntervalMode::Lanes)
-        addLaneTables(plan);
+    plan->intervals = intervalModeFor(traits, slots, coloredSections);
     return !(nan && (plan->kinds & gradientKind) != 0);
 }
 
@@ -130,16 +160,19 @@ bool addRegisterSearch(const KernelTraits& traits, PlanData* plan) {
         return false;
     for (int32_t k = 0; k < count; ++k)
         plan->cuts[k] = loweredBoundary(plan->table.positions, k);
-    plan->search = SearchMode::Count;
-    if (count <= traits.countedBoundaries)
-        return true;
-    plan->search = SearchMode::Tree;
     std::fill(plan->cuts + count, plan->cuts + maxLaneSections, infinity);
+    plan->search = count <= traits.countedBoundaries ? SearchMode::Count : SearchMode::Tree;
+    if (plan->search == SearchMode::Count)
+        return true;
     plan->treeLevels = std::max(3, static_cast<int>(std::bit_width(static_cast<uint32_t>(count))));
     for (int32_t level = 0; level < plan->treeLevels; ++level) {
-        const int32_t half = 1 << (plan->treeLevels - 1 - level);
-        for (int32_t node = 0; node < 1 << level; ++node)
-            plan->tree[level][node] = plan->cuts[(2 * node + 1) * half - 1];
+        for (int32_t node = 0; node < 1 << level; ++node) {
+            // The node's first turn is its bit 0, which counts most in the order of boundaries.
+            int32_t boundary = (1 << (plan->treeLevels - 1 - level)) - 1;
+            for (int32_t turn = 0; turn < level; ++turn)
+                boundary += (node >> turn & 1) << (plan->treeLevels - 1 - turn);
+            plan->tree[level][node] = plan->cuts[boundary];
+        }
     }
     return true;
 }

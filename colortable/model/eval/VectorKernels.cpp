@@ -25,11 +25,11 @@ namespace lys::eval {
 namespace HWY_NAMESPACE {
 
 #if HWY_TARGET == HWY_AVX3
-constexpr KernelTraits traits = {3, 31, 32};
+constexpr KernelTraits traits = {3, 31, 32, 16, 2};
 #elif HWY_TARGET == HWY_AVX2
-constexpr KernelTraits traits = {3, 31, 16};
+constexpr KernelTraits traits = {3, 31, 16, 8, 1};
 #else
-constexpr KernelTraits traits = {0, 0, 0};
+constexpr KernelTraits traits = {};
 #endif
 
 int colorBlock(const PlanData& plan, const float* values, int n, float* out, bool stream);
@@ -49,8 +49,8 @@ int colorAboveFailure(const PlanData& plan, const BlockStages& stages, const flo
 
 int colorBlock(const PlanData& plan, const float* values, int n, float* out, bool stream) {
     BlockStages stages;
-    const int groups = loadValues(values, n, &stages);
-    if (findSections(plan, groups, &stages)) {
+    const int groups = (n + lanes - 1) / lanes;
+    if (findSections(plan, values, n, &stages)) {
         const int failing = colorAboveFailure(plan, stages, values, n, out);
         if (failing >= 0)
             return failing;

@@ -1,4 +1,4 @@
-// Third stage: the analytic rules. Lanes whose place is NaN belong to other rules and get no colour. Included once for each
+// Third stage: the analytic rules. Lanes that belong to other rules have a place without any colour. Included once for each
 // instruction set.
 #if defined(LYS_EVAL_VECTOR_RULES_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef LYS_EVAL_VECTOR_RULES_INL
@@ -23,41 +23,72 @@ struct Rgb {
 
 using HalfTag = hn::Half<FloatTag>;
 using DoubleTag = hn::Rebind<double, HalfTag>;
+using DoubleVector = hn::Vec<DoubleTag>;
 
-/// Sine of 0 <= x < 2 pi, right for x <= pi and not positive beyond. Fused steps are allowed here, see sineSeries.
-template <class V>
-HWY_INLINE V sineSum(V argument) {
-    const DoubleTag d;
-    const V x = hn::Min(argument, hn::Sub(hn::Set(d, piInDouble), argument));
-    const V square = hn::Mul(x, x);
-    V sum = hn::MulAdd(hn::Set(d, sineSeries[6]), square, hn::Set(d, sineSeries[5]));
-    sum = hn::MulAdd(sum, square, hn::Set(d, sineSeries[4]));
-    sum = hn::MulAdd(sum, square, hn::Set(d, sineSeries[3]));
-    sum = hn::MulAdd(sum, square, hn::Set(d, sineSeries[2]));
-    sum = hn::MulAdd(sum, square, hn::Set(d, sineSeries[1]));
-    sum = hn::MulAdd(sum, square, hn::Set(d, sineSeries[0]));
-    return hn::MulAdd(hn::Mul(x, square), sum, x);
+constexpr DoubleTag doubles;
+constexpr HalfTag halves;
+
+/// Sines of -pi/2 <= x <= pi, `chains` of them side by side: one alone would wait for each of its steps. Fused steps are
+/// allowed here, see sineSeries.
+template <int chains>
+HWY_INLINE void sineSums(DoubleVector (&x)[chains]) {
+    DoubleVector square[chains];
+    DoubleVector sum[chains];
+    for (int i = 0; i < chains; ++i)
+        x[i] = hn::Min(x[i], hn::Sub(hn::Set(doubles, piInDouble), x[i]));
+    for (int i = 0; i < chains; ++i)
+        square[i] = hn::Mul(x[i], x[i]);
+    for (int i = 0; i < chains; ++i)
+        sum[i] = hn::MulAdd(hn::Set(doubles, sineSeries[6]), square[i], hn::Set(doubles, sineSeries[5]));
+    for (int k = 4; k >= 0; --k) {
+        for (int i = 0; i < chains; ++i)
+            sum[i] = hn::MulAdd(sum[i], square[i], hn::Set(doubles, sineSeries[k]));
+    }
+    for (int i = 0; i < chains; ++i)
+        square[i] = hn::Mul(x[i], square[i]);
+    for (int i = 0; i < chains; ++i)
+        x[i] = hn::MulAdd(square[i], sum[i], x[i]);
 }
 
-/// Sine in double precision, stored as float, clamped: a sine never exceeds 1, so only what is not positive becomes 0.
-HWY_INLINE FloatVector clampedSine(FloatVector argument) {
-    const HalfTag half;
-    const DoubleTag d;
-    const auto lower = sineSum(hn::PromoteTo(d, hn::LowerHalf(half, argument)));
-    const auto upper = sineSum(hn::PromoteTo(d, hn::UpperHalf(half, argument)));
-    const auto sine = hn::Combine(floats, hn::DemoteTo(half, upper), hn::DemoteTo(half, lower));
-    return hn::IfThenElseZero(hn::Gt(sine, hn::Zero(floats)), sine);
+/// Replaces arguments by their sines, taken in double precision and stored as float.
+template <int vectors>
+HWY_INLINE void replaceBySines(float* side, float* green) {
+    constexpr int half = lanes / 2;
+    DoubleVector x[4 * vectors];
+    for (int i = 0; i < 2 * vectors; ++i) {
+        x[2 * i] = hn::PromoteTo(doubles, hn::Load(halves, side + i * half));
+        x[2 * i + 1] = hn::PromoteTo(doubles, hn::Load(halves, green + i * half));
+    }
+    sineSums(x);
+    for (int i = 0; i < 2 * vectors; ++i) {
+        hn::Store(hn::DemoteTo(halves, x[2 * i]), halves, side + i * half);
+        hn::Store(hn::DemoteTo(halves, x[2 * i + 1]), halves, green + i * half);
+    }
 }
 
-/// Red is left of its clamp only beyond the middle and blue only before it: one sine serves both.
-HWY_INLINE Rgb rainbowColor(FloatVector place) {
-    const auto middle = hn::Set(floats, 0.5f);
-    const auto pi = hn::Set(floats, 3.1415927f);
-    const auto inRed = hn::Gt(place, middle);
-    const auto inBlue = hn::Lt(place, middle);
-    const auto shifted = hn::IfThenElse(inRed, hn::Sub(place, middle), hn::Add(place, middle));
-    const auto side = clampedSine(hn::Mul(shifted, pi));
-    return {hn::IfThenElseZero(inRed, side), clampedSine(hn::Mul(place, pi)), hn::IfThenElseZero(inBlue, side)};
+HWY_INLINE void takeSines(int groups, BlockStages* stages) {
+#if HWY_TARGET == HWY_AVX3
+    constexpr int atOnce = 2;  // more registers, more chains
+#else
+    constexpr int atOnce = 1;
+#endif
+    int g = groups;
+    for (; g >= atOnce; g -= atOnce)
+        replaceBySines<atOnce>(stages->side + (g - atOnce) * lanes, stages->green + (g - atOnce) * lanes);
+    if (g > 0)
+        replaceBySines<1>(stages->side, stages->green);
+}
+
+/// The clamped colour that the sines stand for; a sine never exceeds 1. As an integer a float orders as itself among those
+/// that are not negative.
+HWY_INLINE Rgb rainbowColor(const BlockStages& stages, int at) {
+    const auto zero = hn::Zero(ints);
+    const auto side = hn::Load(floats, stages.side + at);
+    const auto red = hn::BitCast(ints, hn::Neg(side));
+    const auto blue = hn::Max(hn::BitCast(ints, side), zero);
+    const auto green = hn::Max(hn::BitCast(ints, hn::Load(floats, stages.green + at)), zero);
+    const auto isRed = hn::Gt(red, hn::BitCast(ints, hn::Set(floats, greatestClampedRed)));
+    return {hn::BitCast(floats, hn::IfThenElseZero(isRed, red)), hn::BitCast(floats, green), hn::BitCast(floats, blue)};
 }
 
 /// The position inside a piece of 1 / factor, held to 1: then 1 - s needs no clamp either.
@@ -86,7 +117,7 @@ HWY_INLINE Rgb hueColor(FloatVector place) {
     const auto green = hn::IfThenElse(in3, down, hn::IfThenElse(in1, one, up));
     const auto blue = hn::IfThenElse(in5, down, hn::IfThenElse(in3, one, up));
     const auto redLow = hn::And(in2, hn::Not(in4));  // the pieces without red
-    const auto here = hn::Eq(place, place);
+    const auto here = hn::Lt(place, hn::Set(floats, noPlace));
     return {hn::IfThenElseZero(hn::AndNot(redLow, here), red), hn::IfThenElseZero(hn::AndNot(in4, here), green),
             hn::IfThenElseZero(hn::And(in2, here), blue)};
 }
@@ -97,12 +128,12 @@ HWY_INLINE Rgb thirdsColor(FloatVector place) {
     const auto twoThirds = hn::Set(floats, 0.6666667f);
     const auto in1 = hn::Ge(place, third);
     const auto in2 = hn::Ge(place, twoThirds);
-    const auto here = hn::Eq(place, place);
+    const auto here = hn::Lt(place, hn::Set(floats, noPlace));
     const auto bound = hn::IfThenElse(in2, twoThirds, hn::IfThenElseZero(in1, third));
     const auto up = pieceFraction(place, bound, 3.0f);
     const auto down = hn::Sub(one, up);
-    return {hn::IfThenElseZero(in2, up), hn::IfThenElseZero(hn::AndNot(in2, here), hn::IfThenElse(in1, down, up)),
-            hn::IfThenElseZero(in1, hn::IfThenElse(in2, down, up))};
+    return {hn::IfThenElseZero(hn::And(in2, here), up), hn::IfThenElseZero(hn::AndNot(in2, here), hn::IfThenElse(in1, down, up)),
+            hn::IfThenElseZero(hn::And(in1, here), hn::IfThenElse(in2, down, up))};
 }
 
 HWY_INLINE Rgb both(const Rgb& a, const Rgb& b) {
@@ -115,28 +146,33 @@ HWY_INLINE void colorAll(int groups, BlockStages* stages) {
     for (int i = (groups - 1) * lanes; i >= 0; i -= lanes) {
         Rgb color = {hn::Zero(floats), hn::Zero(floats), hn::Zero(floats)};
         if constexpr ((handled & rainbowKind) != 0)
-            color = rainbowColor(hn::Load(floats, stages->sinePlace + i));
+            color = rainbowColor(*stages, i);
         if constexpr ((handled & hueKind) != 0)
             color = both(color, hueColor(hn::Load(floats, stages->huePlace + i)));
         if constexpr ((handled & thirdsKind) != 0)
             color = both(color, thirdsColor(hn::Load(floats, stages->thirdsPlace + i)));
-        hn::Store(color.red, floats, stages->red + i);
-        hn::Store(color.green, floats, stages->green + i);
-        hn::Store(color.blue, floats, stages->blue + i);
+        hn::Store(color.red, floats, stages->rgb[0] + i);
+        hn::Store(color.green, floats, stages->rgb[1] + i);
+        hn::Store(color.blue, floats, stages->rgb[2] + i);
     }
 }
 
-/// Red, green and blue of the analytic rules that occur in the block.
+/// Colours of the analytic rules that occur in the block; those of rainbows alone stay sines, see rainbowColor.
 HWY_INLINE void analyticColors(int32_t kinds, int groups, BlockStages* stages) {
+    if ((kinds & rainbowKind) != 0)
+        takeSines(groups, stages);
     switch (kinds & (rainbowKind | hueKind | thirdsKind)) {
+        case 0:
         case rainbowKind:
-            return colorAll<rainbowKind>(groups, stages);
+            return;
         case hueKind:
             return colorAll<hueKind>(groups, stages);
         case thirdsKind:
             return colorAll<thirdsKind>(groups, stages);
         case hueKind | thirdsKind:
             return colorAll<hueKind | thirdsKind>(groups, stages);
+        case rainbowKind | hueKind:
+            return colorAll<rainbowKind | hueKind>(groups, stages);
         default:
             return colorAll<rainbowKind | hueKind | thirdsKind>(groups, stages);
     }

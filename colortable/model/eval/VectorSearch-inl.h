@@ -1,12 +1,10 @@
-// First stage: load the values of a block and find their sections. Included once for each instruction set.
+// First stage: the values of a block in lane order and their sections. Included once for each instruction set.
 #if defined(LYS_EVAL_VECTOR_SEARCH_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef LYS_EVAL_VECTOR_SEARCH_INL
 #undef LYS_EVAL_VECTOR_SEARCH_INL
 #else
 #define LYS_EVAL_VECTOR_SEARCH_INL
 #endif
-
-#include <cstring>
 
 #include <colortable/model/eval/KeySearch_p.h>
 #include <colortable/model/eval/VectorBase-inl.h>
@@ -16,101 +14,108 @@ HWY_BEFORE_NAMESPACE();
 namespace lys::eval {
 namespace HWY_NAMESPACE {
 
-/// Loads n values in the stages' lane order, the last group filled up with the last value; returns the number of groups.
-HWY_INLINE int loadValues(const float* values, int n, BlockStages* stages) {
-    alignas(64) int32_t valueOfLane[lanes];
-    for (int i = 0; i < lanes; ++i)
-        valueOfLane[laneOf(i)] = i;
-    const auto order = hn::SetTableIndices(floats, valueOfLane);
-    const int whole = n / lanes;
-    const int rest = n % lanes;
-    if (rest != 0) {
-        alignas(64) float last[lanes];
-        for (int i = 0; i < lanes; ++i)
-            last[i] = values[whole * lanes + (i < rest ? i : rest - 1)];
-        hn::Store(hn::TableLookupLanes(hn::Load(floats, last), order), floats, stages->values + whole * lanes);
-    }
-    for (int g = whole - 1; g >= 0; --g)
-        hn::Store(hn::TableLookupLanes(hn::LoadU(floats, values + g * lanes), order), floats, stages->values + g * lanes);
-    return whole + (rest != 0 ? 1 : 0);
-}
-
 #if HWY_TARGET != HWY_SSE4
-HWY_INLINE WordVector addWhereLess(WordVector count, FloatVector cut, FloatVector value) {
-    return hn::Sub(count, hn::BitCast(words, hn::VecFromMask(floats, hn::Lt(cut, value))));
-}
+/// Takes up sections: stores their byte offsets and, in tables that may fail, notes whether a failing one is among them.
+template <bool mayFail>
+class SectionSink {
+public:
+    SectionSink(const PlanData& plan, BlockStages* stages)
+        : stages_(stages), failingSections_(hn::Set(words, plan.failingSections)), failing_(hn::Zero(words)) {}
 
-/// Stores the byte offsets of sections and returns the bits of failing ones.
-HWY_INLINE WordVector storeSections(WordVector section, WordVector failingSections, uint32_t* offsets) {
-    hn::Store(hn::ShiftLeft<4>(section), words, offsets);
-    return hn::Shr(failingSections, section);
-}
+    HWY_INLINE void put(FloatVector value, WordVector section, int at) {
+        hn::Store(value, floats, stages_->values + at);
+        hn::Store(hn::ShiftLeft<offsetShift>(section), words, stages_->offsets + at);
+        if constexpr (mayFail)
+            failing_ = hn::Or(failing_, hn::Shr(failingSections_, section));
+    }
 
-HWY_INLINE bool anyOdd(WordVector bits) {
-    const auto one = hn::Set(words, 1u);
-    return !hn::AllFalse(words, hn::Ne(hn::And(bits, one), hn::Zero(words)));
+    HWY_INLINE bool failed() const {
+        const auto one = hn::Set(words, 1u);
+        return mayFail && !hn::AllFalse(words, hn::Ne(hn::And(failing_, one), hn::Zero(words)));
+    }
+
+private:
+    BlockStages* stages_;
+    WordVector failingSections_;
+    WordVector failing_;
+};
+
+HWY_INLINE WordVector addWhereLess(WordVector count, FloatVector boundary, FloatVector value) {
+    return hn::Sub(count, hn::BitCast(words, hn::VecFromMask(floats, hn::Lt(boundary, value))));
 }
 
 /// Few boundaries: counts those below each value.
-HWY_INLINE bool countCuts(const PlanData& plan, int groups, BlockStages* stages) {
-    const auto failingSections = hn::Set(words, plan.failingSections);
-    const int cuts = plan.boundaryCount;
-    auto failing = hn::Zero(words);
-    for (int g = groups - 1; g >= 0; --g) {
-        const auto value = hn::Load(floats, stages->values + g * lanes);
-        auto section = hn::Zero(words);
-        for (int c = 0; c < cuts; ++c)
-            section = addWhereLess(section, hn::Set(floats, plan.cuts[c]), value);
-        failing = hn::Or(failing, storeSections(section, failingSections, stages->offsets + g * lanes));
-    }
-    return anyOdd(failing);
+template <bool mayFail>
+HWY_INLINE bool countCuts(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+    SectionSink<mayFail> sink(plan, stages);
+    // Those that are not there are infinite, which is below nothing.
+    const auto cut0 = hn::Set(floats, plan.cuts[0]);
+    const auto cut1 = hn::Set(floats, plan.cuts[1]);
+    const auto cut2 = hn::Set(floats, plan.cuts[2]);
+    forEachGroup(values, n, [&](FloatVector value, int at) {
+        auto section = addWhereLess(hn::Zero(words), cut0, value);
+        section = addWhereLess(section, cut1, value);
+        section = addWhereLess(section, cut2, value);
+        sink.put(value, section, at);
+    });
+    return sink.failed();
 }
 
-/// Entry of a level of the tree: at most 16 floats.
+/// The way down the search tree: bit l of path says whether level l's boundary is below the value, which is last for the
+/// level passed last.
+struct Descent {
+    WordVector path;
+    hn::Mask<FloatTag> last;
+};
+
 template <int level>
-HWY_INLINE FloatVector treeEntry(FloatVector lower, FloatVector upper, WordVector at) {
-#if HWY_TARGET == HWY_AVX2
-    const FloatVector low{_mm256_permutevar8x32_ps(lower.raw, at.raw)};
-    if constexpr (level < 4)
-        return low;
-    const FloatVector high{_mm256_permutevar8x32_ps(upper.raw, at.raw)};
-    const auto inUpper = hn::BitCast(floats, hn::ShiftLeft<28>(at));  // bit 3 becomes the sign
-    return FloatVector{_mm256_blendv_ps(low.raw, high.raw, inUpper.raw)};
+HWY_INLINE void descend(FloatVector boundary, FloatVector value, Descent* way) {
+    const auto bit = hn::Set(words, 1u << level);
+    way->last = hn::Lt(boundary, value);
+    const auto below = hn::RebindMask(words, way->last);
+#if HWY_TARGET == HWY_AVX3
+    way->path.raw = _mm512_mask_or_epi32(way->path.raw, below.raw, way->path.raw, bit.raw);
 #else
-    (void)upper;
-    return FloatVector{_mm512_permutexvar_ps(at.raw, lower.raw)};
+    way->path = hn::Or(way->path, hn::IfThenElseZero(below, bit));
 #endif
 }
 
-template <int level>
-HWY_INLINE WordVector descend(WordVector at, FloatVector lower, FloatVector upper, FloatVector value) {
-    return addWhereLess(hn::Add(at, at), treeEntry<level>(lower, upper, at), value);
-}
+/// The 16 boundaries of level 4. In two registers the turn taken last, bit 3 of the path, says in which.
+struct Level4 {
+    explicit Level4(const float* table) : lower(table), upper(table + treeLevelSize - lanes) {}
 
-/// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes.
-template <int levels>
-HWY_INLINE bool searchTree(const PlanData& plan, int groups, BlockStages* stages) {
-    const auto failingSections = hn::Set(words, plan.failingSections);
-    const auto root = hn::Set(floats, plan.tree[0][0]);
-    const auto level1 = hn::Load(floats, plan.tree[1]);
-    const auto level2 = hn::Load(floats, plan.tree[2]);
-    const auto level3 = hn::Load(floats, plan.tree[3]);
-    const auto level4 = hn::Load(floats, plan.tree[4]);
-    const auto level4Upper = hn::Load(floats, plan.tree[4] + treeLevelSize - lanes);
-    auto failing = hn::Zero(words);
-    for (int g = groups - 1; g >= 0; --g) {
-        const auto value = hn::Load(floats, stages->values + g * lanes);
-        auto section = addWhereLess(hn::Zero(words), root, value);
-        section = descend<1>(section, level1, level1, value);
-        if constexpr (levels > 2)
-            section = descend<2>(section, level2, level2, value);
-        if constexpr (levels > 3)
-            section = descend<3>(section, level3, level3, value);
-        if constexpr (levels > 4)
-            section = descend<4>(section, level4, level4Upper, value);
-        failing = hn::Or(failing, storeSections(section, failingSections, stages->offsets + g * lanes));
+    HWY_INLINE FloatVector at(const Descent& way) const {
+        if constexpr (lanes == treeLevelSize)
+            return lower.at(way.path);
+        return hn::IfThenElse(way.last, upper.at(way.path), lower.at(way.path));
     }
-    return anyOdd(failing);
+
+    LaneTable<1> lower;
+    LaneTable<1> upper;
+};
+
+/// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes. The path is the section's
+/// record, see slotOf.
+template <int levels, bool mayFail>
+HWY_INLINE bool searchTree(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+    SectionSink<mayFail> sink(plan, stages);
+    const auto root = hn::Set(floats, plan.tree[0][0]);
+    const LaneTable<1> level1(plan.tree[1]);
+    const LaneTable<1> level2(plan.tree[2]);
+    const LaneTable<1> level3(plan.tree[3]);
+    const Level4 level4(plan.tree[4]);
+    forEachGroup(values, n, [&](FloatVector value, int at) {
+        Descent way{hn::Zero(words), {}};
+        descend<0>(root, value, &way);
+        descend<1>(level1.at(way.path), value, &way);
+        descend<2>(level2.at(way.path), value, &way);
+        if constexpr (levels > 3)
+            descend<3>(level3.at(way.path), value, &way);
+        if constexpr (levels > 4)
+            descend<4>(level4.at(way), value, &way);
+        sink.put(value, way.path, at);
+    });
+    return sink.failed();
 }
 #endif
 
@@ -139,35 +144,44 @@ HWY_INLINE WordVector logarithmicBuckets(const BucketIndex& index, IntVector key
 }
 
 /// Any number of boundaries: bucket, then bisection.
-HWY_INLINE bool searchBuckets(const PlanData& plan, int groups, BlockStages* stages) {
+HWY_INLINE bool searchBuckets(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     const BucketIndex& index = plan.buckets;
-    for (int g = groups - 1; g >= 0; --g) {
-        const auto value = hn::Load(floats, stages->values + g * lanes);
+    forEachGroup(values, n, [&](FloatVector value, int at) {
         const auto key = keysOf(value);
         const auto bucket = index.linear ? linearBuckets(index, value) : logarithmicBuckets(index, key);
-        hn::Store(key, ints, stages->keys + g * lanes);
-        hn::Store(bucket, words, stages->buckets + g * lanes);
-    }
-    return searchKeys(plan, stages->keys, stages->buckets, groups * lanes, stages->offsets);
+        hn::Store(value, floats, stages->values + at);
+        hn::Store(key, ints, stages->keys + at);
+        hn::Store(bucket, words, stages->buckets + at);
+    });
+    const int padded = (n + lanes - 1) / lanes * lanes;
+    return searchKeys(plan, stages->keys, stages->buckets, padded, stages->offsets);
 }
 
-/// Finds the sections of all lanes; returns whether a section that fails is among them.
-HWY_INLINE bool findSections(const PlanData& plan, int groups, BlockStages* stages) {
 #if HWY_TARGET != HWY_SSE4
+template <bool mayFail>
+HWY_INLINE bool searchRegisters(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     if (plan.search == SearchMode::Count)
-        return countCuts(plan, groups, stages);
-    if (plan.search == SearchMode::Tree) {
-        switch (plan.treeLevels) {
-            case 5:
-                return searchTree<5>(plan, groups, stages);
-            case 4:
-                return searchTree<4>(plan, groups, stages);
-            default:
-                return searchTree<3>(plan, groups, stages);
-        }
+        return countCuts<mayFail>(plan, values, n, stages);
+    switch (plan.treeLevels) {
+        case 5:
+            return searchTree<5, mayFail>(plan, values, n, stages);
+        case 4:
+            return searchTree<4, mayFail>(plan, values, n, stages);
+        default:
+            return searchTree<3, mayFail>(plan, values, n, stages);
+    }
+}
+#endif
+
+/// Finds the sections of all lanes; returns whether a section that fails is among them.
+HWY_INLINE bool findSections(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+#if HWY_TARGET != HWY_SSE4
+    if (plan.search != SearchMode::Buckets) {
+        return (plan.kinds & failingKind) != 0 ? searchRegisters<true>(plan, values, n, stages)
+                                               : searchRegisters<false>(plan, values, n, stages);
     }
 #endif
-    return searchBuckets(plan, groups, stages);
+    return searchBuckets(plan, values, n, stages);
 }
 
 }  // namespace HWY_NAMESPACE
