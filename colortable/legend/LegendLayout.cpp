@@ -33,10 +33,7 @@ bool hasRange(const Input& input) {
 }
 
 int truncated(float coordinate) {
-    if (!std::isfinite(coordinate)) {
-        return 0;
-    }
-    return static_cast<int>(std::clamp(coordinate, -LARGEST_COORDINATE, LARGEST_COORDINATE));
+    return std::isnan(coordinate) ? 0 : static_cast<int>(std::clamp(coordinate, -LARGEST_COORDINATE, LARGEST_COORDINATE));
 }
 
 std::vector<float> automaticValues(const Input& input, int available, int labelLength) {
