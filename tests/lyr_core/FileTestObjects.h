@@ -180,6 +180,9 @@ public:
     Value<float> extra{9.0f};
 };
 
+/** Files find classes by their names, so these are registered from the start. */
+inline const bool REGISTERED = Derived::metaClass().isCreatable();
+
 /** The default sample, worked out by hand from the rules of the format. */
 inline const std::string DEFAULT_TEXT = R"({
   "format": "lyr-object",

@@ -24,7 +24,6 @@ constexpr float INFINITE = std::numeric_limits<float>::infinity();
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
 LyrObjectPtr readSample(const std::string& text) {
-    Derived::metaClass();
     LyrObjectPtr out;
     Report report;
     EXPECT_TRUE(LyrObjectFile::read(text, out, report)) << report.message.utf8();
