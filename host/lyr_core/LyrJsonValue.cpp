@@ -4,7 +4,9 @@
 #include <array>
 #include <bit>
 #include <charconv>
+#include <clocale>
 #include <iterator>
+#include <new>
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -40,6 +42,27 @@ struct CountingIterator {
     }
     friend bool operator==(const CountingIterator& a, const CountingIterator& b) { return a.at == b.at; }
     friend bool operator!=(const CountingIterator& a, const CountingIterator& b) { return a.at != b.at; }
+};
+
+/** Puts this thread into the C locale while it lives: the parser passes numbers through strtod() and hands them on with
+ * the decimal point of the locale. */
+class NumbersInC {
+public:
+    NumbersInC() : mC(::newlocale(LC_ALL_MASK, "C", nullptr)), mBefore(mC ? ::uselocale(mC) : nullptr) {
+        if (!mC) {
+            throw std::bad_alloc();
+        }
+    }
+    ~NumbersInC() {
+        ::uselocale(mBefore);
+        ::freelocale(mC);
+    }
+    NumbersInC(const NumbersInC&) = delete;
+    NumbersInC& operator=(const NumbersInC&) = delete;
+
+private:
+    locale_t mC;
+    locale_t mBefore;
 };
 
 template <class Number>
@@ -284,6 +307,7 @@ bool lyrParseJson(std::string_view text, LyrJsonValue& root, std::string& messag
                   ": not valid JSON, there is a zero byte";
         return false;
     }
+    const NumbersInC locale;
     Progress progress;
     TreeBuilder builder(root, progress, message);
     const CountingIterator begin{text.data(), &progress};

@@ -12,6 +12,8 @@
 #include <bit>
 #include <clocale>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <random>
 
@@ -142,13 +144,27 @@ TEST(LyrObjectFile, a_null_text_is_told_from_an_empty_one) {
 }
 
 TEST(LyrObjectFile, the_locale_plays_no_part) {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) {
-        GTEST_SKIP() << "there is no locale de_DE.UTF-8 here";
+    const TemporaryFolder folder;
+    // Decimal points "," and, of two bytes, "\u066b".
+    for (const std::string language : {"de_DE", "ps_AF"}) {
+        // Few systems have these installed: they are compiled for the test, where the package with their sources is
+        // there.
+        const std::string make =
+            "localedef -i " + language + " -f UTF-8 " + folder.file(language + ".UTF-8") + " >/dev/null 2>&1";
+        const std::string before = std::setlocale(LC_ALL, nullptr);
+        ::setenv("LOCPATH", folder.path().c_str(), 1);
+        const bool isIn = std::system(make.c_str()) >= 0 && std::setlocale(LC_ALL, (language + ".UTF-8").c_str());
+        const bool isForeign = std::strcmp(std::localeconv()->decimal_point, ".") != 0;
+        const std::string text = isIn ? textOf(*readSample(DEFAULT_TEXT)) : std::string();
+        const bool isForeignStill = std::strcmp(std::localeconv()->decimal_point, ".") != 0;
+        std::setlocale(LC_ALL, before.c_str());
+        ::unsetenv("LOCPATH");
+        if (!isIn) {
+            GTEST_SKIP() << "the sources of the locale " << language << " are not installed here (package locales)";
+        }
+        EXPECT_TRUE(isForeign && isForeignStill);
+        EXPECT_EQ(text, DEFAULT_TEXT);
     }
-    const std::string text = textOf(*readSample(DEFAULT_TEXT));
-    std::setlocale(LC_ALL, before.c_str());
-    EXPECT_EQ(text, DEFAULT_TEXT);
 }
 
 TEST(LyrObjectFile, the_naming_template_stands_last_and_only_if_it_is_set) {
