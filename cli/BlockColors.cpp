@@ -7,7 +7,8 @@ namespace lys::cli {
 
 BlockColors::BlockColors(const LyrColorLookupTable& table, std::string name) : mTable(table), mName(std::move(name)) {
     if (!mTable.getColors(0, nullptr, nullptr)) {
-        throwFailed(mName + ": the table is not valid: it needs at least two positions, and one section more than positions");
+        throwFailed(mName +
+                    ": the table is not valid: it needs at least two positions, and one section more than positions");
     }
 }
 

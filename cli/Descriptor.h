@@ -34,6 +34,8 @@ private:
 };
 
 /** What the system says about its last failure. */
-inline std::string systemReason() { return std::strerror(errno); }
+inline std::string systemReason() {
+    return std::strerror(errno);
+}
 
 }  // namespace lys::cli

@@ -22,7 +22,11 @@ private:
     ExitStatus mStatus;
 };
 
-[[noreturn]] inline void throwFailed(const std::string& message) { throw Failure(ExitStatus::Failed, message); }
-[[noreturn]] inline void throwUnusable(const std::string& message) { throw Failure(ExitStatus::Unusable, message); }
+[[noreturn]] inline void throwFailed(const std::string& message) {
+    throw Failure(ExitStatus::Failed, message);
+}
+[[noreturn]] inline void throwUnusable(const std::string& message) {
+    throw Failure(ExitStatus::Unusable, message);
+}
 
 }  // namespace lys::cli

@@ -61,8 +61,9 @@ void addInfoCommand(CLI::App& program) {
     const auto options = std::make_shared<InfoOptions>();
     CLI::App* command = program.add_subcommand("info", "Tell what is in a table or a volume");
     command
-        ->add_option("source", options->source,
-                     "A table's file, the name of a preset, or a volume: a file, a folder of slices, or builtin:casting")
+        ->add_option(
+            "source", options->source,
+            "A table's file, the name of a preset, or a volume: a file, a folder of slices, or builtin:casting")
         ->required()
         ->type_name("TABLE|VOLUME");
     command->add_flag("--json", options->json, "As JSON, with the truth about the built-in casting");

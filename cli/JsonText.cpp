@@ -32,7 +32,9 @@ void JsonText::end() {
     mFirst = false;
 }
 
-void JsonText::add(std::string_view key, std::string_view text) { addToken(key, quoted(text)); }
+void JsonText::add(std::string_view key, std::string_view text) {
+    addToken(key, quoted(text));
+}
 
 void JsonText::addToken(std::string_view key, std::string_view token) {
     beginItem(key);

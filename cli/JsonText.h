@@ -10,8 +10,8 @@
 
 namespace lys::cli {
 
-/** Builds JSON text from top to bottom: two spaces of indent, lists of numbers on one line. Numbers are the shortest that read
- *  back to the same bits; those that are not finite are the strings "nan", "inf" and "-inf". */
+/** Builds JSON text from top to bottom: two spaces of indent, lists of numbers on one line. Numbers are the shortest
+ * that read back to the same bits; those that are not finite are the strings "nan", "inf" and "-inf". */
 class JsonText {
 public:
     /** An object or a list: begun in its parent under a key (empty in a list), ended in the reverse order. */

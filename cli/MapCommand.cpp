@@ -30,7 +30,9 @@ struct MapOptions {
     bool all = false;
 };
 
-bool isRaw(const std::string& input) { return input == "-" || input.ends_with(".f32"); }
+bool isRaw(const std::string& input) {
+    return input == "-" || input.ends_with(".f32");
+}
 
 std::optional<TableRange> rangeOf(const MapOptions& options) {
     return options.range ? std::optional(TableRange::parse(*options.range)) : std::nullopt;
@@ -81,7 +83,8 @@ void runAt(const MapOptions& options) {
 void runRaw(const MapOptions& options) {
     refuseVolumeOptions(options, "raw values");
     if (options.output->ends_with(".png") || options.output->ends_with(".nrrd")) {
-        throwUnusable(*options.output + ": the colours of raw values are raw floats; only those of a volume make a picture");
+        throwUnusable(*options.output +
+                      ": the colours of raw values are raw floats; only those of a volume make a picture");
     }
     const TableSource source(options.table);
     applyRange(options, source.table());
@@ -126,20 +129,26 @@ void addMapCommand(CLI::App& program) {
     const auto options = std::make_shared<MapOptions>();
     CLI::App* command = program.add_subcommand("map", "Colour values, raw floats or a volume with a table");
     command->footer(EXPLANATION);
-    command->add_option("--table", options->table, "A table's file, or the name of a preset")->required()->type_name("TABLE");
+    command->add_option("--table", options->table, "A table's file, or the name of a preset")
+        ->required()
+        ->type_name("TABLE");
     command->add_option("--at", options->at, "Values, separated by commas: prints a line 'r g b a' for each")
         ->type_name("V,V,...");
     command
-        ->add_option("-i,--input", options->input,
-                     "Raw little-endian 32-bit floats (a file *.f32, or - for standard input), or a volume: a file, a folder of "
-                     "slices, or builtin:casting")
+        ->add_option(
+            "-i,--input", options->input,
+            "Raw little-endian 32-bit floats (a file *.f32, or - for standard input), or a volume: a file, a folder of "
+            "slices, or builtin:casting")
         ->type_name("INPUT");
     command
-        ->add_option("-o,--output", options->output,
-                     "For raw values a file of raw colours, or - for standard output; for a volume out.png, out-%04d.png "
-                     "(with --all) or out.nrrd")
+        ->add_option(
+            "-o,--output", options->output,
+            "For raw values a file of raw colours, or - for standard output; for a volume out.png, out-%04d.png "
+            "(with --all) or out.nrrd")
         ->type_name("OUTPUT");
-    command->add_option("--slice", options->slice, "The slice x:N, y:N or z:N, counted from 0 (default: the middle across z)")
+    command
+        ->add_option("--slice", options->slice,
+                     "The slice x:N, y:N or z:N, counted from 0 (default: the middle across z)")
         ->type_name("AXIS:N");
     command->add_flag("--all", options->all, "All slices across z");
     command

@@ -18,7 +18,9 @@ using Axis = LyrVolume::Axis;
 
 constexpr std::string_view AXIS_NAMES = "xyz";
 
-std::size_t numberOf(Axis axis) { return static_cast<std::size_t>(axis); }
+std::size_t numberOf(Axis axis) {
+    return static_cast<std::size_t>(axis);
+}
 
 /** Hands the colours of all values to `use`, block by block. */
 template <class Use>

@@ -10,12 +10,12 @@
 
 namespace lys::cli {
 
-/** What of a volume is coloured, and into which file: one slice as PNG or NRRD, or all slices across z, as PNG files of a
- *  numbered name or as one NRRD file. */
+/** What of a volume is coloured, and into which file: one slice as PNG or NRRD, or all slices across z, as PNG files of
+ * a numbered name or as one NRRD file. */
 class VolumeTask {
 public:
-    /** Reads the options: `slice` as "x:N", "y:N" or "z:N" (without it the middle across z), or all. Throws Failure (Unusable)
-     *  for what cannot be meant, before any volume is looked at. */
+    /** Reads the options: `slice` as "x:N", "y:N" or "z:N" (without it the middle across z), or all. Throws Failure
+     * (Unusable) for what cannot be meant, before any volume is looked at. */
     VolumeTask(const std::optional<std::string>& slice, bool all, const std::string& output);
 
     /** Throws Failure (Unusable) if the volume has no such slice. */

@@ -31,9 +31,13 @@ void writeLine(std::string_view begin, std::string_view text) noexcept {
 
 }  // namespace
 
-void printError(std::string_view text) noexcept { writeLine("colortable: ", text); }
+void printError(std::string_view text) noexcept {
+    writeLine("colortable: ", text);
+}
 
-void warn(std::string_view text) noexcept { writeLine("colortable: warning: ", text); }
+void warn(std::string_view text) noexcept {
+    writeLine("colortable: warning: ", text);
+}
 
 // The first line waits like every other, so that short work shows nothing.
 Progress::Progress(std::string_view what) : mWhat(what), mTerminal(isatty(STDERR_FILENO) == 1), mLastTime(now()) {}

@@ -13,8 +13,9 @@ struct NrrdAxis {
     double origin;   ///< place of the first sample
 };
 
-/** The header of an NRRD file of colours: four little-endian floats (red, green, blue, alpha) for each sample of the axes, the
- *  fastest axis first, raw behind the header. `unit` is that of spacing and origin, empty where there is none. */
+/** The header of an NRRD file of colours: four little-endian floats (red, green, blue, alpha) for each sample of the
+ * axes, the fastest axis first, raw behind the header. `unit` is that of spacing and origin, empty where there is none.
+ */
 std::string nrrdHeader(const std::vector<NrrdAxis>& axes, const std::string& unit);
 
 }  // namespace lys::cli

@@ -89,8 +89,12 @@ std::optional<std::int64_t> parseCount(std::string_view text) {
     return good ? std::optional(value) : std::nullopt;
 }
 
-std::string formatNumber(float value) { return shortest(value); }
-std::string formatNumber(double value) { return shortest(value); }
+std::string formatNumber(float value) {
+    return shortest(value);
+}
+std::string formatNumber(double value) {
+    return shortest(value);
+}
 
 std::vector<std::string_view> splitText(std::string_view text, char separator) {
     std::vector<std::string_view> items;

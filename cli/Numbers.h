@@ -9,9 +9,9 @@
 /** Numbers as text, independent of any locale. */
 namespace lys::cli {
 
-/** The float nearest to a decimal number; "nan", "inf" and "-inf" are numbers too, blanks around it are skipped. Numbers
- *  below the smallest denormal become a zero of their sign. Empty for a text that is no number, and for finite numbers
- *  beyond the largest float. */
+/** The float nearest to a decimal number; "nan", "inf" and "-inf" are numbers too, blanks around it are skipped.
+ * Numbers below the smallest denormal become a zero of their sign. Empty for a text that is no number, and for finite
+ * numbers beyond the largest float. */
 std::optional<float> parseFloat(std::string_view text);
 
 /** The double nearest to a decimal number. Empty for other texts and outside the range of a double. */

@@ -67,7 +67,7 @@ Output::Output(const std::string& path) : mName(path == STANDARD_OUTPUT ? "stand
         mTarget = path;
         mMode = newFileMode();
     } else {
-        fail(systemReason());
+        failBecauseOfSystem();
     }
     mKind == Kind::File ? openBeside() : openNameless();
 }
@@ -82,16 +82,26 @@ Output::Output(Output&& other) noexcept
       mMode(other.mMode),
       mExists(other.mExists) {}
 
-Output::~Output() { removeTemporary(); }
+Output::~Output() {
+    removeTemporary();
+}
 
-void Output::fail(const std::string& reason) const { throwFailed(mName + ": cannot be written: " + reason); }
+// The usual mistake is told in words of its own.
+void Output::failBecauseOfSystem() const {
+    fail(errno == ENOENT ? "its folder does not exist" : systemReason());
+}
+
+void Output::fail(const std::string& reason) const {
+    throwFailed(mName + ": cannot be written: " + reason);
+}
 
 void Output::openBeside() {
     const std::size_t slash = mTarget.rfind('/');
-    std::string name = (slash == std::string::npos ? std::string() : mTarget.substr(0, slash + 1)) + ".colortable-XXXXXX";
+    std::string name =
+        (slash == std::string::npos ? std::string() : mTarget.substr(0, slash + 1)) + ".colortable-XXXXXX";
     mFile = Descriptor(mkostemp(name.data(), O_CLOEXEC));
     if (!mFile.isOpen()) {
-        fail(systemReason());
+        failBecauseOfSystem();
     }
     mTemporary = name;
     if (fchmod(mFile.number(), mMode) != 0) {
@@ -151,8 +161,8 @@ void Output::commit(std::span<Output> outputs) {
     }
 }
 
-// Exchanging keeps the old file under the temporary name, so that a later failure can bring it back. Not every file system
-// can; there an old file is replaced for good.
+// Exchanging keeps the old file under the temporary name, so that a later failure can bring it back. Not every file
+// system can; there an old file is replaced for good.
 void Output::place() {
     const unsigned int flags = mExists ? RENAME_EXCHANGE : RENAME_NOREPLACE;
     if (renameat2(AT_FDCWD, mTemporary.c_str(), AT_FDCWD, mTarget.c_str(), flags) == 0) {

@@ -12,9 +12,9 @@
 
 namespace lys::cli {
 
-/** The bytes of one output. Nothing is seen of them until commit(): they wait in a temporary file beside the target, or,
- *  for standard output, devices and pipes, in a nameless one, so that any amount takes no memory. What was not committed
- *  leaves no trace.
+/** The bytes of one output. Nothing is seen of them until commit(): they wait in a temporary file beside the target,
+ * or, for standard output, devices and pipes, in a nameless one, so that any amount takes no memory. What was not
+ * committed leaves no trace.
  *
  *  Every operation throws Failure (Failed) with the target and the reason. */
 class Output {
@@ -43,6 +43,7 @@ private:
     void takeBack() noexcept;
     void removeTemporary() noexcept;
     void pourOut();
+    [[noreturn]] void failBecauseOfSystem() const;
     [[noreturn]] void fail(const std::string& reason) const;
 
     std::string mName;       // as the user gave it

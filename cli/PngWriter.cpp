@@ -19,7 +19,9 @@ struct Target {
     std::string message;
 };
 
-Target& targetOf(png_structp png) { return *static_cast<Target*>(png_get_io_ptr(png)); }
+Target& targetOf(png_structp png) {
+    return *static_cast<Target*>(png_get_io_ptr(png));
+}
 
 // No exception may pass through libpng: it is kept, and libpng told to give up.
 void writeBytes(png_structp png, png_bytep bytes, png_size_t count) {
@@ -80,7 +82,8 @@ std::array<std::uint8_t, 4> toBytes(const LyrRGBA<float>& color) {
 
 void writePng(Output& output, std::span<const std::uint8_t> pixels, std::int64_t width, std::int64_t height) {
     if (width > PNG_UINT_31_MAX / 4 || height > PNG_UINT_31_MAX) {
-        throwFailed("a slice of " + std::to_string(width) + " x " + std::to_string(height) + " is too large for a PNG picture");
+        throwFailed("a slice of " + std::to_string(width) + " x " + std::to_string(height) +
+                    " is too large for a PNG picture");
     }
     Target target{output, nullptr, {}};
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &target, keepError, ignoreWarning);
@@ -95,7 +98,8 @@ void writePng(Output& output, std::span<const std::uint8_t> pixels, std::int64_t
         std::rethrow_exception(target.failure);
     }
     if (!done) {
-        throwFailed("the picture could not be made: " + (target.message.empty() ? "not enough memory" : target.message));
+        throwFailed("the picture could not be made: " +
+                    (target.message.empty() ? "not enough memory" : target.message));
     }
 }
 

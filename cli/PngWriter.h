@@ -10,8 +10,8 @@
 
 namespace lys::cli {
 
-/** A colour as 8-bit red, green, blue, alpha, not premultiplied: each int(channel · 255) in single precision, clamped to
- *  0 … 255; NaN is 0. */
+/** A colour as 8-bit red, green, blue, alpha, not premultiplied: each int(channel · 255) in single precision, clamped
+ * to 0 … 255; NaN is 0. */
 std::array<std::uint8_t, 4> toBytes(const LyrRGBA<float>& color);
 
 /** Writes an RGBA picture as PNG. `pixels` are width · height · 4 bytes, row 0 on top. Throws Failure (Failed). */

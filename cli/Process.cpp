@@ -13,7 +13,9 @@ namespace {
 
 volatile std::sig_atomic_t askedToEnd = 0;
 
-extern "C" void rememberSignal(int number) { askedToEnd = number; }
+extern "C" void rememberSignal(int number) {
+    askedToEnd = number;
+}
 
 /** A stream that was closed is opened the wrong way round: using it is still an error, and its number is taken. */
 void occupy(int stream, int flags) {
@@ -45,7 +47,9 @@ void prepareProcess() {
     }
 }
 
-bool isInterrupted() noexcept { return askedToEnd != 0; }
+bool isInterrupted() noexcept {
+    return askedToEnd != 0;
+}
 
 void checkInterrupted() {
     if (isInterrupted()) {

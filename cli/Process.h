@@ -11,8 +11,9 @@ public:
     Interrupted() : std::runtime_error("interrupted") {}
 };
 
-/** Makes sure that the three standard streams exist, so that no file of ours takes their place; that a reader that goes away
- *  is an error instead of a sudden end; and that a request to end is heard between two steps. Called once, first thing. */
+/** Makes sure that the three standard streams exist, so that no file of ours takes their place; that a reader that goes
+ * away is an error instead of a sudden end; and that a request to end is heard between two steps. Called once, first
+ * thing. */
 void prepareProcess();
 
 /** True once the program was asked to end. */

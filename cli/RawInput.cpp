@@ -57,7 +57,9 @@ std::size_t RawInput::read(std::span<float> values) {
     return filled / 4;
 }
 
-void RawInput::fail(const std::string& reason) const { throwUnusable(mName + ": cannot be read: " + reason); }
+void RawInput::fail(const std::string& reason) const {
+    throwUnusable(mName + ": cannot be read: " + reason);
+}
 
 void RawInput::failCut(std::int64_t bytes) const {
     throwUnusable(mName + ": " + std::to_string(bytes) +

@@ -9,8 +9,8 @@
 
 namespace lys::cli {
 
-/** A stream of little-endian 32-bit floats: a file, a pipe, or "-" for standard input. Throws Failure (Unusable) when it
- *  cannot be read or its length is not a multiple of 4 bytes; of a file the length is checked at once. */
+/** A stream of little-endian 32-bit floats: a file, a pipe, or "-" for standard input. Throws Failure (Unusable) when
+ * it cannot be read or its length is not a multiple of 4 bytes; of a file the length is checked at once. */
 class RawInput {
 public:
     explicit RawInput(const std::string& path);

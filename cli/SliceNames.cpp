@@ -12,7 +12,8 @@ constexpr std::size_t LARGEST_WIDTH = 20;
 
 SliceNames::SliceNames(const std::string& pattern) {
     if (!read(pattern)) {
-        throwUnusable(pattern + ": --all needs exactly one marker for the slice's number in the name, as in out-%04d.png");
+        throwUnusable(pattern +
+                      ": --all needs exactly one marker for the slice's number in the name, as in out-%04d.png");
     }
 }
 

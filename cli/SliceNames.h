@@ -5,11 +5,12 @@
 
 namespace lys::cli {
 
-/** File names for the slices of a volume, from a pattern such as "out-%04d.png": one marker, %d or %4d (filled with blanks) or
- *  %04d (filled with zeros), stands for the slice's number; %% is a percent sign. */
+/** File names for the slices of a volume, from a pattern such as "out-%04d.png": one marker, %d or %4d (filled with
+ * blanks) or %04d (filled with zeros), stands for the slice's number; %% is a percent sign. */
 class SliceNames {
 public:
-    /** Throws Failure (Unusable) for a pattern without a marker, with several, or with anything else after a percent sign. */
+    /** Throws Failure (Unusable) for a pattern without a marker, with several, or with anything else after a percent
+     * sign. */
     explicit SliceNames(const std::string& pattern);
 
     std::string name(std::int64_t slice) const;

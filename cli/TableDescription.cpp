@@ -34,11 +34,13 @@ TableDescription::Section describeSection(const LyrObject* section, float from, 
     if (!section || !section->getMetaClass().isOfType(LyrColorLookupTable::Section::metaClass())) {
         return {"(no section)", from, to, {}};
     }
-    return {nameOf(lyrGetValue(section, Lyr::Type, Lyrenum(-1))),
-            from,
-            to,
-            {listOf<LyrVector2<float>>(section, Lyr::PointListRed), listOf<LyrVector2<float>>(section, Lyr::PointListGreen),
-             listOf<LyrVector2<float>>(section, Lyr::PointListBlue), listOf<LyrVector2<float>>(section, Lyr::PointListAlpha)}};
+    return {
+        nameOf(lyrGetValue(section, Lyr::Type, Lyrenum(-1))),
+        from,
+        to,
+        {listOf<LyrVector2<float>>(section, Lyr::PointListRed), listOf<LyrVector2<float>>(section, Lyr::PointListGreen),
+         listOf<LyrVector2<float>>(section, Lyr::PointListBlue),
+         listOf<LyrVector2<float>>(section, Lyr::PointListAlpha)}};
 }
 
 std::string listText(const std::vector<float>& values) {
@@ -99,7 +101,9 @@ std::string TableDescription::reasonInvalid() const {
     return {};
 }
 
-bool TableDescription::isAscending() const { return std::is_sorted(positions.begin(), positions.end()); }
+bool TableDescription::isAscending() const {
+    return std::is_sorted(positions.begin(), positions.end());
+}
 
 std::string TableDescription::toText(const std::string& name) const {
     const std::string reason = reasonInvalid();
@@ -110,8 +114,8 @@ std::string TableDescription::toText(const std::string& name) const {
     text += "sections (" + std::to_string(sections.size()) + "):\n";
     for (std::size_t i = 0; i < sections.size(); ++i) {
         const Section& section = sections[i];
-        text += "  " + std::to_string(i) + "  " + formatNumber(section.from) + " to " + formatNumber(section.to) + "  " +
-                section.type;
+        text += "  " + std::to_string(i) + "  " + formatNumber(section.from) + " to " + formatNumber(section.to) +
+                "  " + section.type;
         for (std::size_t channel = 0; channel < CHANNELS.size(); ++channel) {
             text += section.points[channel].empty() ? "" : channelText(CHANNELS[channel], section.points[channel]);
         }

@@ -15,8 +15,8 @@ struct TableDescription {
 
     struct Section {
         std::string type;
-        float from;  ///< infinite in the first section
-        float to;    ///< infinite in the last section
+        float from;                                            ///< infinite in the first section
+        float to;                                              ///< infinite in the last section
         std::array<std::vector<LyrVector2<float>>, 4> points;  ///< (position, value) for each channel
     };
 

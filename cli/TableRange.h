@@ -15,9 +15,9 @@ struct TableRange {
     /** Reads "auto" or "A,B". Throws Failure (Unusable) for other texts, for A >= B and for bounds beyond a float. */
     static TableRange parse(const std::string& text);
 
-    /** Moves the table's positions linearly from [first, last] to [low, high]: low + (p - first) · (high - low) / (last - first)
-     *  in double, narrowed to float once; first and last come to lie on low and high exactly. Throws Failure (Unusable) for a
-     *  table without an extent. `automatic` must have been settled before. */
+    /** Moves the table's positions linearly from [first, last] to [low, high]: low + (p - first) · (high - low) / (last
+     * - first) in double, narrowed to float once; first and last come to lie on low and high exactly. Throws Failure
+     * (Unusable) for a table without an extent. `automatic` must have been settled before. */
     void apply(LyrColorLookupTable& table) const;
 };
 

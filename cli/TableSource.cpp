@@ -34,7 +34,8 @@ LyrObjectPtr makeBuiltIn(const BuiltInPreset& preset) {
     const LyrObjectRefPtr table(TABLE_CLASS, Lyr::DocumentScope);
     LyrObjectLink middle;
     const LyrValueArrayOPPtr<LyrLinkListIF> sections(table.get(), Lyr::SectionList);
-    if (!sections || !sections->getArrayItems(1, 1, &middle) || !lyrSetValue(middle.getLink(), Lyr::Type, preset.middle)) {
+    if (!sections || !sections->getArrayItems(1, 1, &middle) ||
+        !lyrSetValue(middle.getLink(), Lyr::Type, preset.middle)) {
         throwFailed(std::string("the preset ") + preset.name + " could not be made");
     }
     return table;
@@ -85,8 +86,8 @@ void TableSource::checkSections() const {
     for (std::size_t i = 0; i < sections.items().size(); ++i) {
         const LyrObject* section = sections.items()[i].getLink();
         if (section && !section->getMetaClass().isOfType(LyrColorLookupTable::Section::metaClass())) {
-            throwUnusable(mName + ": SectionList[" + std::to_string(i) + "]: a " + section->getMetaClass().getClassName() +
-                          " is no section of a table");
+            throwUnusable(mName + ": SectionList[" + std::to_string(i) + "]: a " +
+                          section->getMetaClass().getClassName() + " is no section of a table");
         }
     }
 }
@@ -99,6 +100,8 @@ std::vector<std::string> TableSource::presetNames() {
     return names;
 }
 
-bool TableSource::isPreset(const std::string& name) { return findBuiltIn(name) != nullptr; }
+bool TableSource::isPreset(const std::string& name) {
+    return findBuiltIn(name) != nullptr;
+}
 
 }  // namespace lys::cli

@@ -78,7 +78,8 @@ std::string volumeText(const LyrVolume& volume) {
     return "volume " + volume.description().source + "\nformat " + volume.description().format + "\nsize " +
            std::to_string(size[0]) + ' ' + std::to_string(size[1]) + ' ' + std::to_string(size[2]) + "\nspacing " +
            spaced(volume.spacing(), volume.unit()) + "\norigin " + spaced(volume.origin(), volume.unit()) +
-           "\nvalues " + (range.isEmpty() ? "none is finite" : formatNumber(range.low) + " to " + formatNumber(range.high)) + '\n';
+           "\nvalues " +
+           (range.isEmpty() ? "none is finite" : formatNumber(range.low) + " to " + formatNumber(range.high)) + '\n';
 }
 
 std::string volumeJson(const LyrVolume& volume, bool isCasting) {

@@ -8,7 +8,9 @@
 
 namespace lys::cli {
 
-bool isBuiltInVolume(const std::string& name) { return name.starts_with("builtin:"); }
+bool isBuiltInVolume(const std::string& name) {
+    return name.starts_with("builtin:");
+}
 
 std::shared_ptr<const LyrVolume> readVolume(const std::string& pathOrName) {
     std::shared_ptr<const LyrVolume> volume;

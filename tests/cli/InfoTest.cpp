@@ -45,7 +45,8 @@ TEST(Info, a_table_file_is_told_as_json) {
     EXPECT_EQ(told["positions"], json::parse("[0.1, 3.4028235e+38]"));
     ASSERT_EQ(told["sections"].size(), 3u);
     EXPECT_EQ(told["sections"][0],
-              json::parse(R"({"type": "Gradient", "from": "-inf", "to": 0.1, "red": [[0, 0.25], [1, 7], [2, 0.5]], "green": [],
+              json::parse(
+                  R"({"type": "Gradient", "from": "-inf", "to": 0.1, "red": [[0, 0.25], [1, 7], [2, 0.5]], "green": [],
                               "blue": [[0, "nan"]], "alpha": []})"));
     EXPECT_EQ(told["sections"][1]["type"], "HueCycle");
     EXPECT_EQ(told["sections"][2]["to"], "inf");
@@ -53,6 +54,17 @@ TEST(Info, a_table_file_is_told_as_json) {
     EXPECT_EQ(told["quantity"], "Angle");
     EXPECT_EQ(told["autoLabel"], false);
     EXPECT_EQ(told["autoScale"], true);
+}
+
+TEST(Info, every_example_table_is_valid_and_ascends) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(EXAMPLE_TABLES)) {
+        const json told = infoJson(entry.path().string());
+        EXPECT_EQ(told["valid"], true) << entry.path();
+        EXPECT_EQ(told["ascending"], true) << entry.path();
+        ++count;
+    }
+    EXPECT_GT(count, 0);
 }
 
 TEST(Info, an_invalid_table_is_no_failure) {
@@ -64,9 +76,9 @@ TEST(Info, an_invalid_table_is_no_failure) {
     EXPECT_EQ(infoJson(one)["valid"], false);
     const std::string none = folder.write("none.json", table_text::table({}, {}));
     EXPECT_EQ(infoJson(none)["valid"], false);
-    const std::string falling = folder.write("falling.json", table_text::table({1, 0}, {table_text::constant(1, 0, 0, 1),
-                                                                                       table_text::constant(1, 0, 0, 1),
-                                                                                       table_text::constant(1, 0, 0, 1)}));
+    const std::string falling = folder.write(
+        "falling.json", table_text::table({1, 0}, {table_text::constant(1, 0, 0, 1), table_text::constant(1, 0, 0, 1),
+                                                   table_text::constant(1, 0, 0, 1)}));
     EXPECT_EQ(infoJson(falling)["ascending"], false);
 }
 
@@ -89,7 +101,8 @@ TEST(Info, a_volume_is_told_with_size_spacing_and_values) {
 
 TEST(Info, a_volume_without_finite_values_has_no_range) {
     TestFolder folder;
-    EXPECT_TRUE(infoJson(folder.write("n.nrrd", volume_file::header("1 1 1") + bytesOf({NAN})))["valueRange"].is_null());
+    EXPECT_TRUE(
+        infoJson(folder.write("n.nrrd", volume_file::header("1 1 1") + bytesOf({NAN})))["valueRange"].is_null());
 }
 
 TEST(Info, the_truth_about_the_casting_adds_up) {
@@ -119,11 +132,12 @@ TEST(Info, what_is_neither_table_nor_volume_is_unusable) {
     folder.write("cut.json", "{ \"format\": \"lyr-object\"");
     folder.write("cut", "{ \"format\": \"lyr-object\"");
     folder.write("no.json", "hello");
-    for (const std::string& source :
-         {folder / "missing", folder / "folder", folder / "text.txt", folder / "cut.json", folder / "cut", folder / "no.json",
-          std::string("No Such Preset"), std::string("builtin:x"), std::string("builtin:casting@1"), std::string()}) {
+    for (const std::string& source : {folder / "missing", folder / "folder", folder / "text.txt", folder / "cut.json",
+                                      folder / "cut", folder / "no.json", std::string("No Such Preset"),
+                                      std::string("builtin:x"), std::string("builtin:casting@1"), std::string()}) {
         for (const bool asJson : {false, true}) {
-            const ProgramRun run = asJson ? ProgramRun::of({"info", source, "--json"}) : ProgramRun::of({"info", source});
+            const ProgramRun run =
+                asJson ? ProgramRun::of({"info", source, "--json"}) : ProgramRun::of({"info", source});
             EXPECT_EQ(run.status, 2) << source;
             EXPECT_EQ(run.out, "") << source;
             EXPECT_THAT(run.error, HasSubstr(source)) << source;

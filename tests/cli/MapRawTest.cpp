@@ -26,9 +26,9 @@ ProgramRun mapRaw(const std::string& table, const std::string& input, const std:
 
 /// A table whose middle section has no rule.
 std::string tableWithHole(const TestFolder& folder) {
-    return folder.write("hole.json", table_text::table({0, 1}, {table_text::constant(1, 0, 0, 1),
-                                                               table_text::section("Custom", {}),
-                                                               table_text::constant(0, 0, 1, 1)}));
+    return folder.write("hole.json",
+                        table_text::table({0, 1}, {table_text::constant(1, 0, 0, 1), table_text::section("Custom", {}),
+                                                   table_text::constant(0, 0, 1, 1)}));
 }
 
 TEST(MapRaw, a_file_becomes_a_file) {
@@ -61,7 +61,8 @@ TEST(MapRaw, random_tables_equal_the_plain_model_bit_for_bit) {
     TestFolder folder;
     plain::Random random(20240611);
     int failing = 0;
-    for (const std::size_t boundaries : {2, 2, 2, 3, 3, 4, 5, 5, 8, 8, 13, 16, 17, 30, 31, 32, 33, 64, 100, 300, 1000, 3000}) {
+    for (const std::size_t boundaries :
+         {2, 2, 2, 3, 3, 4, 5, 5, 8, 8, 13, 16, 17, 30, 31, 32, 33, 64, 100, 300, 1000, 3000}) {
         plain::Table model = random.table(boundaries, true);
         for (float& position : model.positions)
             position = std::clamp(position, -FLT_MAX, FLT_MAX);
@@ -111,7 +112,8 @@ TEST(MapRaw, values_beyond_a_block_are_coloured_in_order) {
 TEST(MapRaw, the_range_applies_to_raw_values) {
     TestFolder folder;
     const std::string input = folder.write("v.f32", bytesOf({10, 15, 20}));
-    ASSERT_EQ(ProgramRun::of({"map", "--table", "Rainbow", "--range", "10,20", "-i", input, "-o", folder / "c"}).status, 0);
+    ASSERT_EQ(ProgramRun::of({"map", "--table", "Rainbow", "--range", "10,20", "-i", input, "-o", folder / "c"}).status,
+              0);
     EXPECT_EQ(floatsOf(readBytes(folder / "c")), (std::vector<float>{0, 0, 1, 1, 0, 1, 0, 1, 1, 0, 0, 1}));
 }
 
@@ -167,8 +169,8 @@ TEST(MapRaw, an_output_that_cannot_be_written_fails) {
     TestFolder folder;
     const std::string input = folder.write("v.f32", bytesOf(std::vector<float>(100000, 0.0f)));
     std::filesystem::create_directory(folder / "folder");
-    for (const std::string& output : {folder / "no-folder/out", folder / "folder", folder / "v.f32/out", std::string("/dev/full"),
-                                      folder / "", std::string("/proc/out")}) {
+    for (const std::string& output : {folder / "no-folder/out", folder / "folder", folder / "v.f32/out",
+                                      std::string("/dev/full"), folder / "", std::string("/proc/out")}) {
         const ProgramRun run = mapRaw("Rainbow", input, output);
         EXPECT_EQ(run.status, 1) << output;
         EXPECT_THAT(run.error, HasSubstr(output)) << output;
@@ -271,17 +273,16 @@ TEST(MapRaw, a_request_to_end_removes_what_is_unfinished) {
 TEST(MapRaw, options_that_do_not_fit_raw_values_are_refused) {
     TestFolder folder;
     const std::string input = folder.write("v.f32", bytesOf(FOUR_VALUES));
-    const std::vector<std::vector<std::string>> wrong = {
-        {"-i", input},
-        {"-o", folder / "out"},
-        {"-i", input, "-o", folder / "out.png"},
-        {"-i", input, "-o", folder / "out.nrrd"},
-        {"-i", input, "-o", folder / "out", "--slice", "z:0"},
-        {"-i", input, "-o", folder / "out", "--all"},
-        {"-i", input, "-o", folder / "out", "--range", "auto"},
-        {"-i", input, "-o", folder / "out", "--at", "1"},
-        {"--at", "1", "--all"},
-        {}};
+    const std::vector<std::vector<std::string>> wrong = {{"-i", input},
+                                                         {"-o", folder / "out"},
+                                                         {"-i", input, "-o", folder / "out.png"},
+                                                         {"-i", input, "-o", folder / "out.nrrd"},
+                                                         {"-i", input, "-o", folder / "out", "--slice", "z:0"},
+                                                         {"-i", input, "-o", folder / "out", "--all"},
+                                                         {"-i", input, "-o", folder / "out", "--range", "auto"},
+                                                         {"-i", input, "-o", folder / "out", "--at", "1"},
+                                                         {"--at", "1", "--all"},
+                                                         {}};
     for (std::vector<std::string> arguments : wrong) {
         arguments.insert(arguments.begin(), {"map", "--table", "Rainbow"});
         const ProgramRun run = ProgramRun::of(arguments);

@@ -36,10 +36,10 @@ TEST(MapAt, a_value_that_begins_with_a_minus_sign_is_no_option) {
 TEST(MapAt, values_are_the_nearest_floats) {
     TestFolder folder;
     // A gradient over one step of the floats next to 1: its ends are told apart by the last bit.
-    const std::string table = folder.write("ulp.json", table_text::table({1.0f, std::nextafter(1.0f, 2.0f)},
-                                                                         {table_text::constant(0.25f, 0, 0, 1),
-                                                                          table_text::section("Gradient", {{0, 1}}),
-                                                                          table_text::constant(0.75f, 0, 0, 1)}));
+    const std::string table = folder.write(
+        "ulp.json", table_text::table({1.0f, std::nextafter(1.0f, 2.0f)},
+                                      {table_text::constant(0.25f, 0, 0, 1), table_text::section("Gradient", {{0, 1}}),
+                                       table_text::constant(0.75f, 0, 0, 1)}));
     // 1 + 2^-24 lies half-way between two floats and goes to the even one, 1.
     EXPECT_EQ(mapAt(table, "1,1.000000059604644775390625,1.0000000596046448,1.0000001").out,
               "0 0 0 0\n0 0 0 0\n1 0 0 0\n1 0 0 0\n");
@@ -49,9 +49,10 @@ TEST(MapAt, values_are_the_nearest_floats) {
 TEST(MapAt, denormals_are_exact_and_smaller_numbers_are_a_zero) {
     TestFolder folder;
     const float tiny = plain::floatOf(1);
-    const std::string table = folder.write("tiny.json", table_text::table({-tiny, tiny}, {table_text::constant(1, 0, 0, 1),
-                                                                                         table_text::constant(0, 1, 0, 1),
-                                                                                         table_text::constant(0, 0, 1, 1)}));
+    const std::string table = folder.write(
+        "tiny.json",
+        table_text::table({-tiny, tiny}, {table_text::constant(1, 0, 0, 1), table_text::constant(0, 1, 0, 1),
+                                          table_text::constant(0, 0, 1, 1)}));
     EXPECT_EQ(mapAt(table, "1e-45,2.8e-45,-1e-45,-2.8e-45").out, "0 1 0 1\n0 0 1 1\n0 1 0 1\n1 0 0 1\n");
     EXPECT_EQ(mapAt(table, "1e-46,-1e-46,1e-400,0.0001e-99999999999999999999,-0").out,
               "0 1 0 1\n0 1 0 1\n0 1 0 1\n0 1 0 1\n0 1 0 1\n");
@@ -67,8 +68,8 @@ TEST(MapAt, colours_are_the_shortest_exact_floats) {
 }
 
 TEST(MapAt, what_is_no_float_is_refused) {
-    for (const char* values : {"", "1,", ",1", "1,,2", "x", "1;2", "0x10", "1e", "1e39", "-1e39", "3.4028236e38", "1e400",
-                               "1_000", "--1", "+-1", "1 2", "1e99999999999999999999"}) {
+    for (const char* values : {"", "1,", ",1", "1,,2", "x", "1;2", "0x10", "1e", "1e39", "-1e39", "3.4028236e38",
+                               "1e400", "1_000", "--1", "+-1", "1 2", "1e99999999999999999999"}) {
         const ProgramRun run = mapAt("Rainbow", values);
         EXPECT_EQ(run.status, 2) << values;
         EXPECT_EQ(run.out, "") << values;
@@ -95,10 +96,10 @@ TEST(MapAt, one_value_without_a_colour_fails_the_call_and_prints_nothing) {
 
 TEST(MapAt, an_invalid_table_fails_whatever_is_asked) {
     TestFolder folder;
-    const std::string two = folder.write("two.json", table_text::table({0, 1}, {table_text::constant(1, 0, 0, 1),
-                                                                               table_text::constant(1, 0, 0, 1)}));
-    const std::string one = folder.write("one.json", table_text::table({0}, {table_text::constant(1, 0, 0, 1),
-                                                                            table_text::constant(1, 0, 0, 1)}));
+    const std::string two = folder.write(
+        "two.json", table_text::table({0, 1}, {table_text::constant(1, 0, 0, 1), table_text::constant(1, 0, 0, 1)}));
+    const std::string one = folder.write(
+        "one.json", table_text::table({0}, {table_text::constant(1, 0, 0, 1), table_text::constant(1, 0, 0, 1)}));
     for (const std::string& table : {two, one}) {
         const ProgramRun run = mapAt(table, "0.5");
         EXPECT_EQ(run.status, 1);
@@ -131,7 +132,8 @@ TEST(MapRange, positions_are_formed_in_double_and_narrowed_once) {
         const double low = 0.3333333333333333;
         const double moved = low + (double(positions[i]) + 3.0) * (1000.0 - low) / 8.0;
         const float boundary = float(moved);
-        const std::string values = table_text::number(boundary) + "," + table_text::number(std::nextafter(boundary, 2000.0f));
+        const std::string values =
+            table_text::number(boundary) + "," + table_text::number(std::nextafter(boundary, 2000.0f));
         const ProgramRun run =
             ProgramRun::of({"map", "--table", table, "--range", "0.3333333333333333,1000", "--at", values});
         EXPECT_EQ(run.out, std::to_string(i) + " 0 0 1\n" + std::to_string(i + 1) + " 0 0 1\n") << run.error;
@@ -146,7 +148,8 @@ TEST(MapRange, the_ends_are_met_exactly_even_where_they_are_of_very_different_si
 }
 
 TEST(MapRange, ranges_that_are_none_are_refused) {
-    for (const char* range : {"1,1", "2,1", "nan,1", "0,nan", "0,inf", "-inf,0", "0", "0,1,2", "", ",", "a,b", "0,1e39", "auto"}) {
+    for (const char* range :
+         {"1,1", "2,1", "nan,1", "0,nan", "0,inf", "-inf,0", "0", "0,1,2", "", ",", "a,b", "0,1e39", "auto"}) {
         const ProgramRun run = ProgramRun::of({"map", "--table", "Rainbow", "--range", range, "--at", "0"});
         EXPECT_EQ(run.status, 2) << range;
         EXPECT_EQ(run.out, "") << range;

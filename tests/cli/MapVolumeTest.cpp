@@ -101,9 +101,10 @@ TEST(MapVolume, channels_are_truncated_clamped_and_not_premultiplied) {
     TestFolder folder;
     const float nan = std::nanf("");
     const std::string table = folder.write(
-        "t.json", table_text::table({0, 1, 2}, {table_text::constant(-1, 2, nan, 0.5f), table_text::constant(0.999f, 0.5f, 1, 0),
-                                                table_text::constant(INFINITY, -INFINITY, 1.0f / 255, 0.9999999f),
-                                                table_text::constant(0.0039f, 254.0f / 255, 0.25f, 1)}));
+        "t.json",
+        table_text::table({0, 1, 2}, {table_text::constant(-1, 2, nan, 0.5f), table_text::constant(0.999f, 0.5f, 1, 0),
+                                      table_text::constant(INFINITY, -INFINITY, 1.0f / 255, 0.9999999f),
+                                      table_text::constant(0.0039f, 254.0f / 255, 0.25f, 1)}));
     const std::string volume = folder.write("v.nrrd", volume_file::header("4 1 1") + bytesOf({-1, 0.5f, 1.5f, 3}));
     const ProgramRun run = mapVolume(table, volume, folder / "out.png");
     ASSERT_EQ(run.status, 0) << run.error;
@@ -132,14 +133,15 @@ TEST(MapVolume, markers_for_the_slices_number_take_every_plain_form) {
     const std::string volume = folder.write("v.nrrd", volume_file::counting());
     for (const char* name : {"a%d.png", "100%%b%02d.png", "c%3d.png"})
         EXPECT_EQ(mapVolume("Rainbow", volume, folder / name, {"--all"}).status, 0) << name;
-    EXPECT_THAT(folder.names(), ElementsAre("100%b00.png", "100%b01.png", "a0.png", "a1.png", "c  0.png", "c  1.png", "v.nrrd"));
+    EXPECT_THAT(folder.names(),
+                ElementsAre("100%b00.png", "100%b01.png", "a0.png", "a1.png", "c  0.png", "c  1.png", "v.nrrd"));
 }
 
 TEST(MapVolume, names_without_exactly_one_marker_are_refused) {
     TestFolder folder;
     const std::string volume = folder.write("v.nrrd", volume_file::counting());
-    for (const char* name : {"out.png", "%d-%d.png", "%s.png", "%.png", "%05.png", "%%.png", "%x%d.png", "%-4d.png", "%4$d.png",
-                             "%ld.png", "%999999999999d.png", "%d%n.png"}) {
+    for (const char* name : {"out.png", "%d-%d.png", "%s.png", "%.png", "%05.png", "%%.png", "%x%d.png", "%-4d.png",
+                             "%4$d.png", "%ld.png", "%999999999999d.png", "%d%n.png"}) {
         const ProgramRun run = mapVolume("Rainbow", volume, folder / name, {"--all"});
         EXPECT_EQ(run.status, 2) << name;
         EXPECT_THAT(run.error, HasSubstr("marker")) << name;
@@ -157,9 +159,9 @@ TEST(MapVolume, a_whole_volume_becomes_one_file_of_colours_in_its_place_in_space
     ASSERT_NE(end, std::string::npos);
     const std::string header = bytes.substr(0, end + 1);
     EXPECT_THAT(header, testing::StartsWith("NRRD0004\n"));
-    for (const char* line : {"\ntype: float\n", "\ndimension: 4\n", "\nsizes: 4 4 3 2\n", "\nkinds: RGBA-color domain domain domain\n",
-                             "\nencoding: raw\n", "\nendian: little\n", "\nspace dimension: 3\n",
-                             "\nspace directions: none (0.5,0,0) (0,1,0) (0,0,2)\n"})
+    for (const char* line : {"\ntype: float\n", "\ndimension: 4\n", "\nsizes: 4 4 3 2\n",
+                             "\nkinds: RGBA-color domain domain domain\n", "\nencoding: raw\n", "\nendian: little\n",
+                             "\nspace dimension: 3\n", "\nspace directions: none (0.5,0,0) (0,1,0) (0,0,2)\n"})
         EXPECT_THAT(header, HasSubstr(line));
     const std::vector<float> colors = floatsOf(bytes.substr(end + 2));
     ASSERT_EQ(colors.size(), 4u * 24u);
@@ -186,8 +188,8 @@ TEST(MapVolume, one_slice_becomes_a_flat_file_of_colours) {
 TEST(MapVolume, slices_that_are_not_there_are_refused) {
     TestFolder folder;
     const std::string volume = folder.write("v.nrrd", volume_file::counting());
-    for (const char* slice : {"z:2", "x:4", "y:3", "z:9223372036854775807", "z:9223372036854775808", "z:-1", "z:", "z", "w:0", ":0",
-                              "", "z:1.5", "z:1x", "Z:0", "z:+1", "1"}) {
+    for (const char* slice : {"z:2", "x:4", "y:3", "z:9223372036854775807", "z:9223372036854775808", "z:-1", "z:", "z",
+                              "w:0", ":0", "", "z:1.5", "z:1x", "Z:0", "z:+1", "1"}) {
         const ProgramRun run = mapVolume("Rainbow", volume, folder / "out.png", {"--slice", slice});
         EXPECT_EQ(run.status, 2) << slice;
         EXPECT_THAT(run.error, HasSubstr("slice")) << slice;
@@ -207,7 +209,8 @@ TEST(MapVolume, outputs_of_another_kind_are_refused) {
 TEST(MapVolume, a_volume_without_different_values_has_no_automatic_range) {
     TestFolder folder;
     const std::string flat = folder.write("flat.nrrd", volume_file::header("2 1 1") + bytesOf({5, 5}));
-    const std::string empty = folder.write("nan.nrrd", volume_file::header("2 1 1") + bytesOf({std::nanf(""), INFINITY}));
+    const std::string empty =
+        folder.write("nan.nrrd", volume_file::header("2 1 1") + bytesOf({std::nanf(""), INFINITY}));
     for (const std::string& volume : {flat, empty}) {
         const ProgramRun run = mapVolume("Rainbow", volume, folder / "out.png", {"--range", "auto"});
         EXPECT_EQ(run.status, 2);
@@ -225,7 +228,8 @@ TEST(MapVolume, unusable_volumes_are_refused_with_their_name) {
     folder.write("empty.nii", "");
     std::filesystem::create_directory(folder / "empty-folder");
     const std::vector<std::string> before = folder.names();
-    for (const char* name : {"cut.nrrd", "zero.nrrd", "huge.nrrd", "noise.bin", "empty.nii", "empty-folder", "missing.nrrd"}) {
+    for (const char* name :
+         {"cut.nrrd", "zero.nrrd", "huge.nrrd", "noise.bin", "empty.nii", "empty-folder", "missing.nrrd"}) {
         const ProgramRun run = mapVolume("Rainbow", folder / name, folder / "out.png");
         EXPECT_EQ(run.status, 2) << name;
         EXPECT_EQ(run.out, "") << name;
@@ -239,8 +243,9 @@ TEST(MapVolume, unusable_volumes_are_refused_with_their_name) {
 TEST(MapVolume, a_voxel_without_a_colour_leaves_no_picture) {
     TestFolder folder;
     const std::string table = folder.write(
-        "t.json", table_text::table({119.5f, 120.5f}, {table_text::constant(1, 0, 0, 1), table_text::section("Custom", {}),
-                                                       table_text::constant(0, 0, 1, 1)}));
+        "t.json",
+        table_text::table({119.5f, 120.5f}, {table_text::constant(1, 0, 0, 1), table_text::section("Custom", {}),
+                                             table_text::constant(0, 0, 1, 1)}));
     const std::string volume = folder.write("v.nrrd", volume_file::counting());
     folder.write("out-0.png", "old");
     // The value 120 is in the last slice only.
@@ -254,8 +259,7 @@ TEST(MapVolume, a_voxel_without_a_colour_leaves_no_picture) {
 
 TEST(MapVolume, one_picture_that_cannot_be_written_takes_the_others_back) {
     TestFolder folder;
-    const std::string volume =
-        folder.write("v.nrrd", volume_file::header("1 1 4") + bytesOf({0, 0, 0, 0}));
+    const std::string volume = folder.write("v.nrrd", volume_file::header("1 1 4") + bytesOf({0, 0, 0, 0}));
     folder.write("out-0.png", "old");
     ASSERT_EQ(symlink("/dev/full", (folder / "out-2.png").c_str()), 0);
     EXPECT_EQ(mapVolume("Rainbow", volume, folder / "out-%d.png", {"--all"}).status, 1);
@@ -271,7 +275,8 @@ TEST(MapVolume, one_picture_that_cannot_be_written_takes_the_others_back) {
 
 TEST(MapVolume, more_slices_than_files_may_be_open_are_no_difficulty) {
     TestFolder folder;
-    const std::string volume = folder.write("v.nrrd", volume_file::header("1 1 1500") + bytesOf(std::vector<float>(1500, 0)));
+    const std::string volume =
+        folder.write("v.nrrd", volume_file::header("1 1 1500") + bytesOf(std::vector<float>(1500, 0)));
     const ProgramRun run = mapVolume("Rainbow", volume, folder / "%d.png", {"--all"});
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(folder.names().size(), 1501u);
@@ -279,8 +284,8 @@ TEST(MapVolume, more_slices_than_files_may_be_open_are_no_difficulty) {
 
 TEST(MapVolume, the_first_frame_is_taken_with_a_message) {
     TestFolder folder;
-    const std::string frames =
-        folder.write("frames.nrrd", volume_file::header("1 1 1 2", "kinds: domain domain domain time\n", 4) + bytesOf({1, -1}));
+    const std::string frames = folder.write(
+        "frames.nrrd", volume_file::header("1 1 1 2", "kinds: domain domain domain time\n", 4) + bytesOf({1, -1}));
     const ProgramRun run = mapVolume("Rainbow", frames, folder / "out.png");
     ASSERT_EQ(run.status, 0) << run.error;
     EXPECT_THAT(run.error, HasSubstr("frames.nrrd"));
@@ -289,12 +294,14 @@ TEST(MapVolume, the_first_frame_is_taken_with_a_message) {
 
 TEST(MapVolume, the_built_in_casting_shows_material_and_air) {
     TestFolder folder;
-    const ProgramRun run = mapVolume("Rainbow", "builtin:casting@64", folder / "out.png", {"--slice", "z:16", "--range", "auto"});
+    const ProgramRun run =
+        mapVolume("Rainbow", "builtin:casting@64", folder / "out.png", {"--slice", "z:16", "--range", "auto"});
     ASSERT_EQ(run.status, 0) << run.error;
     const Picture picture = Picture::decode(readBytes(folder / "out.png"));
     ASSERT_EQ(picture.width, 64u);
     ASSERT_EQ(picture.height, 64u);
-    // At 16.5 mm the block reaches from 4 to 60 mm; a pore of 3 mm radius lies around (12.2, 37.4, 16.1), solid material at (31, 31).
+    // At 16.5 mm the block reaches from 4 to 60 mm; a pore of 3 mm radius lies around (12.2, 37.4, 16.1), solid
+    // material at (31, 31).
     EXPECT_EQ(picture.at(1, 1), (Picture::Pixel{0, 0, 255, 255}));
     EXPECT_EQ(picture.at(12, 37), (Picture::Pixel{0, 0, 255, 255}));
     EXPECT_EQ(picture.at(31, 31), (Picture::Pixel{255, 0, 0, 255}));

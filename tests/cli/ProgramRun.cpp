@@ -40,8 +40,8 @@ void limit(__rlimit_resource resource, long bytes) {
         _exit(125);
 }
 
-[[noreturn]] void becomeProgram(const std::vector<std::string>& arguments, const ProgramRun::Setup& setup, const Pipe& in,
-                                const Pipe& out, const Pipe& error) {
+[[noreturn]] void becomeProgram(const std::vector<std::string>& arguments, const ProgramRun::Setup& setup,
+                                const Pipe& in, const Pipe& out, const Pipe& error) {
     if (!setup.folder.empty() && chdir(setup.folder.c_str()) != 0)
         _exit(126);
     for (const auto& [name, value] : setup.environment)
@@ -76,7 +76,8 @@ void serve(Pipe& in, Pipe& out, Pipe& error, const std::string& input, ProgramRu
         pollfd polled[3] = {{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {error.ends[0], POLLIN, 0}};
         poll(polled, 3, -1);
         if (polled[0].revents != 0) {
-            const ssize_t count = write(in.ends[1], input.data() + fed, std::min<std::size_t>(input.size() - fed, 4096));
+            const ssize_t count =
+                write(in.ends[1], input.data() + fed, std::min<std::size_t>(input.size() - fed, 4096));
             fed += count > 0 ? std::size_t(count) : 0;
             if (count < 0 || fed == input.size())
                 in.close(1);

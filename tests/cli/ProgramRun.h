@@ -6,9 +6,9 @@
 
 /// One run of the program as a process of its own.
 struct ProgramRun {
-    int status = -1;    ///< exit status; 1000 + number for an end by a signal
-    std::string out;    ///< standard output
-    std::string error;  ///< standard error
+    int status = -1;      ///< exit status; 1000 + number for an end by a signal
+    std::string out;      ///< standard output
+    std::string error;    ///< standard error
     long peakMemory = 0;  ///< bytes that were in memory at most
 
     /// How a run is set up besides its arguments.
@@ -20,7 +20,7 @@ struct ProgramRun {
         bool closedOutput = false;                       ///< run without a standard output
         bool deafReader = false;                         ///< standard output is a pipe that nobody reads
         long fileLimit = 0;                              ///< bytes of a file, 0 for no limit
-        int signal = 0;                                  ///< sent once `signalFolder` has an entry; input stays open till then
+        int signal = 0;  ///< sent once `signalFolder` has an entry; input stays open till then
         std::string signalFolder;
     };
 

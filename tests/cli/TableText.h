@@ -45,18 +45,28 @@ inline std::string table(const std::vector<float>& positions, const std::vector<
     return text + "]" + more + " } }\n";
 }
 
-inline std::string constant(float r, float g, float b, float a) { return section("Constant", {{r}, {g}, {b}, {a}}); }
+inline std::string constant(float r, float g, float b, float a) {
+    return section("Constant", {{r}, {g}, {b}, {a}});
+}
 
 inline const char* typeName(plain::Rule rule) {
     switch (rule) {
-        case plain::Rule::Constant: return "Constant";
-        case plain::Rule::Gradient: return "Gradient";
-        case plain::Rule::Rainbow: return "Rainbow";
-        case plain::Rule::InvertedRainbow: return "InvertedRainbow";
-        case plain::Rule::BlackGreenBlueRed: return "BlackGreenBlueRed";
-        case plain::Rule::HueCycle: return "HueCycle";
-        case plain::Rule::Continue: return "Continue";
-        default: return "Custom";
+        case plain::Rule::Constant:
+            return "Constant";
+        case plain::Rule::Gradient:
+            return "Gradient";
+        case plain::Rule::Rainbow:
+            return "Rainbow";
+        case plain::Rule::InvertedRainbow:
+            return "InvertedRainbow";
+        case plain::Rule::BlackGreenBlueRed:
+            return "BlackGreenBlueRed";
+        case plain::Rule::HueCycle:
+            return "HueCycle";
+        case plain::Rule::Continue:
+            return "Continue";
+        default:
+            return "Custom";
     }
 }
 

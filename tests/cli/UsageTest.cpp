@@ -16,10 +16,13 @@ std::string goodTable() {
     return table_text::table({0, 1}, {section, section, section});
 }
 
-ProgramRun mapAt(const std::string& table) { return ProgramRun::of({"map", "--table", table, "--at", "0"}); }
+ProgramRun mapAt(const std::string& table) {
+    return ProgramRun::of({"map", "--table", table, "--at", "0"});
+}
 
 TEST(Usage, help_and_version_go_to_standard_output) {
-    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"--help"}, {"-h"}, {"map", "--help"}, {"info", "-h"}}) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"-h"}, {"map", "--help"}, {"info", "-h"}}) {
         const ProgramRun run = ProgramRun::of(arguments);
         EXPECT_EQ(run.status, 0);
         EXPECT_THAT(run.out, HasSubstr("Usage: colortable"));
