@@ -7,6 +7,7 @@
 #include <colortable/model/eval/ScalarTable.h>
 #include <lyr_core/LyrClassFactory.h>
 #include <lyr_core/LyrError.h>
+#include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrScratch.h>
 
 #include <optional>
@@ -194,6 +195,8 @@ bool LyrColorLookupTable::copyFrom(const LyrObject& other) { return d && LyrObje
 
 // The table's own news goes first, the section's message follows on its way to the owners.
 bool LyrColorLookupTable::iocCallback(Message& message) {
+    // A listener may let go of the table; one that nobody counts is not in their hands.
+    const LyrObjectPtr keptAlive(getRefCount() > 0 ? this : nullptr);
     if (message.getLinkID() == Lyr::SectionList) {
         Message relayed(this, Lyr::PropertyHasChanged, Lyr::SectionList);
         iocBroadcast(relayed);

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -15,7 +16,10 @@ constexpr float LARGEST = std::numeric_limits<float>::max();
 constexpr float INF = std::numeric_limits<float>::infinity();
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 
-const Lyrenum CHANNELS[] = {Lyr::PointListRed, Lyr::PointListGreen, Lyr::PointListBlue, Lyr::PointListAlpha};
+// A function: the constants have their numbers only when the library is loaded.
+std::array<Lyrenum, 4> channels() {
+    return {Lyr::PointListRed, Lyr::PointListGreen, Lyr::PointListBlue, Lyr::PointListAlpha};
+}
 
 Held<Section> sectionOf(Lyrenum type) {
     auto section = newSection();
@@ -79,12 +83,12 @@ TEST(LyrColorLookupTableSection, starts_constant_without_points_and_goes_back_to
     const auto section = newSection();
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(int(lyrGetValue<Lyrenum>(section.get(), Lyr::Type, -1)), 204800085);
-        for (const Lyrenum channel : CHANNELS) {
+        for (const Lyrenum channel : channels()) {
             EXPECT_THAT(listOf<Point>(*section, channel), IsEmpty());
         }
         EXPECT_TRUE(sameBits(colorAt(*section, 0.5f), transparent));
         EXPECT_TRUE(setType(*section, Lyr::Gradient));
-        for (const Lyrenum channel : CHANNELS) {
+        for (const Lyrenum channel : channels()) {
             EXPECT_TRUE(setList<Point>(*section, channel, {{0, 1}, {1, 0}}));
         }
         for (std::int64_t i = 0; i < 5; ++i) {
