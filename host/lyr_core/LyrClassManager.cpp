@@ -2,8 +2,10 @@
 #include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrMetaClass.h>
 
+#include <cstddef>
 #include <cstring>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -12,9 +14,11 @@ struct LiveObjects {
     std::recursive_mutex mutex;
     LyrEmbeddedList<LyrClass, LyrClass> list;
 
-    /** Never destroyed: static objects of any library enter and leave. */
+    /** Never destroyed: static objects of any library enter and leave. Not from the heap, which may be used up when the
+     *  first object comes. */
     static LiveObjects& instance() {
-        static LiveObjects& objects = *new LiveObjects;
+        alignas(LiveObjects) static std::byte memory[sizeof(LiveObjects)];
+        static LiveObjects& objects = *new (memory) LiveObjects;
         return objects;
     }
 };

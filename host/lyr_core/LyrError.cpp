@@ -4,8 +4,10 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrScratch.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -16,7 +18,8 @@ struct Channel {
 
     /** Never destroyed: errors may be reported until the very end of the process. */
     static Channel& instance() {
-        static Channel& channel = *new Channel;
+        alignas(Channel) static std::byte memory[sizeof(Channel)];
+        static Channel& channel = *new (memory) Channel;
         return channel;
     }
 

@@ -8,9 +8,11 @@
 #include <lyr_core/LyrScratch.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <new>
 
 namespace {
 
@@ -24,7 +26,8 @@ struct Registry {
 
     /** Never destroyed: static meta classes and objects of any library refer to it. */
     static Registry& instance() {
-        static Registry& registry = *new Registry;
+        alignas(Registry) static std::byte memory[sizeof(Registry)];
+        static Registry& registry = *new (memory) Registry;
         return registry;
     }
 

@@ -4,8 +4,10 @@
 #include <lyr_core/LyrRoleManager.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <mutex>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -29,7 +31,8 @@ struct Roles {
 
     /** Never destroyed: objects of any library give up their roles when they go. */
     static Roles& instance() {
-        static Roles& roles = *new Roles;
+        alignas(Roles) static std::byte memory[sizeof(Roles)];
+        static Roles& roles = *new (memory) Roles;
         return roles;
     }
     Role* find(Lyrenum role) {

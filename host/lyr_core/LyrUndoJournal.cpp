@@ -5,8 +5,10 @@
 #include <lyr_core/LyrUndoJournal.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <utility>
 
 namespace {
@@ -90,7 +92,8 @@ bool LyrUndoStep::holdsObjectsOf(const char* module) const noexcept {
 
 LyrUndoJournal& LyrUndoJournal::instance() {
     // Never destroyed: static objects of any library may be written until the very end of the process.
-    static LyrUndoJournal& journal = *new LyrUndoJournal;
+    alignas(LyrUndoJournal) static std::byte memory[sizeof(LyrUndoJournal)];
+    static LyrUndoJournal& journal = *new (memory) LyrUndoJournal;
     return journal;
 }
 

@@ -4,8 +4,10 @@
 #include <lyr_core/LyrUnitIdentifiers.h>
 #include <lyr_core/Lyrenum.h>
 
+#include <cstddef>
 #include <map>
 #include <mutex>
+#include <new>
 #include <unordered_map>
 
 namespace {
@@ -24,7 +26,8 @@ class Registry {
 public:
     /** Never destroyed: names are looked up until the very end of the process. */
     static Registry& instance() {
-        static Registry& registry = *new Registry;
+        alignas(Registry) static std::byte memory[sizeof(Registry)];
+        static Registry& registry = *new (memory) Registry;
         return registry;
     }
 
