@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 
+#include <lyr_volume/LyrDicomDecoder_p.h>
 #include <lyr_volume/LyrDicomSlice_p.h>
 #include <lyr_volume/LyrFormats_p.h>
 #include <lyr_volume/LyrHeaderText_p.h>
@@ -24,7 +25,7 @@ std::string seriesName(const DicomSlice& slice) {
 std::uint64_t sliceCount(const std::vector<DicomSlice>& slices) {
     std::uint64_t count = 0;
     for (const DicomSlice& slice : slices) {
-        count += std::max<std::uint64_t>(slice.frames, 1);
+        count += std::max<std::uint64_t>(slice.pixels.frames, 1);
     }
     return count;
 }
@@ -86,15 +87,15 @@ bool checkAlike(const std::vector<DicomSlice>& slices, ReadContext& context) {
         if (!slice.problem.empty()) {
             return context.fail(slice.path, slice.problem);
         }
-        if (slice.frames > 1 && slices.size() > 1) {
-            return context.fail(slice.path, "holds " + std::to_string(slice.frames) +
+        if (slice.pixels.frames > 1 && slices.size() > 1) {
+            return context.fail(slice.path, "holds " + std::to_string(slice.pixels.frames) +
                                                 " frames beside other files of its series; give this file by itself");
         }
         // A thousandth: headers are written with a few digits.
-        if (slice.rows != first.rows || slice.columns != first.columns ||
+        if (slice.pixels.rows != first.pixels.rows || slice.pixels.columns != first.pixels.columns ||
             !alike(slice.orientation, first.orientation, 1e-3) ||
             !alike(slice.pixelSpacing, first.pixelSpacing, 1e-3) ||
-            slice.position.has_value() != first.position.has_value()) {
+            slice.positions.empty() != first.positions.empty()) {
             return context.fail(slice.path,
                                 "differs from " + fileName(first) +
                                     " in size, spacing or orientation; all slices of a volume must be alike");
@@ -110,10 +111,8 @@ struct Placed {
 };
 
 /** Distance along the cross product of the row's and the column's direction. */
-double placeOf(const DicomSlice& slice) {
-    const std::array<double, 6>& o = *slice.orientation;
+double placeOf(const std::array<double, 3>& p, const std::array<double, 6>& o) {
     const std::array<double, 3> normal{o[1] * o[5] - o[2] * o[4], o[2] * o[3] - o[0] * o[5], o[0] * o[4] - o[1] * o[3]};
-    const std::array<double, 3>& p = *slice.position;
     return normal[0] * p[0] + normal[1] * p[1] + normal[2] * p[2];
 }
 
@@ -159,9 +158,9 @@ double spacingOf(const std::vector<Placed>& slices, const std::string& source, R
 std::optional<double> arrange(std::vector<Placed>& slices, const std::string& source, ReadContext& context) {
     std::stable_sort(slices.begin(), slices.end(), byInstance);
     const DicomSlice& first = slices[0].slice;
-    if (first.position && first.orientation) {
+    if (!first.positions.empty() && first.orientation) {
         for (Placed& slice : slices) {
-            slice.place = placeOf(slice.slice);
+            slice.place = placeOf(slice.slice.positions[0], *slice.slice.orientation);
         }
         std::stable_sort(slices.begin(), slices.end(),
                          [](const Placed& a, const Placed& b) { return a.place < b.place; });
@@ -175,18 +174,21 @@ std::optional<double> arrange(std::vector<Placed>& slices, const std::string& so
     return slices[0].slice.sliceSpacing ? slices[0].slice.sliceSpacing : slices[0].slice.sliceThickness;
 }
 
-void describeGeometry(const std::vector<Placed>& slices, std::optional<double> distance, const DicomPixels& pixels,
-                      LyrVolume::Description& description, ReadContext& context) {
-    const DicomSlice& first = slices[0].slice;
-    description.unit = "mm";
-    description.origin = first.position.value_or(std::array<double, 3>{0.0, 0.0, 0.0});
-    if (first.frames > 1 && !first.pixelSpacing) {  // its geometry may lie in nested groups, which ITK evaluates
-        for (std::size_t i = 0; i < 3; ++i) {
-            description.spacing[i] = usableSpacing(pixels.spacing[i], i, first.path, context);
-            description.origin[i] = pixels.origin[i];
+/** Distance of the frames of one file: of the first two, where they state their positions. */
+std::optional<double> frameDistance(const DicomSlice& slice) {
+    if (slice.positions.size() == slice.pixels.frames && slice.pixels.frames > 1 && slice.orientation) {
+        const double distance =
+            placeOf(slice.positions[1], *slice.orientation) - placeOf(slice.positions[0], *slice.orientation);
+        if (std::abs(distance) > 1e-3) {
+            return std::abs(distance);
         }
-        return;
     }
+    return slice.sliceSpacing ? slice.sliceSpacing : slice.sliceThickness;
+}
+
+void describeGeometry(const DicomSlice& first, std::optional<double> distance, LyrVolume::Description& description,
+                      ReadContext& context) {
+    description.unit = "mm";
     if (first.pixelSpacing) {
         description.spacing[0] = usableSpacing((*first.pixelSpacing)[1], 0, first.path, context);
         description.spacing[1] = usableSpacing((*first.pixelSpacing)[0], 1, first.path, context);
@@ -198,6 +200,12 @@ void describeGeometry(const std::vector<Placed>& slices, std::optional<double> d
         description.spacing[2] = usableSpacing(*distance, 2, first.path, context);
     } else if (description.size[2] > 1) {
         context.warn(first.path, "states no distance of slices; 1 was taken");
+    }
+    if (!first.positions.empty()) {
+        description.origin = first.positions[0];
+    }
+    if (first.pixels.photometric.compare(0, 11, "MONOCHROME1") == 0) {
+        context.warn(first.path, "shows small values bright; values are left as they are stored");
     }
 }
 
@@ -214,7 +222,8 @@ bool readDicom(const std::string& source, const std::vector<std::string>& paths,
     }
     const std::optional<double> distance = arrange(slices, source, context);
     const DicomSlice& first = slices[0].slice;
-    const std::array<std::uint64_t, 3> size{first.columns, first.rows, first.frames > 1 ? first.frames : slices.size()};
+    const std::array<std::uint64_t, 3> size{first.pixels.columns, first.pixels.rows,
+                                            first.pixels.frames > 1 ? first.pixels.frames : slices.size()};
     std::uint64_t voxels = 0;
     if (!countVoxels(source, size, voxels, context)) {
         return false;
@@ -223,15 +232,16 @@ bool readDicom(const std::string& source, const std::vector<std::string>& paths,
         draft.description.size[i] = static_cast<std::int64_t>(size[i]);
     }
     draft.samples.reserve(voxels);
-    DicomPixels pixels;
+    DicomDecoder decoder;
     for (std::size_t i = 0; i < slices.size(); ++i) {
-        if (!decodeDicomFile(slices[i].slice, draft.samples, pixels, context) ||
+        if (!readDicomPixels(slices[i].slice, decoder, draft.samples, context) ||
             !context.advance(static_cast<double>(i + 1) / static_cast<double>(slices.size()))) {
             return false;
         }
     }
-    describeGeometry(slices, distance, pixels, draft.description, context);
-    draft.description.format = "DICOM, " + pixels.typeName + ", " + std::to_string(size[2]) + " slices";
+    describeGeometry(first, first.pixels.frames > 1 ? frameDistance(first) : distance, draft.description, context);
+    draft.description.format = "DICOM, " + std::string(first.pixels.isSigned ? "int" : "uint") +
+                               std::to_string(first.pixels.bitsAllocated) + ", " + std::to_string(size[2]) + " slices";
     return true;
 }
 

@@ -1,138 +1,159 @@
-#include <gdcmTrace.h>
-#include <itkGDCMImageIO.h>
-
+#include <algorithm>
 #include <bit>
-#include <memory>
-#include <mutex>
-#include <optional>
+#include <cstring>
+#include <span>
 
+#include <lyr_volume/LyrDicomCodec_p.h>
+#include <lyr_volume/LyrDicomDecoder_p.h>
 #include <lyr_volume/LyrDicomSlice_p.h>
+#include <lyr_volume/LyrInputFile_p.h>
 #include <lyr_volume/LyrSampleType_p.h>
 
 namespace lyrvolume {
 namespace {
 
-/** Keeps ITK and GDCM from writing to standard error while it lives: what matters comes back as a message. Their
- * switches belong to the process, so decoding goes on in one thread at a time. */
-class Quiet {
+constexpr const char* kRunLength = "1.2.840.10008.1.2.5";
+
+/** Values of stored words, of which only some bits count. */
+class WordReader {
 public:
-    Quiet()
-        : lock_(mutex()),
-          itkWarnings_(itk::Object::GetGlobalWarningDisplay()),
-          gdcmWarnings_(gdcm::Trace::GetWarningFlag()),
-          gdcmErrors_(gdcm::Trace::GetErrorFlag()) {
-        itk::Object::SetGlobalWarningDisplay(false);
-        gdcm::Trace::SetWarning(false);
-        gdcm::Trace::SetError(false);
+    explicit WordReader(const DicomPixelLayout& layout, bool bigEndian) : layout_(layout), bigEndian_(bigEndian) {
+        shift_ = layout.highBit + 1 - layout.bitsStored;
+        mask_ = layout.bitsStored >= 32 ? 0xFFFFFFFFU : (std::uint32_t{1} << layout.bitsStored) - 1U;
+        sign_ = layout.isSigned ? std::uint32_t{1} << (layout.bitsStored - 1) : 0U;
     }
-    ~Quiet() {
-        itk::Object::SetGlobalWarningDisplay(itkWarnings_);
-        gdcm::Trace::SetWarning(gdcmWarnings_);
-        gdcm::Trace::SetError(gdcmErrors_);
+
+    /** Appends the values of whole words. */
+    void append(std::span<const unsigned char> stored, std::vector<float>& out) const {
+        const std::uint64_t bytes = layout_.bitsAllocated / 8;
+        const bool scaled = layout_.slope != 1.0 || layout_.intercept != 0.0;
+        for (std::size_t at = 0; at + bytes <= stored.size(); at += bytes) {
+            std::uint32_t word = 0;
+            for (std::uint64_t k = 0; k < bytes; ++k) {
+                word = word << 8U | stored[at + (bigEndian_ ? k : bytes - 1 - k)];
+            }
+            word = (word >> shift_) & mask_;
+            const std::int64_t number = (word & sign_) != 0 ? static_cast<std::int64_t>(word) - 2 * std::int64_t{sign_}
+                                                            : static_cast<std::int64_t>(word);
+            out.push_back(scaled ? static_cast<float>(static_cast<double>(number) * layout_.slope + layout_.intercept)
+                                 : static_cast<float>(number));
+        }
     }
-    Quiet(const Quiet&) = delete;
-    Quiet& operator=(const Quiet&) = delete;
 
 private:
-    static std::mutex& mutex() {
-        static std::mutex instance;
-        return instance;
-    }
-
-    std::lock_guard<std::mutex> lock_;
-    bool itkWarnings_;
-    bool gdcmWarnings_;
-    bool gdcmErrors_;
+    const DicomPixelLayout& layout_;
+    bool bigEndian_;
+    std::uint64_t shift_ = 0;
+    std::uint32_t mask_ = 0;
+    std::uint32_t sign_ = 0;
 };
 
-std::optional<SampleType> sampleType(itk::IOComponentEnum type) {
-    static_assert(sizeof(int) == 4 && sizeof(short) == 2 && sizeof(long) == 8);
-    switch (type) {
-        case itk::IOComponentEnum::UCHAR:
-            return SampleType::UInt8;
-        case itk::IOComponentEnum::CHAR:
-            return SampleType::Int8;
-        case itk::IOComponentEnum::USHORT:
-            return SampleType::UInt16;
-        case itk::IOComponentEnum::SHORT:
-            return SampleType::Int16;
-        case itk::IOComponentEnum::UINT:
-            return SampleType::UInt32;
-        case itk::IOComponentEnum::INT:
-            return SampleType::Int32;
-        case itk::IOComponentEnum::ULONG:
-        case itk::IOComponentEnum::ULONGLONG:
-            return SampleType::UInt64;
-        case itk::IOComponentEnum::LONG:
-        case itk::IOComponentEnum::LONGLONG:
-            return SampleType::Int64;
-        case itk::IOComponentEnum::FLOAT:
-            return SampleType::Float32;
-        case itk::IOComponentEnum::DOUBLE:
-            return SampleType::Float64;
-        default:
-            return std::nullopt;
+bool readNative(const InputFile& file, const DicomPixelLayout& layout, std::vector<float>& out, ReadContext& context) {
+    const WordReader words(layout, layout.bigEndian);
+    const std::uint64_t length = layout.rows * layout.columns * layout.frames * (layout.bitsAllocated / 8);
+    // Bytes that were written as words come in pairs, the last of which may reach one byte further.
+    const bool pairs = layout.swappedBytes && layout.bitsAllocated == 8;
+    std::vector<unsigned char> chunk(std::size_t{1} << 18U);
+    for (std::uint64_t done = 0; done < length; done += chunk.size()) {
+        const std::uint64_t count = std::min<std::uint64_t>(length - done, chunk.size());
+        const std::uint64_t asked = pairs ? std::min(count + count % 2, layout.native.length - done) : count;
+        if (file.readAt(layout.native.place + done, {chunk.data(), asked}) != asked) {
+            return context.fail(file.path(), "its pixel data cannot be read to their end; the file is cut off");
+        }
+        for (std::size_t i = 0; pairs && i + 1 < asked; i += 2) {
+            std::swap(chunk[i], chunk[i + 1]);
+        }
+        words.append({chunk.data(), count}, out);
     }
+    return true;
 }
 
-std::string refusal(const DicomSlice& slice, const itk::GDCMImageIO& io) {
-    const bool sizeFits = io.GetNumberOfDimensions() >= 2 && io.GetDimensions(0) == slice.columns &&
-                          io.GetDimensions(1) == slice.rows &&
-                          (io.GetNumberOfDimensions() > 2 ? io.GetDimensions(2) : 1) == slice.frames;
-    if (!sizeFits) {
-        return "its decoded size is not the one it states; the file is damaged";
+/** The fragments of each frame: all for one frame, one for each, or as the table of offsets says. */
+bool fragmentsOfFrames(const DicomPixelLayout& layout, std::vector<std::vector<FilePart>>& frames) {
+    const std::vector<FilePart>& fragments = layout.fragments;
+    frames.resize(layout.frames);
+    if (layout.frames == 1) {
+        frames[0] = fragments;
+        return true;
     }
-    if (io.GetNumberOfComponents() != 1 || !sampleType(io.GetComponentType())) {
-        return "its samples are of no supported type; store them as 8, 16 or 32 bits";
-    }
-    return {};
-}
-
-bool decode(const DicomSlice& slice, std::vector<float>& out, DicomPixels& pixels, std::string& problem) {
-    const auto io = itk::GDCMImageIO::New();
-    io->SetFileName(slice.path);
-    io->ReadImageInformation();
-    problem = refusal(slice, *io);
-    if (!problem.empty()) {
+    const bool table = layout.offsets.size() == layout.frames && fragments.size() != layout.frames;
+    if (!table && fragments.size() != layout.frames) {
         return false;
     }
-    const unsigned int axes = io->GetNumberOfDimensions();
-    itk::ImageIORegion region(axes);
-    for (unsigned int i = 0; i < axes; ++i) {
-        region.SetIndex(i, 0);
-        region.SetSize(i, io->GetDimensions(i));
+    std::size_t frame = 0;
+    for (std::size_t i = 0; i < fragments.size(); ++i) {
+        if (table) {
+            const std::uint64_t offset =
+                fragments[i].place - fragments[0].place;  // items, like places, are 8 bytes apart
+            while (frame + 1 < layout.frames && layout.offsets[frame + 1] <= offset) {
+                ++frame;
+            }
+        } else {
+            frame = i;
+        }
+        frames[frame].push_back(fragments[i]);
     }
-    io->SetIORegion(region);
-    SampleFormat format{*sampleType(io->GetComponentType()), std::endian::native == std::endian::big};
-    const std::uint64_t count = slice.rows * slice.columns * slice.frames;
-    const auto stored = std::make_unique<unsigned char[]>(count * sampleBytes(format.type));
-    io->Read(stored.get());
+    return std::none_of(frames.begin(), frames.end(), [](const auto& parts) { return parts.empty(); });
+}
+
+bool readParts(const InputFile& file, const std::vector<FilePart>& parts, std::vector<unsigned char>& data) {
+    data.clear();
+    for (const FilePart& part : parts) {
+        const std::size_t before = data.size();
+        data.resize(before + part.length);
+        if (file.readAt(part.place, {data.data() + before, part.length}) != part.length) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool decodeFrame(std::span<const unsigned char> data, const DicomSlice& slice, DicomDecoder& decoder,
+                 std::vector<float>& out, std::string& problem) {
+    const DicomPixelLayout& layout = slice.pixels;
+    DicomFrame frame;
+    if (slice.transferSyntax == kRunLength) {
+        if (!decodeRunLength(data, layout, frame.bytes)) {
+            problem = "its run-length data do not fit its size; the file is damaged";
+            return false;
+        }
+        WordReader(layout, false).append(frame.bytes, out);
+        return true;
+    }
+    problem = codestreamProblem(data, layout, slice.transferSyntax);
+    if (!problem.empty() || !decoder.decode(data, layout, slice.transferSyntax, frame, problem)) {
+        return false;
+    }
+    const SampleFormat format{frame.type, std::endian::native == std::endian::big, layout.slope, layout.intercept};
     const std::size_t before = out.size();
-    out.resize(before + count);
-    convertSamples(format, stored.get(), count, 1, out.data() + before);
-    for (unsigned int i = 0; i < 3 && i < axes; ++i) {
-        pixels.spacing[i] = io->GetSpacing(i);
-        pixels.origin[i] = io->GetOrigin(i);
-    }
-    pixels.typeName = sampleName(format.type);
+    out.resize(before + layout.rows * layout.columns);
+    convertSamples(format, frame.bytes.data(), layout.rows * layout.columns, 1, out.data() + before);
     return true;
 }
 
 }  // namespace
 
-bool decodeDicomFile(const DicomSlice& slice, std::vector<float>& out, DicomPixels& pixels, ReadContext& context) {
-    std::string problem;
-    try {
-        const Quiet quiet;
-        if (decode(slice, out, pixels, problem)) {
-            return true;
-        }
-    } catch (const itk::ExceptionObject& exception) {
-        problem = std::string("cannot be decoded (") + exception.GetDescription() +
-                  "); the file is damaged or packed in a "
-                  "way that is not supported";
+bool readDicomPixels(const DicomSlice& slice, DicomDecoder& decoder, std::vector<float>& out, ReadContext& context) {
+    InputFile file;
+    if (!file.open(slice.path, context)) {
+        return false;
     }
-    return context.fail(slice.path, problem);
+    if (!slice.pixels.compressed()) {
+        return readNative(file, slice.pixels, out, context);
+    }
+    std::vector<std::vector<FilePart>> frames;
+    if (!fragmentsOfFrames(slice.pixels, frames)) {
+        return context.fail(slice.path,
+                            "it cannot be told which of its fragments belong to which frame; store it again");
+    }
+    std::vector<unsigned char> data;
+    for (const std::vector<FilePart>& parts : frames) {
+        std::string problem = "its pixel data cannot be read to their end; the file is cut off";
+        if (!readParts(file, parts, data) || !decodeFrame(data, slice, decoder, out, problem)) {
+            return context.fail(slice.path, problem);
+        }
+    }
+    return true;
 }
 
 }  // namespace lyrvolume

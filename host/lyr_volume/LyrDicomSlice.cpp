@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string_view>
 
+#include <lyr_volume/LyrDicomScanner_p.h>
 #include <lyr_volume/LyrDicomSlice_p.h>
 #include <lyr_volume/LyrHeaderText_p.h>
 #include <lyr_volume/LyrInputFile_p.h>
@@ -10,82 +11,27 @@
 namespace lyrvolume {
 namespace {
 
-constexpr std::uint32_t kUndefined = 0xFFFFFFFF;
 constexpr int kDeepestNesting = 32;
+constexpr std::uint32_t kPixelData = dicomTag(0x7FE0, 0x0010);
 
-constexpr std::uint32_t tag(std::uint32_t group, std::uint32_t element) {
-    return group << 16U | element;
+/** Sequences that hold the geometry and the scaling of files with many frames. */
+bool isFunctionalGroup(std::uint32_t tag) {
+    static constexpr std::array<std::uint32_t, 6> kTags{dicomTag(0x5200, 0x9229), dicomTag(0x5200, 0x9230),
+                                                        dicomTag(0x0028, 0x9110), dicomTag(0x0028, 0x9145),
+                                                        dicomTag(0x0020, 0x9113), dicomTag(0x0020, 0x9116)};
+    return std::find(kTags.begin(), kTags.end(), tag) != kTags.end();
 }
-
-constexpr std::uint32_t kItem = tag(0xFFFE, 0xE000);
-constexpr std::uint32_t kItemEnd = tag(0xFFFE, 0xE00D);
-constexpr std::uint32_t kSequenceEnd = tag(0xFFFE, 0xE0DD);
-constexpr std::uint32_t kPixelData = tag(0x7FE0, 0x0010);
-
-/** Bytes of a file through a small window, so that tags need no call to the system each. */
-class Window {
-public:
-    explicit Window(const InputFile& file) : file_(file) {}
-
-    bool get(std::uint64_t place, std::span<unsigned char> out) {
-        if (place > file_.length() || out.size() > file_.length() - place) {
-            return false;
-        }
-        if (out.size() > bytes_.size()) {
-            return file_.readAt(place, out) == out.size();
-        }
-        if (place < start_ || place + out.size() > start_ + count_) {
-            start_ = place;
-            count_ = file_.readAt(place, bytes_);
-            if (count_ < out.size()) {
-                return false;
-            }
-        }
-        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(place - start_), out.size(), out.begin());
-        return true;
-    }
-
-    std::uint64_t length() const { return file_.length(); }
-
-private:
-    const InputFile& file_;
-    std::array<unsigned char, 4096> bytes_{};
-    std::uint64_t start_ = 0;
-    std::size_t count_ = 0;
-};
-
-/** How the elements of a data set are written. */
-struct Syntax {
-    bool implicitTypes = false;
-    bool bigEndian = false;
-};
-
-struct Element {
-    std::uint32_t tag = 0;
-    std::array<char, 2> type{};  ///< empty where types are implicit
-    std::uint32_t length = 0;
-    std::uint64_t place = 0;  ///< of the value
-    std::uint64_t start = 0;  ///< of the tag
-
-    bool is(const char* name) const { return type[0] == name[0] && type[1] == name[1]; }
-};
 
 class Scanner {
 public:
-    Scanner(const InputFile& file, DicomSlice& slice) : window_(file), slice_(slice) {}
+    Scanner(const InputFile& file, DicomSlice& slice) : cursor_(file), slice_(slice), pixels_(slice.pixels) {}
 
     void scan() {
         std::uint64_t place = 132;
-        if (!scanMeta(place)) {
+        if (!scanMeta(place) || !chooseSyntax()) {
             return;
         }
-        const std::string& uid = slice_.transferSyntax;
-        if (uid == "1.2.840.10008.1.2.1.99") {
-            fail("is compressed as a whole (deflated), which is not supported; store it uncompressed");
-            return;
-        }
-        syntax_ = {uid == "1.2.840.10008.1.2", uid == "1.2.840.10008.1.2.2"};
-        while (place < window_.length()) {
+        while (place < cursor_.length()) {
             if (!scanElement(place)) {
                 return;
             }
@@ -103,251 +49,195 @@ private:
 
     bool cut(std::uint64_t place) {
         return fail("at byte " + std::to_string(place) +
-                    ": an element goes beyond the end of the file; the file is cut off, "
-                    "fetch it again");
+                    ": an element goes beyond the end of the file; the file is cut off, fetch it again");
     }
 
-    std::uint32_t decode(const unsigned char* raw, std::size_t bytes, bool bigEndian) const {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < bytes; ++i) {
-            value = value << 8U | raw[bigEndian ? i : bytes - 1 - i];
-        }
-        return value;
-    }
-
-    static bool hasLongLength(const Element& element) {
-        static constexpr std::array<const char*, 13> kTypes{"OB", "OW", "OF", "OD", "OL", "OV", "SQ",
-                                                            "UC", "UR", "UT", "UN", "SV", "UV"};
-        return std::any_of(kTypes.begin(), kTypes.end(), [&](const char* type) { return element.is(type); });
-    }
-
-    /** Tag, type and length at a place. */
-    bool readHead(std::uint64_t place, const Syntax& syntax, Element& element) {
-        std::array<unsigned char, 8> head{};
-        if (!window_.get(place, head)) {
-            return cut(place);
-        }
-        element.start = place;
-        element.tag = tag(decode(head.data(), 2, syntax.bigEndian), decode(head.data() + 2, 2, syntax.bigEndian));
-        element.place = place + 8;
-        const bool delimiter = element.tag >> 16U == 0xFFFE;
-        if (syntax.implicitTypes || delimiter) {
-            element.type = {};
-            element.length = decode(head.data() + 4, 4, syntax.bigEndian);
-            return true;
-        }
-        element.type = {static_cast<char>(head[4]), static_cast<char>(head[5])};
-        if (element.type[0] < 'A' || element.type[0] > 'Z' || element.type[1] < 'A' || element.type[1] > 'Z') {
-            return fail("at byte " + std::to_string(place) + ": no DICOM element; the file is damaged");
-        }
-        element.length = decode(head.data() + 6, 2, syntax.bigEndian);
-        if (hasLongLength(element)) {
-            std::array<unsigned char, 4> length{};
-            if (!window_.get(place + 8, length)) {
+    bool readHead(std::uint64_t place, const DicomSyntax& syntax, DicomElement& element) {
+        switch (cursor_.readHead(place, syntax, element)) {
+            case DicomCursor::Head::Good:
+                return true;
+            case DicomCursor::Head::Cut:
                 return cut(place);
-            }
-            element.length = decode(length.data(), 4, syntax.bigEndian);
-            element.place = place + 12;
+            case DicomCursor::Head::NoElement:
+                break;
         }
-        return true;
-    }
-
-    bool isInside(const Element& element) const {
-        return element.place <= window_.length() && element.length <= window_.length() - element.place;
+        return fail("at byte " + std::to_string(place) + ": no DICOM element; the file is damaged");
     }
 
     /** The file meta information: always explicit and little-endian; ends where another group begins. */
     bool scanMeta(std::uint64_t& place) {
         for (;;) {
             std::array<unsigned char, 2> group{};
-            if (!window_.get(place, group)) {
+            if (!cursor_.get(place, group)) {
                 return fail("ends before its data set; the file is cut off, fetch it again");
             }
-            if (decode(group.data(), 2, false) != 2) {
+            if (DicomCursor::decode(group.data(), 2, false) != 2) {
                 break;
             }
-            Element element;
+            DicomElement element;
             if (!readHead(place, {}, element)) {
                 return false;
             }
-            if (!isInside(element)) {
+            if (!cursor_.isInside(element)) {
                 return cut(place);
             }
-            if (element.tag == tag(2, 0x0010)) {
-                slice_.transferSyntax = text(element);
-            } else if (element.tag == tag(2, 0x0002)) {
-                slice_.sopClass = text(element);
+            if (element.tag == dicomTag(2, 0x0010)) {
+                slice_.transferSyntax = cursor_.text(element);
+            } else if (element.tag == dicomTag(2, 0x0002)) {
+                slice_.sopClass = cursor_.text(element);
             }
-            place = element.place + element.length;
+            place = element.end();
         }
         return !slice_.transferSyntax.empty() || fail("does not say how its data set is written; the file is damaged");
     }
 
+    bool chooseSyntax() {
+        const std::string& uid = slice_.transferSyntax;
+        if (uid == "1.2.840.10008.1.2.1.99") {
+            return fail("is compressed as a whole (deflated), which is not supported; store it uncompressed");
+        }
+        syntax_ = {uid == "1.2.840.10008.1.2", uid == "1.2.840.10008.1.2.2"};
+        pixels_.bigEndian = syntax_.bigEndian;
+        return true;
+    }
+
     bool scanElement(std::uint64_t& place) {
-        Element element;
+        DicomElement element;
         if (!readHead(place, syntax_, element)) {
             return false;
         }
         if (element.tag == kPixelData) {
-            slice_.hasPixels = true;
-            return element.length == kUndefined ? scanFragments(element, place) : scanNative(element, place);
+            pixels_.present = true;
+            pixels_.swappedBytes = syntax_.bigEndian && element.is("OW");
+            return element.length == kDicomUndefined ? scanFragments(element, place) : scanNative(element, place);
         }
-        if (element.length == kUndefined) {
-            place = element.place;
-            // The content of an unknown type is written with implicit types (PS3.5, 6.2.2).
-            return skipItems(place, element.is("UN") ? Syntax{true, false} : syntax_, 1);
+        if (element.length == kDicomUndefined || isFunctionalGroup(element.tag)) {
+            return scanSequence(element, place, syntax_, isFunctionalGroup(element.tag), 1);
         }
-        if (!isInside(element)) {
+        if (!cursor_.isInside(element)) {
             return cut(place);
         }
         take(element);
-        place = element.place + element.length;
+        place = element.end();
         return true;
     }
 
-    /** Behind a sequence of undefined length whose first item is at `place`. */
-    bool skipItems(std::uint64_t& place, const Syntax& syntax, int depth) {
+    /** The items of a sequence, of defined or undefined length. `groups`: look for geometry and scaling in it. */
+    bool scanSequence(const DicomElement& sequence, std::uint64_t& place, DicomSyntax syntax, bool groups, int depth) {
+        const bool open = sequence.length == kDicomUndefined;
         if (depth > kDeepestNesting) {
             return fail("its sequences are nested too deeply; the file is damaged");
         }
-        for (;;) {
-            Element item;
+        if (!open && !cursor_.isInside(sequence)) {
+            return cut(sequence.start);
+        }
+        if (sequence.is("UN")) {
+            syntax = {true, false};  // the content of an unknown type is written with implicit types (PS3.5, 6.2.2)
+        }
+        place = sequence.place;
+        while (open || place < sequence.end()) {
+            DicomElement item;
             if (!readHead(place, syntax, item)) {
                 return false;
             }
             place = item.place;
-            if (item.tag == kSequenceEnd) {
+            if (open && item.tag == kDicomSequenceEnd) {
                 return true;
             }
-            if (item.tag != kItem) {
+            if (item.tag != kDicomItem) {
                 return fail("at byte " + std::to_string(item.start) + ": no item of a sequence; the file is damaged");
             }
-            if (item.length == kUndefined) {
-                if (!skipItemContent(place, syntax, depth)) {
-                    return false;
-                }
-            } else if (!isInside(item)) {
-                return cut(item.start);
-            } else {
-                place = item.place + item.length;
+            if (!scanItem(item, place, syntax, groups, depth)) {
+                return false;
             }
         }
+        return true;
     }
 
-    bool skipItemContent(std::uint64_t& place, const Syntax& syntax, int depth) {
-        for (;;) {
-            Element element;
+    bool scanItem(const DicomElement& item, std::uint64_t& place, const DicomSyntax& syntax, bool groups, int depth) {
+        const bool open = item.length == kDicomUndefined;
+        if (!open && !cursor_.isInside(item)) {
+            return cut(item.start);
+        }
+        if (!open && !groups) {
+            place = item.end();
+            return true;
+        }
+        while (open || place < item.end()) {
+            DicomElement element;
             if (!readHead(place, syntax, element)) {
                 return false;
             }
             place = element.place;
-            if (element.tag == kItemEnd) {
+            if (open && element.tag == kDicomItemEnd) {
                 return true;
             }
-            if (element.length == kUndefined) {
-                if (!skipItems(place, element.is("UN") ? Syntax{true, false} : syntax, depth + 1)) {
+            const bool wanted = groups && isFunctionalGroup(element.tag);
+            if (element.length == kDicomUndefined || wanted) {
+                if (!scanSequence(element, place, syntax, wanted, depth + 1)) {
                     return false;
                 }
-            } else if (!isInside(element)) {
+                continue;
+            }
+            if (!cursor_.isInside(element)) {
                 return cut(element.start);
-            } else {
-                place = element.place + element.length;
             }
-        }
-    }
-
-    bool scanNative(const Element& element, std::uint64_t& place) {
-        if (!isInside(element)) {
-            return fail("its pixel data claim " + std::to_string(element.length) + " bytes, " +
-                        std::to_string(window_.length() - std::min(element.place, window_.length())) +
-                        " are there; the file is cut off, fetch it again");
-        }
-        std::uint64_t needed = slice_.bits / 8;
-        for (const std::uint64_t factor : {slice_.rows, slice_.columns, slice_.frames, slice_.samples}) {
-            if (__builtin_mul_overflow(needed, factor, &needed)) {
-                return fail("its size is impossible; the file is damaged");
+            if (groups) {
+                takeGeometry(element);
             }
+            place = element.end();
         }
-        if (element.length < needed) {
-            return fail("its pixel data hold " + std::to_string(element.length) + " bytes, " + std::to_string(needed) +
-                        " are needed for its size; the file is damaged");
-        }
-        place = element.place + element.length;
         return true;
     }
 
-    /** Compressed pixel data: a table of offsets, then fragments, then the end of the sequence. */
-    bool scanFragments(const Element& element, std::uint64_t& place) {
-        std::uint64_t fragments = 0;
-        std::uint64_t bytes = 0;
+    bool scanNative(const DicomElement& element, std::uint64_t& place) {
+        if (!cursor_.isInside(element)) {
+            return fail("its pixel data claim " + std::to_string(element.length) + " bytes, " +
+                        std::to_string(cursor_.length() - std::min(element.place, cursor_.length())) +
+                        " are there; the file is cut off, fetch it again");
+        }
+        pixels_.native = {element.place, element.length};
+        place = element.end();
+        return true;
+    }
+
+    /** Compressed pixel data: a table of offsets, which may be empty, then fragments, then the end of the sequence. */
+    bool scanFragments(const DicomElement& element, std::uint64_t& place) {
+        bool table = true;
         place = element.place;
         for (;;) {
-            Element item;
+            DicomElement item;
             if (!readHead(place, syntax_, item)) {
                 return false;
             }
             place = item.place;
-            if (item.tag == kSequenceEnd) {
-                break;
+            if (item.tag == kDicomSequenceEnd) {
+                return !pixels_.fragments.empty() || fail("its pixel data are empty; the file is damaged");
             }
-            if (item.tag != kItem || !isInside(item)) {
+            if (item.tag != kDicomItem || !cursor_.isInside(item)) {
                 return cut(item.start);
             }
-            if (fragments == 1 && !beginsAsStated(item)) {
-                return fail("its compressed pixel data do not begin as its transfer syntax says; the file is damaged");
+            if (table) {
+                readOffsets(item);
+            } else {
+                pixels_.fragments.push_back({item.place, item.length});
             }
-            bytes += fragments++ > 0 ? item.length : 0;
-            place = item.place + item.length;
+            table = false;
+            place = item.end();
         }
-        if (fragments < slice_.frames + 1) {
-            return fail("its pixel data hold " + std::to_string(fragments == 0 ? 0 : fragments - 1) +
-                        " fragments for " + std::to_string(slice_.frames) + " frames; the file is damaged");
-        }
-        // The best codecs pack an empty image some thousand times; a claim far beyond that is no image.
-        constexpr double kLargestRatio = 16384.0;
-        const double claimed = static_cast<double>(slice_.rows) * static_cast<double>(slice_.columns) *
-                               static_cast<double>(slice_.frames) * static_cast<double>(slice_.bits) / 8.0;
-        if (claimed > kLargestRatio * static_cast<double>(bytes) + 65536.0) {
-            return fail("its pixel data are far too short for its size; the file is damaged");
-        }
-        return true;
     }
 
-    /** The JPEG families begin with a mark of their own; their codecs answer a wrong one on standard error only. */
-    bool beginsAsStated(const Element& fragment) {
-        const std::string& uid = slice_.transferSyntax;
-        const std::string_view family = "1.2.840.10008.1.2.4.";
-        std::array<unsigned char, 2> mark{};
-        if (uid.compare(0, family.size(), family) != 0 || uid.size() < family.size() + 2) {
-            return true;
+    void readOffsets(const DicomElement& item) {
+        std::array<unsigned char, 4> raw{};
+        for (std::uint64_t at = item.place; at + 4 <= item.end() && cursor_.get(at, raw); at += 4) {
+            pixels_.offsets.push_back(DicomCursor::decode(raw.data(), 4, false));
         }
-        if (fragment.length < mark.size() || !window_.get(fragment.place, mark)) {
-            return false;
-        }
-        if (uid[family.size()] == '9') {  // JPEG 2000: a bare codestream, or one in boxes
-            return (mark[0] == 0xFF && mark[1] == 0x4F) || (mark[0] == 0 && mark[1] == 0);
-        }
-        return uid[family.size()] > '8' || uid.size() > family.size() + 2 || (mark[0] == 0xFF && mark[1] == 0xD8);
-    }
-
-    std::string text(const Element& element) {
-        std::string value(std::min<std::uint32_t>(element.length, 1024), '\0');
-        if (!window_.get(element.place, {reinterpret_cast<unsigned char*>(value.data()), value.size()})) {
-            return {};
-        }
-        const std::size_t end = value.find('\0');
-        return std::string(trimmed(std::string_view(value).substr(0, end)));
-    }
-
-    std::uint64_t number(const Element& element) {
-        std::array<unsigned char, 2> raw{};
-        return element.length >= 2 && window_.get(element.place, raw) ? decode(raw.data(), 2, syntax_.bigEndian) : 0;
     }
 
     /** Decimal numbers between backslashes; nothing unless there are as many as asked for. */
     template <std::size_t N>
-    std::optional<std::array<double, N>> numbers(const Element& element) {
-        std::string value = text(element);
+    std::optional<std::array<double, N>> numbers(const DicomElement& element) {
+        std::string value = cursor_.text(element);
         std::replace(value.begin(), value.end(), '\\', ' ');
         const auto parsed = parseAll<double>(value);
         std::array<double, N> result{};
@@ -359,64 +249,99 @@ private:
         return result;
     }
 
-    std::optional<double> oneNumber(const Element& element) {
+    std::optional<double> length(const DicomElement& element) {
         const auto values = numbers<1>(element);
         return values && (*values)[0] > 0.0 ? std::optional((*values)[0]) : std::nullopt;
     }
 
-    void take(const Element& element) {
+    void take(const DicomElement& element) {
         switch (element.tag) {
-            case tag(0x0008, 0x103E):
-                slice_.description = text(element);
+            case dicomTag(0x0008, 0x103E):
+                slice_.description = cursor_.text(element);
                 break;
-            case tag(0x0018, 0x0050):
-                slice_.sliceThickness = oneNumber(element);
+            case dicomTag(0x0020, 0x000E):
+                slice_.series = cursor_.text(element);
                 break;
-            case tag(0x0018, 0x0088):
-                slice_.sliceSpacing = oneNumber(element);
+            case dicomTag(0x0020, 0x0013):
+                slice_.instance = parseAs<std::int64_t>(cursor_.text(element));
                 break;
-            case tag(0x0020, 0x000E):
-                slice_.series = text(element);
+            case dicomTag(0x0028, 0x0004):
+                pixels_.photometric = cursor_.text(element);
                 break;
-            case tag(0x0020, 0x0013):
-                slice_.instance = parseAs<std::int64_t>(text(element));
-                break;
-            case tag(0x0020, 0x0032):
-                slice_.position = numbers<3>(element);
-                break;
-            case tag(0x0020, 0x0037):
-                slice_.orientation = numbers<6>(element);
+            case dicomTag(0x0028, 0x0008):
+                pixels_.frames = parseAs<std::uint64_t>(cursor_.text(element)).value_or(0);
                 break;
             default:
                 takePixelFacts(element);
+                takeGeometry(element);
         }
     }
 
-    void takePixelFacts(const Element& element) {
+    void takePixelFacts(const DicomElement& element) {
         switch (element.tag) {
-            case tag(0x0028, 0x0002):
-                slice_.samples = number(element);
+            case dicomTag(0x0028, 0x0002):
+                pixels_.samples = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0004):
-                slice_.photometric = text(element);
+            case dicomTag(0x0028, 0x0010):
+                pixels_.rows = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0008):
-                slice_.frames = parseAs<std::uint64_t>(text(element)).value_or(0);
+            case dicomTag(0x0028, 0x0011):
+                pixels_.columns = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0010):
-                slice_.rows = number(element);
+            case dicomTag(0x0028, 0x0100):
+                pixels_.bitsAllocated = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0011):
-                slice_.columns = number(element);
+            case dicomTag(0x0028, 0x0101):
+                pixels_.bitsStored = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0030):
-                slice_.pixelSpacing = numbers<2>(element);
+            case dicomTag(0x0028, 0x0102):
+                pixels_.highBit = cursor_.number(element, syntax_);
                 break;
-            case tag(0x0028, 0x0100):
-                slice_.bits = number(element);
+            case dicomTag(0x0028, 0x0103):
+                pixels_.isSigned = cursor_.number(element, syntax_) == 1;
                 break;
             default:
                 break;
+        }
+    }
+
+    void takeGeometry(const DicomElement& element) {
+        switch (element.tag) {
+            case dicomTag(0x0018, 0x0050):
+                slice_.sliceThickness = length(element);
+                break;
+            case dicomTag(0x0018, 0x0088):
+                slice_.sliceSpacing = length(element);
+                break;
+            case dicomTag(0x0020, 0x0032):
+                if (const auto position = numbers<3>(element)) {
+                    slice_.positions.push_back(*position);
+                }
+                break;
+            case dicomTag(0x0020, 0x0037):
+                slice_.orientation = numbers<6>(element);
+                break;
+            case dicomTag(0x0028, 0x0030):
+                slice_.pixelSpacing = numbers<2>(element);
+                break;
+            case dicomTag(0x0028, 0x1052):
+                takeScaling(element, intercept_);
+                break;
+            case dicomTag(0x0028, 0x1053):
+                takeScaling(element, slope_);
+                break;
+            default:
+                break;
+        }
+    }
+
+    void takeScaling(const DicomElement& element, std::optional<double>& value) {
+        const auto stated = numbers<1>(element);
+        if (!stated || (value && *value != (*stated)[0])) {
+            scalingProblem_ = stated ? "its frames have slopes or intercepts of their own, which is not supported"
+                                     : "its slope or intercept is no number; the file is damaged";
+        } else {
+            value = (*stated)[0];
         }
     }
 
@@ -431,23 +356,69 @@ private:
     }
 
     void judge() {
-        if (!slice_.hasPixels) {
+        if (!pixels_.present) {
             slice_.noImage = isOtherClass();
             fail(slice_.noImage ? "holds no image (it is a report, a plan or a directory)"
                                 : "ends before its pixel data; the file is cut off, fetch it again");
-        } else if (slice_.rows == 0 || slice_.columns == 0 || slice_.frames == 0) {
-            fail("has a size of " + std::to_string(slice_.columns) + " × " + std::to_string(slice_.rows) + " × " +
-                 std::to_string(slice_.frames) + ", which has no voxels; the file is damaged");
-        } else if (slice_.samples != 1 || slice_.photometric.compare(0, 10, "MONOCHROME") != 0) {
-            fail("is in colour (" + slice_.photometric + "); only grey images can be read, store them as grey values");
-        } else if (slice_.bits != 8 && slice_.bits != 16 && slice_.bits != 32) {
-            fail("has samples of " + std::to_string(slice_.bits) + " bits; store them as 8, 16 or 32 bits");
+        } else if (pixels_.rows == 0 || pixels_.columns == 0 || pixels_.frames == 0) {
+            fail("has a size of " + std::to_string(pixels_.columns) + " × " + std::to_string(pixels_.rows) + " × " +
+                 std::to_string(pixels_.frames) + ", which has no voxels; the file is damaged");
+        } else if (pixels_.samples != 1 || pixels_.photometric.compare(0, 10, "MONOCHROME") != 0) {
+            fail("is in colour (" + pixels_.photometric + "); only grey images can be read, store them as grey values");
+        } else if (!scalingProblem_.empty()) {
+            fail(scalingProblem_);
+        } else if (judgeBits()) {
+            judgeLength();
+        }
+        pixels_.slope = slope_.value_or(1.0);
+        pixels_.intercept = intercept_.value_or(0.0);
+    }
+
+    bool judgeBits() {
+        const std::uint64_t bits = pixels_.bitsAllocated;
+        if (bits != 8 && bits != 16 && bits != 32) {
+            return fail("has samples of " + std::to_string(bits) + " bits; store them as 8, 16 or 32 bits");
+        }
+        if (pixels_.bitsStored == 0 || pixels_.highBit >= bits || pixels_.bitsStored > pixels_.highBit + 1) {
+            return fail("its bits stored and high bit make no sense; the file is damaged");
+        }
+        return true;
+    }
+
+    /** Whether the pixel data can hold what the size claims. */
+    void judgeLength() {
+        std::uint64_t needed = pixels_.bitsAllocated / 8;
+        for (const std::uint64_t factor : {pixels_.rows, pixels_.columns, pixels_.frames}) {
+            if (__builtin_mul_overflow(needed, factor, &needed)) {
+                fail("its size is impossible; the file is damaged");
+                return;
+            }
+        }
+        if (!pixels_.compressed()) {
+            if (pixels_.native.length < needed) {
+                fail("its pixel data hold " + std::to_string(pixels_.native.length) + " bytes, " +
+                     std::to_string(needed) + " are needed for its size; the file is damaged");
+            }
+            return;
+        }
+        // The best codecs pack an empty image some thousand times; a claim far beyond that is no image.
+        constexpr std::uint64_t kLargestRatio = 16384;
+        std::uint64_t stored = 0;
+        for (const FilePart& fragment : pixels_.fragments) {
+            stored += fragment.length;
+        }
+        if (needed / kLargestRatio > stored || pixels_.fragments.size() < pixels_.frames) {
+            fail("its pixel data are far too short for its size; the file is damaged");
         }
     }
 
-    Window window_;
+    DicomCursor cursor_;
     DicomSlice& slice_;
-    Syntax syntax_;
+    DicomPixelLayout& pixels_;
+    DicomSyntax syntax_;
+    std::optional<double> slope_;
+    std::optional<double> intercept_;
+    std::string scalingProblem_;
 };
 
 }  // namespace

@@ -45,7 +45,7 @@ function folder_of(file) {
 
 function library_of(header) {
     if (header in standard) return "std"
-    if (header ~ /^(unistd|fcntl|dlfcn|poll|pthread|link|elf|dirent|signal|termios|pwd)\.h$/ || header ~ /^sys\//) return "posix"
+    if (header ~ /^(unistd|fcntl|dlfcn|poll|spawn|pthread|link|elf|dirent|signal|termios|pwd)\.h$/ || header ~ /^sys\//) return "posix"
     if (header ~ /^[a-z0-9]+intrin\.h$/ || header == "cpuid.h") return "cpu"
     if (header ~ /^tiff(io|vers)?\.h$/) return "tiff"
     if (header ~ /^nlohmann\//) return "json"

@@ -109,4 +109,13 @@ std::uint64_t peakMemory() {
     return static_cast<std::uint64_t>(usage.ru_maxrss) * 1024U;
 }
 
+void expectLessMemoryTaken(std::uint64_t before, std::uint64_t mebibytes) {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    EXPECT_LT(peakMemory() - before, mebibytes << 20U);
+#else
+    static_cast<void>(before);
+    static_cast<void>(mebibytes);
+#endif
+}
+
 }  // namespace samples

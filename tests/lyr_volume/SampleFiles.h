@@ -122,4 +122,8 @@ void expectEveryCutRefused(const Folder& folder, const std::string& name, const 
 /** Most main memory that this process has used so far, in bytes. */
 std::uint64_t peakMemory();
 
+/** Checks that the process has not used so many MiB more at any time since `before`. Sanitizers keep freed memory and
+ *  have their own beside it, so nothing is checked under them. */
+void expectLessMemoryTaken(std::uint64_t before, std::uint64_t mebibytes);
+
 }  // namespace samples
