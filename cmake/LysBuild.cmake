@@ -61,6 +61,12 @@ function(lys_public_dependency)
   set_property(GLOBAL APPEND PROPERTY LYS_PUBLIC_DEPENDENCIES "find_dependency(${words})")
 endfunction()
 
+# Has a module sealed after each link, and linked anew when the way of sealing changes.
+function(lys_seal_module_file target)
+  add_custom_command(TARGET ${target} POST_BUILD COMMAND lys_seal_module "$<TARGET_FILE:${target}>" VERBATIM)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "$<TARGET_FILE:lys_seal_module>")
+endfunction()
+
 # lys_add_library(NAME EXPORT_AS name [MODULE_FOLDER] FOLDERS dir... INCLUDE_ROOT dir)
 # A shared library of all sources in the folders (relative to the caller), exported as lys::<name>.
 function(lys_add_library target)
@@ -89,7 +95,13 @@ function(lys_add_library target)
       INSTALL_RPATH "$ORIGIN;$ORIGIN/.." BUILD_WITH_INSTALL_RPATH ON)
     install(TARGETS ${target} EXPORT lys_colortable_targets LIBRARY DESTINATION "${LYS_MODULE_INSTALL_DIRECTORY}")
     # A sealed file must not change any more: its run path is the installed one from the start.
-    add_custom_command(TARGET ${target} POST_BUILD COMMAND lys_seal_module "$<TARGET_FILE:${target}>" VERBATIM)
+    lys_seal_module_file(${target})
+    # Stripping while installing changes the file: it is sealed anew.
+    install(CODE "if(CMAKE_INSTALL_DO_STRIP)
+  execute_process(COMMAND \"$<TARGET_FILE:lys_seal_module>\"
+    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${LYS_MODULE_INSTALL_DIRECTORY}/$<TARGET_FILE_NAME:${target}>\"
+    COMMAND_ERROR_IS_FATAL ANY)
+endif()")
   else()
     set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
       INSTALL_RPATH "$ORIGIN")

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lyr_core/LyrModulePresence.h>
+
 #include <cstdint>
 
 /** What a module tells of itself. A loader reads the note from the file before any code of the module runs, then calls the
@@ -34,12 +36,13 @@ struct LyrModuleNote {
 };
 static_assert(sizeof(LyrModuleNote) == 80 && alignof(LyrModuleNote) == 8);
 
-/** Writes note and entry of a module; once, in one of its sources. */
-#define LYR_DEFINE_MODULE(moduleName, readyFunction, initFunction, cleanupFunction)                             \
-    extern "C" __attribute__((visibility("default"), used, aligned(8), section(".note.lys.module"))) const     \
-        LyrModuleNote lyr_module_note = {4, 64, 1, {'L', 'Y', 'S', '\0'}, LYR_MODULE_ABI, 0, 0, moduleName};                  \
-    extern "C" __attribute__((visibility("default"))) const LyrModuleEntry* lyr_module_entry() {               \
-        static const LyrModuleEntry entry = {LYR_MODULE_ABI, moduleName, readyFunction, initFunction,          \
-                                             cleanupFunction};                                                  \
-        return &entry;                                                                                          \
+/** Writes note and entry of a module; once, at the end of the source that holds the module's static objects. */
+#define LYR_DEFINE_MODULE(moduleName, readyFunction, initFunction, cleanupFunction)                                \
+    extern "C" __attribute__((visibility("default"), used, aligned(8), section(".note.lys.module")))              \
+    const LyrModuleNote lyr_module_note = {4, 64, 1, {'L', 'Y', 'S', '\0'}, LYR_MODULE_ABI, 0, 0, moduleName};     \
+    static const LyrModulePresence lyr_module_presence(moduleName);                                               \
+    extern "C" __attribute__((visibility("default"))) const LyrModuleEntry* lyr_module_entry() {                  \
+        static const LyrModuleEntry entry = {LYR_MODULE_ABI, moduleName, readyFunction, initFunction,             \
+                                             cleanupFunction};                                                    \
+        return &entry;                                                                                            \
     }

@@ -3,9 +3,11 @@
 
 #include <elf.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <system_error>
 
@@ -93,20 +95,31 @@ private:
     Elf64_Ehdr mHeader{};
 };
 
+/** The bytes of a file that begins like an ELF file; of another one only these first bytes are read. */
 bool readBytes(const std::string& path, std::vector<unsigned char>& bytes, std::string& reason) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : -1;
-    if (size < 0) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    if (!std::filesystem::is_regular_file(status)) {
+        reason = std::filesystem::exists(status) ? "it is no file" : "it is not there";
+        return false;
+    }
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error || size > LARGEST_FILE) {
+        reason = error ? "its size cannot be found out: " + error.message() : "it is too large for a module";
+        return false;
+    }
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
         reason = "it cannot be read: " + std::generic_category().message(errno);
         return false;
     }
-    if (static_cast<std::size_t>(size) > LARGEST_FILE) {
-        reason = "it is too large for a module";
-        return false;
+    bytes.resize(std::min<std::size_t>(static_cast<std::size_t>(size), SELFMAG));
+    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    if (!file || bytes.size() < SELFMAG || std::memcmp(bytes.data(), ELFMAG, SELFMAG) != 0) {
+        return true;
     }
     bytes.resize(static_cast<std::size_t>(size));
-    file.seekg(0);
-    if (!file.read(reinterpret_cast<char*>(bytes.data()), size)) {
+    if (!file.read(reinterpret_cast<char*>(bytes.data() + SELFMAG), static_cast<std::streamsize>(size - SELFMAG))) {
         reason = "it cannot be read to its end";
         return false;
     }
@@ -144,13 +157,27 @@ std::uint32_t LyrModuleFile::abi() const {
     return word;
 }
 
-// FNV-1a, 64 bit: a guard against damage, not against forgery.
+// Over words of 64 bits, short ones filled up with zeros: xor, multiply by an odd number (the prime of FNV-1a), fold the high
+// bits down. Each step can be undone, so a change of one word always changes the result; it is a guard against damage, not
+// against forgery.
 std::uint64_t LyrModuleFile::computeSeal() const {
     const std::size_t sealBegin = noteOffset + offsetof(LyrModuleNote, seal);
-    std::uint64_t hash = 0xcbf29ce484222325u;
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        const bool isSeal = i >= sealBegin && i < sealBegin + sizeof(std::uint64_t);
-        hash = (hash ^ (isSeal ? 0u : bytes[i])) * 0x100000001b3u;
-    }
+    std::uint64_t hash = 0xcbf29ce484222325u ^ bytes.size();
+    std::size_t at = 0;
+    const auto add = [&](std::size_t count) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + at, count);
+        hash = (hash ^ word) * 0x100000001b3u;
+        hash ^= hash >> 29;
+        at += count;
+    };
+    const auto addUpTo = [&](std::size_t end) {
+        while (at < end) {
+            add(std::min(sizeof(std::uint64_t), end - at));
+        }
+    };
+    addUpTo(sealBegin);
+    at += sizeof(std::uint64_t);
+    addUpTo(bytes.size());
     return hash ? hash : 1;
 }

@@ -4,11 +4,13 @@
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrModuleFile_p.h>
 #include <lyr_core/LyrModuleLoader.h>
+#include <lyr_core/LyrModulePresence.h>
 #include <lyr_core/Lyrenum.h>
 
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <vector>
@@ -69,7 +71,8 @@ const LyrModuleEntry* findEntry(void* handle, const std::string& name) {
     using EntryFunction = const LyrModuleEntry* (*)();
     auto* function = reinterpret_cast<EntryFunction>(dlsym(handle, LYR_MODULE_ENTRY_SYMBOL));
     const LyrModuleEntry* entry = function ? function() : nullptr;
-    const bool fits = entry && entry->abi == LYR_MODULE_ABI && entry->name && name == entry->name;
+    const bool fits = entry && entry->abi == LYR_MODULE_ABI && entry->name && name == entry->name && entry->ready &&
+                      entry->init && entry->cleanup;
     return fits ? entry : nullptr;
 }
 
@@ -89,6 +92,17 @@ std::string describeLiveObjects(const char* module) {
     return text;
 }
 
+/** Has the guards drop what is queued for a module. That runs any code: guards and modules may come and go. */
+void announceUnload(const char* module) {
+    const std::vector<LyrModuleLoader::UnloadGuard*> guards = Loader::instance().guards;
+    for (LyrModuleLoader::UnloadGuard* guard : guards) {
+        const auto& present = Loader::instance().guards;
+        if (std::find(present.begin(), present.end(), guard) != present.end()) {
+            guard->aboutToUnload(module);
+        }
+    }
+}
+
 /** Why a module has to stay, empty if it can go. */
 std::string reasonsToStay(const char* module) {
     std::string text;
@@ -103,6 +117,27 @@ std::string reasonsToStay(const char* module) {
         text += (text.empty() ? "" : "; ") + ("objects are alive: " + objects);
     }
     return text;
+}
+
+/** Maps a file that was checked, and looks at its entry. */
+bool openModule(const std::string& path, const std::string& name, LyrString& message) {
+    // All symbols are resolved before any code runs, so that a missing one is found here.
+    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        const char* reason = dlerror();
+        return fail(message, "Cannot load module " + path + ": " + (reason ? reason : "unknown reason") +
+                                 "; install the matching one.");
+    }
+    const LyrModuleEntry* entry = findEntry(handle, name);
+    if (!entry || !entry->ready()) {
+        dlclose(handle);
+        return fail(message, "Cannot load module " + path + ": " +
+                                 (entry ? "it could not register all of its names; try again"
+                                        : "its entry is missing or does not fit its note; install the module again") +
+                                 ".");
+    }
+    Loader::instance().modules[name] = {path, handle, entry, 1, 0};
+    return true;
 }
 
 bool isMapped(const std::string& path) {
@@ -130,35 +165,37 @@ bool finishUnload(const std::string& name, const LoadedModule& module, LyrString
 
 LyrModuleLoader::UnloadGuard::~UnloadGuard() = default;
 void LyrModuleLoader::UnloadGuard::aboutToUnload(const char*) {}
+void LyrModuleLoader::UnloadGuard::moduleGoes(const char*) {}
+
+// Made before the module's end is to be told: what tells it then outlives the module.
+LyrModulePresence::LyrModulePresence(const char* module) : mModule(module) { Loader::instance(); }
+
+LyrModulePresence::~LyrModulePresence() {
+    for (LyrModuleLoader::UnloadGuard* guard : Loader::instance().guards) {
+        guard->moduleGoes(mModule);
+    }
+}
 
 bool LyrModuleLoader::load(const std::string& path, LyrString& message) {
-    LyrModuleFile file;
-    std::string text;
-    if (!checkFile(path, file, text)) {
-        return fail(message, text);
-    }
-    Loader& loader = Loader::instance();
-    if (LoadedModule* loaded = loader.find(file.name.c_str())) {
-        if (!std::filesystem::equivalent(loaded->path, path)) {
-            return fail(message, "Cannot load module " + path + ": a module of its name is loaded from " + loaded->path + ".");
+    try {
+        LyrModuleFile file;
+        std::string text;
+        if (!checkFile(path, file, text)) {
+            return fail(message, text);
         }
-        ++loaded->loads;
-        return true;
+        if (LoadedModule* loaded = Loader::instance().find(file.name.c_str())) {
+            std::error_code error;
+            if (!std::filesystem::equivalent(loaded->path, path, error)) {
+                return fail(message, "Cannot load module " + path + ": a module of its name is loaded from " + loaded->path +
+                                         "; unload that first.");
+            }
+            ++loaded->loads;
+            return true;
+        }
+        return openModule(path, file.name, message);
+    } catch (const std::exception& problem) {
+        return fail(message, "Cannot load module " + path + ": " + problem.what() + ".");
     }
-    // All symbols are resolved before any code runs, so that a missing one is found here.
-    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!handle) {
-        const char* reason = dlerror();
-        return fail(message, "Cannot load module " + path + ": " + (reason ? reason : "unknown reason") + ".");
-    }
-    const LyrModuleEntry* entry = findEntry(handle, file.name);
-    if (!entry || !entry->ready()) {
-        const std::string reason = entry ? "it could not register all of its names" : "its entry is missing or does not fit its note";
-        dlclose(handle);
-        return fail(message, "Cannot load module " + path + ": " + reason + ".");
-    }
-    loader.modules[file.name] = {path, handle, entry, 1, 0};
-    return true;
 }
 
 bool LyrModuleLoader::init(const char* module, LyrString& message) {
@@ -185,29 +222,33 @@ bool LyrModuleLoader::cleanup(const char* module, LyrString& message) {
 }
 
 bool LyrModuleLoader::unload(const char* module, LyrString& message) {
-    Loader& loader = Loader::instance();
-    LoadedModule* loaded = loader.find(module);
-    if (!loaded) {
+    const std::string name = module ? module : "";
+    if (!isLoaded(module)) {
         return failNotLoaded(message, module);
     }
-    if (loaded->loads > 1) {
-        --loaded->loads;
+    if (Loader::instance().find(module)->loads > 1) {
+        --Loader::instance().find(module)->loads;
         return true;
     }
-    const std::string name = module;
-    for (UnloadGuard* guard : loader.guards) {
-        guard->aboutToUnload(name.c_str());
-    }
+    announceUnload(name.c_str());
     const std::string reasons = reasonsToStay(name.c_str());
     if (!reasons.empty()) {
         return fail(message, "Module \"" + name + "\" cannot be unloaded: " + reasons + ".");
     }
-    while (loaded->inits > 0) {
+    while (LoadedModule* loaded = Loader::instance().find(name.c_str())) {
+        if (loaded->inits == 0) {
+            break;
+        }
         --loaded->inits;
         loaded->entry->cleanup();
     }
+    announceUnload(name.c_str());  // what the clean-up has left to be done later
+    LoadedModule* loaded = Loader::instance().find(name.c_str());
+    if (!loaded) {
+        return true;  // something in the queue has unloaded it
+    }
     const LoadedModule gone = *loaded;
-    loader.modules.erase(name);
+    Loader::instance().modules.erase(name);
     return finishUnload(name, gone, message);
 }
 

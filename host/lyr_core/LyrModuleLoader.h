@@ -16,8 +16,11 @@ public:
         virtual ~UnloadGuard();
         /** Why a module cannot go now, null if it can. */
         virtual LyrString reasonToStay(const char* module) = 0;
-        /** The module goes: drop what would call its code later. */
+        /** The module is about to go, if nothing has to stay: do or drop what is queued for its objects. Called again after
+         *  its clean-up. */
         virtual void aboutToUnload(const char* module);
+        /** The module's code goes now, at the end of the process too, where nobody is asked: drop its objects. */
+        virtual void moduleGoes(const char* module);
     };
 
     /** Loads a module from an absolute path: its identifiers and classes are registered then. A module that is loaded already

@@ -40,8 +40,15 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
     /** What is still queued for the module's objects must not arrive when its code is gone. */
     void aboutToUnload(const char*) override {
         if (QCoreApplication::instance()) {
+            QCoreApplication::sendPostedEvents();
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QCoreApplication::sendPostedEvents();
+        }
+    }
+
+    void moduleGoes(const char* module) override {
+        if (holdsObjectsOf(module)) {
+            history.clear();
         }
     }
 
