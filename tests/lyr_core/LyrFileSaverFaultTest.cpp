@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <vector>
 
 namespace {
 
@@ -69,6 +70,20 @@ protected:
 };
 
 }  // namespace
+
+TEST_P(LyrFileSaverFault, flushes_the_file_before_and_the_folder_after_it_takes_its_place) {
+    const Scene scene(GetParam());
+    std::vector<long> order;
+    const auto outcome = scene.save([&](const Stop& stop) {
+        const bool counts = stop.call == SYS_write || stop.call == SYS_fsync || stop.call == SYS_renameat;
+        if (counts && stop.isEntry) {
+            order.push_back(stop.call);
+        }
+        return Action();
+    });
+    EXPECT_EQ(outcome, TracedProcess::Succeeded);
+    EXPECT_EQ(order, (std::vector<long>{SYS_write, SYS_fsync, SYS_renameat, SYS_fsync}));
+}
 
 TEST_P(LyrFileSaverFault, killed_at_any_call_it_leaves_the_old_or_the_new_file_whole_and_debris_that_is_swept) {
     int sweptFiles = 0;
