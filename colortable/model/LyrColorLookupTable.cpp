@@ -131,8 +131,6 @@ LyrColorLookupTable::LyrColorLookupTable() { build(); }
 
 LyrColorLookupTable::LyrColorLookupTable(const LyrColorLookupTable& other) : LyrObject(other) {
     build();
-    // A copy in the making is no content yet: an open action has nothing to take back.
-    const LyrLocalClassFlags copying(this, LyrFlags::DATA, 0);
     copyFrom(other);
 }
 

@@ -95,8 +95,6 @@ LyrColorLookupTable::Section::Section() { build(); }
 
 LyrColorLookupTable::Section::Section(const Section& other) : LyrObject(other) {
     build();
-    // As for the table: nothing to take back in a copy that is in the making.
-    const LyrLocalClassFlags copying(this, LyrFlags::DATA, 0);
     copyFrom(other);
 }
 

@@ -132,6 +132,9 @@ TEST(LyrColorLookupTableEvaluation, a_table_without_matching_sections_colours_no
     expectRefused(*table, 0.5f, untouched);
     ASSERT_TRUE(setSections(*table, {}));
     expectRefused(*table, 0.5f, untouched);
+    ASSERT_TRUE(setList<float>(*table, Lyr::PositionList, {0, 1}));
+    ASSERT_TRUE(setSections(*table, {redSection(1), redSection(2), redSection(3), redSection(4)}));
+    expectRefused(*table, 0.5f, untouched);
     ASSERT_TRUE(setList<float>(*table, Lyr::PositionList, {}));
     ASSERT_TRUE(setSections(*table, {redSection(1)}));
     expectRefused(*table, 0.5f, untouched);

@@ -127,9 +127,8 @@ TEST(LyrColorLookupTableMemory, a_clone_bears_every_failing_allocation) {
     const long long before = objectCount();
     const int failed = withEachAllocationFailing([&] {
         const LyrObjectPtr copy(static_cast<LyrObject*>(Table::metaClass().clone(table.get())));
-        // Without memory for the copy itself there is none, and no object that could have failed.
         Color out;
-        return !copy || static_cast<const Table&>(*copy).getColor(0.0f, out);
+        return copy && static_cast<const Table&>(*copy).getColor(0.0f, out);
     });
     EXPECT_GT(failed, 20);
     EXPECT_EQ(objectCount(), before);

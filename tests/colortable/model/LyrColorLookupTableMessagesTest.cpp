@@ -151,6 +151,19 @@ TEST(LyrColorLookupTableMessages, a_message_through_a_handle_is_not_relayed) {
     EXPECT_THAT(ear.take(), IsEmpty());
 }
 
+TEST(LyrColorLookupTableMessages, a_message_through_another_link_is_passed_to_owners_and_not_relayed) {
+    LyrObjectHardLinkOP other;
+    const auto stranger = newSection();
+    const OwnedTable owned;
+    ASSERT_TRUE(owned.table->addProperty(Lyr::Object, &other));
+    ASSERT_TRUE(other.setValue(LyrObjectLink(stranger.get(), nullptr, -1)));
+    owned.self().ear.take();
+    ASSERT_TRUE(setType(*stranger, Lyr::HueCycle));
+    EXPECT_THAT(owned.self().ear.take(), ElementsAre(Heard{owned.table.get(), stranger.get(), CHANGED, id(Lyr::Type),
+                                                           id(Lyr::ColorLookupTable)}));
+    ASSERT_TRUE(owned.table->removeProperty(Lyr::Object));
+}
+
 TEST(LyrColorLookupTableMessages, a_listener_may_colour_values_and_let_the_table_go) {
     struct Careless : LyrIOC {
         bool iocCallback(Message& message) override {

@@ -56,8 +56,10 @@ public:
         const int modes[] = {0, 0, 0, 1, 1, 2};
         result.below = modes[below(6)];
         result.above = modes[below(6)];
-        if (mayFail && oneIn(10)) {
+        if (mayFail && oneIn(15)) {
             result.sections.pop_back();
+        } else if (mayFail && oneIn(15)) {
+            result.sections.push_back(section(false));
         }
         return result;
     }
