@@ -3,6 +3,7 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectPtr.h>
+#include <lys_core/ApplicationPlaceholders.h>
 
 #include <gtest/gtest.h>
 
@@ -24,6 +25,14 @@ struct ErrorCount : LyrError::Listener {
     }
     int count = 0;
 };
+
+int installedPlaceholders() {
+    int count = 0;
+    for (const char* key : {"value.type", "value.unit"}) {
+        count += ApplicationPlaceholders::contains(LyrString::fromUtf8(key)) ? 1 : 0;
+    }
+    return count;
+}
 
 }  // namespace
 
@@ -56,25 +65,47 @@ TEST(LibraryInit, has_no_classes_but_those_of_the_product) {
     EXPECT_EQ(LyrMetaClass::moduleClassCount("lys_colortable"), registered);
 }
 
-TEST(LibraryInit, takes_users_in_and_out_without_a_word) {
+TEST(LibraryInit, installs_its_placeholders_for_the_first_user_and_takes_them_back_with_the_last) {
     const ErrorCount errors;
     const int registered = LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable");
-    const int classes = LyrMetaClass::moduleClassCount("lys_colortable");
-    LibraryInit::init();
-    LibraryInit::init();
-    LibraryInit::cleanup();
-    LibraryInit::cleanup();
+    EXPECT_EQ(installedPlaceholders(), 0);
+    for (int round = 0; round < 2; ++round) {
+        LibraryInit::init();
+        EXPECT_EQ(installedPlaceholders(), 2);
+        LibraryInit::init();
+        LibraryInit::cleanup();
+        EXPECT_EQ(installedPlaceholders(), 2);
+        LibraryInit::cleanup();
+        EXPECT_EQ(installedPlaceholders(), 0);
+    }
     EXPECT_EQ(errors.count, 0);
     EXPECT_EQ(LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable"), registered);
-    EXPECT_EQ(LyrMetaClass::moduleClassCount("lys_colortable"), classes);
 }
 
-TEST(LibraryInit, bears_a_count_below_zero) {
+TEST(LibraryInit, leaves_the_placeholders_of_other_modules_alone) {
+    const LyrString key = LyrString::fromUtf8("another.key");
+    const auto resolver = [](const LyrString&, const LyrObject*) { return LyrString(); };
+    ASSERT_TRUE(
+        ApplicationPlaceholders::add(key, LyrString::fromUtf8("Another"), LyrString(), resolver, "another_module"));
+    LibraryInit::init();
+    LibraryInit::cleanup();
+    EXPECT_TRUE(ApplicationPlaceholders::contains(key));
+    EXPECT_EQ(ApplicationPlaceholders::removeAllFrom("another_module"), 1);
+}
+
+TEST(LibraryInit, counts_below_zero_and_installs_only_when_the_count_becomes_1) {
     const ErrorCount errors;
     LibraryInit::cleanup();
     LibraryInit::cleanup();
+    EXPECT_EQ(installedPlaceholders(), 0);
     LibraryInit::init();
+    EXPECT_EQ(installedPlaceholders(), 0);
     LibraryInit::init();  // balanced again: the other cases share the count
+    EXPECT_EQ(installedPlaceholders(), 0);
+    LibraryInit::init();
+    EXPECT_EQ(installedPlaceholders(), 2);
+    LibraryInit::cleanup();
+    EXPECT_EQ(installedPlaceholders(), 0);
     EXPECT_EQ(errors.count, 0);
 }
 
