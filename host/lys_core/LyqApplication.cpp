@@ -3,8 +3,10 @@
 #include <lyr_core/LyrI18n.h>
 #include <lyr_core/LyrModuleLoader.h>
 #include <lyr_core/LyrUndoJournal.h>
+#include <lys_core/LyqAnnotation.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqUndoCommand_p.h>
+#include <lys_core/LyqWorkspaceWidget.h>
 #include <lys_core/LyrApplicationObject.h>
 
 #include <QCoreApplication>
@@ -88,6 +90,10 @@ LyqApplication::LyqApplication() : d(new Private) {
     LyrUndoJournal::instance().setSink(d.get());
     LyrModuleLoader::addUnloadGuard(d.get());
     LyrI18n::setTranslator(&d->translator);
+    // Views and annotations are known by name from here on.
+    LyqAnnotation::metaClass();
+    LyqSliceWidget::metaClass();
+    LyqSceneWidget::metaClass();
 }
 
 LyqApplication::~LyqApplication() {
