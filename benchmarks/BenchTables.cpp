@@ -16,7 +16,8 @@ SectionData section(Rule rule, int64_t seed) {
     for (int c = 0; c < 4; ++c) {
         s.has[c] = true;
         s.first[c] = c == 3 ? 1.0f : static_cast<float>((seed * 37 + c * 11) % 101) / 101.0f;
-        s.last[c] = rule == Rule::Constant || c == 3 ? s.first[c] : static_cast<float>((seed * 53 + c * 29) % 97) / 97.0f;
+        s.last[c] =
+            rule == Rule::Constant || c == 3 ? s.first[c] : static_cast<float>((seed * 53 + c * 29) % 97) / 97.0f;
     }
     return s;
 }
@@ -28,8 +29,8 @@ BenchTable ruleTable(const std::string& name, Rule rule) {
 }
 
 BenchTable manySections(const std::string& name, int64_t sections, Rule rule, Spacing spacing) {
-    static const Rule all[] = {Rule::Constant, Rule::Gradient, Rule::Rainbow, Rule::HueCycle, Rule::InvertedRainbow,
-                               Rule::Gradient, Rule::BlackGreenBlueRed};
+    static const Rule all[] = {Rule::Constant,        Rule::Gradient, Rule::Rainbow,          Rule::HueCycle,
+                               Rule::InvertedRainbow, Rule::Gradient, Rule::BlackGreenBlueRed};
     BenchTable table;
     table.name = name;
     const int64_t boundaries = sections - 1;

@@ -24,7 +24,8 @@ enum class Spacing { Uniform, Skewed };
 BenchTable ruleTable(const std::string& name, lys::eval::Rule rule);
 
 /// So many sections in all, every inner one of the rule; Rule::None: all rules in turn.
-BenchTable manySections(const std::string& name, int64_t sections, lys::eval::Rule rule, Spacing spacing = Spacing::Uniform);
+BenchTable manySections(const std::string& name, int64_t sections, lys::eval::Rule rule,
+                        Spacing spacing = Spacing::Uniform);
 
 /// The table with an upper end that fails.
 BenchTable withFailingEnd(BenchTable table);

@@ -71,7 +71,8 @@ void colorizeLarge(benchmark::State& state, const BenchTable& table, Input input
     float* out = sharedOutput();
     Rounds rounds;
     rounds.add("copy", [&] {
-        inParts(threads, largeCount, [&](int64_t first, int64_t n) { plainCopy(n, &values[size_t(first)], out + 4 * first); });
+        inParts(threads, largeCount,
+                [&](int64_t first, int64_t n) { plainCopy(n, &values[size_t(first)], out + 4 * first); });
     });
     for (const KernelTarget target : allKernelTargets) {
         if (!isKernelTargetAvailable(target))
@@ -93,8 +94,10 @@ void colorizeLarge(benchmark::State& state, const BenchTable& table, Input input
 
 void add(const BenchTable& table, Input input = Input::Random, int threads = 1) {
     static const char* const inputNames[] = {"random", "ramp", "volume"};
-    const std::string name = table.name + "/" + inputNames[static_cast<int>(input)] + "/10M/" + std::to_string(threads) + "thread";
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) { colorizeLarge(state, table, input, threads); })
+    const std::string name =
+        table.name + "/" + inputNames[static_cast<int>(input)] + "/10M/" + std::to_string(threads) + "thread";
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) { colorizeLarge(state, table, input, threads); })
         ->UseManualTime()
         ->Iterations(11)
         ->Unit(benchmark::kMillisecond);

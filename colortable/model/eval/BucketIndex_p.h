@@ -8,15 +8,16 @@
 
 namespace lys::eval {
 
-/// The order of floats as integers; -0 is +0, NaN comes before everything. Without a branch, for compilers to vectorise.
+/// The order of floats as integers; -0 is +0, NaN comes before everything. Without a branch, for compilers to
+/// vectorise.
 inline int32_t orderedKey(float value) {
     const int32_t bits = std::bit_cast<int32_t>(value + 0.0f);
     const int32_t key = bits ^ (bits >> 31 & INT32_MAX);
     return value == value ? key : INT32_MIN;
 }
 
-/// The boundary list's keys for a search that counts keys below a value's: a value equal to a finite first boundary counts
-/// as above it and its twins, so these lie one step lower.
+/// The boundary list's keys for a search that counts keys below a value's: a value equal to a finite first boundary
+/// counts as above it and its twins, so these lie one step lower.
 inline int32_t boundaryKey(const float* positions, int64_t k) {
     const int32_t key = orderedKey(positions[k]);
     return positions[k] == positions[0] && std::isfinite(positions[0]) ? key - 1 : key;
@@ -40,8 +41,9 @@ int64_t bucketCountFor(int64_t boundaryCount);
 /// Number of keys with the padding that any bisection may reach.
 int64_t paddedKeyCount(int64_t boundaryCount);
 
-/// Fills keys (paddedKeyCount) and starts (bucketCountFor) from ascending boundaries, in the spacing that leaves the
-/// shorter buckets.
-void buildBucketIndex(const float* positions, int64_t boundaryCount, int32_t* keys, uint16_t* starts, BucketIndex* index);
+/// Fills keys (paddedKeyCount) and starts (one more than bucketCountFor) from ascending boundaries, in the spacing that
+/// leaves the shorter buckets.
+void buildBucketIndex(const float* positions, int64_t boundaryCount, int32_t* keys, uint16_t* starts,
+                      BucketIndex* index);
 
 }  // namespace lys::eval

@@ -87,7 +87,7 @@ bool ColorPlan::takeMemory(bool withBuckets, int32_t** keys, uint16_t** starts) 
     }
     const int64_t recordBytes = roundedUp((boundaries + 1) * int64_t{sizeof(SectionInterval)});
     const int64_t keyBytes = withBuckets ? roundedUp(paddedKeyCount(boundaries) * int64_t{sizeof(int32_t)}) : 0;
-    const int64_t startBytes = withBuckets ? bucketCountFor(boundaries) * int64_t{sizeof(uint16_t)} : 0;
+    const int64_t startBytes = withBuckets ? (bucketCountFor(boundaries) + 1) * int64_t{sizeof(uint16_t)} : 0;
     heap_ = ::operator new(static_cast<size_t>(4 * recordBytes + keyBytes + startBytes), lineAlignment, std::nothrow);
     if (!heap_)
         return false;
@@ -142,7 +142,8 @@ int64_t ColorPlan::colorize(int64_t count, const float* values, float* out) cons
     for (int64_t end = count; end > 0 && failing < 0;) {
         const int64_t n = end > first ? (end - first - 1) % blockSize + 1 : end;
         end -= n;
-        const int in = data_.block(data_, values + end, static_cast<int>(n), out + end * channelCount, stream && end >= first);
+        const int in =
+            data_.block(data_, values + end, static_cast<int>(n), out + end * channelCount, stream && end >= first);
         failing = in < 0 ? -1 : end + in;
     }
     if (stream)

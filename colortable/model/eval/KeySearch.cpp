@@ -6,29 +6,44 @@ namespace {
 
 constexpr int together = 4;  // values searched side by side, to have their loads in flight at once
 
-/// Boundaries below each key, starting from its bucket. Halving steps without a branch: the longest bucket decides how
-/// many there are, and a step beyond a shorter bucket meets only greater boundaries or padding.
+/// Boundaries below each key, starting from its bucket. Halving steps without a branch: they suffice for `levels`, and
+/// a step beyond a shorter bucket meets only greater boundaries or padding.
 template <int fixedLevels>
 void bisect(const BucketIndex& index, const int32_t* keys, const uint32_t* buckets, uint32_t* found) {
     const int levels = fixedLevels > 0 ? fixedLevels : index.levels;
-    uint32_t at[together];
     for (int u = 0; u < together; ++u)
-        at[u] = index.starts[buckets[u]];
+        found[u] = index.starts[buckets[u]];
     for (uint32_t step = 1u << (levels - 1); step != 0; step >>= 1) {
         for (int u = 0; u < together; ++u)
-            at[u] += index.keys[at[u] + step - 1] < keys[u] ? step : 0u;
+            found[u] += index.keys[found[u] + step - 1] < keys[u] ? step : 0u;
     }
-    for (int u = 0; u < together; ++u)
-        found[u] = at[u];
 }
 
-template <int fixedLevels>
+/// The values, few as a rule, in buckets that hold too many boundaries for this.
+void searchCrowded(const BucketIndex& index, const int32_t* keys, const uint32_t* buckets, uint32_t* found) {
+    for (int u = 0; u < together; ++u) {
+        uint32_t at = index.starts[buckets[u]];
+        uint32_t left = index.starts[buckets[u] + 1] - at;
+        if (left < 1u << index.levels) [[likely]]
+            continue;
+        while (left > 0) {
+            const uint32_t step = left - left / 2;
+            at += index.keys[at + step - 1] < keys[u] ? step : 0u;
+            left -= step;
+        }
+        found[u] = at;
+    }
+}
+
+template <int fixedLevels, bool crowded>
 int32_t searchAll(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
     const bool mayFail = (plan.kinds & failingKind) != 0;
     int32_t kinds = 0;
     for (int i = n - together; i >= 0; i -= together) {
         uint32_t found[together];
         bisect<fixedLevels>(plan.buckets, keys + i, buckets + i, found);
+        if constexpr (crowded)
+            searchCrowded(plan.buckets, keys + i, buckets + i, found);
         for (int u = 0; u < together; ++u) {
             if (mayFail)
                 kinds |= plan.interval[found[u]].kind;
@@ -38,24 +53,25 @@ int32_t searchAll(const PlanData& plan, const int32_t* keys, const uint32_t* buc
     return kinds;
 }
 
+template <bool crowded>
+int32_t searchByLevels(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
+    switch (plan.buckets.levels) {
+        case 1:
+            return searchAll<1, crowded>(plan, keys, buckets, n, offsets);
+        case 2:
+            return searchAll<2, crowded>(plan, keys, buckets, n, offsets);
+        case 3:
+            return searchAll<3, crowded>(plan, keys, buckets, n, offsets);
+        default:
+            return searchAll<0, crowded>(plan, keys, buckets, n, offsets);
+    }
+}
+
 }  // namespace
 
 bool searchKeys(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
-    int32_t kinds = 0;
-    switch (plan.buckets.levels) {
-        case 1:
-            kinds = searchAll<1>(plan, keys, buckets, n, offsets);
-            break;
-        case 2:
-            kinds = searchAll<2>(plan, keys, buckets, n, offsets);
-            break;
-        case 3:
-            kinds = searchAll<3>(plan, keys, buckets, n, offsets);
-            break;
-        default:
-            kinds = searchAll<0>(plan, keys, buckets, n, offsets);
-            break;
-    }
+    const int32_t kinds = plan.buckets.crowded ? searchByLevels<true>(plan, keys, buckets, n, offsets)
+                                               : searchByLevels<false>(plan, keys, buckets, n, offsets);
     return (kinds & failingKind) != 0;
 }
 

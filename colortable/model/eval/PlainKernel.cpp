@@ -1,4 +1,5 @@
-// Kernel in plain C++: the stages of the vector kernels, written so that a compiler can vectorise them for the baseline.
+// Kernel in plain C++: the stages of the vector kernels, written so that a compiler can vectorise them for the
+// baseline.
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -37,8 +38,8 @@ const SectionInterval& intervalAt(const PlanData& plan, uint32_t offset) {
     return plan.interval[offset / uint32_t{sizeof(SectionInterval)}];
 }
 
-/// The scalar path's fraction, split into loops without branches. Fills the places of the rules and returns the kinds that
-/// occur in the block.
+/// The scalar path's fraction, split into loops without branches. Fills the places of the rules and returns the kinds
+/// that occur in the block.
 int32_t placeInIntervals(const PlanData& plan, int n, BlockStages* stages) {
     float low[blockSize];
     float width[blockSize];
@@ -168,8 +169,8 @@ void analyticColors(int32_t kinds, int n, BlockStages* stages) {
         addThirds(n, stages);
 }
 
-/// Gradients are blended as in the scalar path; with a place of 0 and an end of -0 the start comes out. Analytic colours
-/// join a start of 0 bit by bit.
+/// Gradients are blended as in the scalar path; with a place of 0 and an end of -0 the start comes out. Analytic
+/// colours join a start of 0 bit by bit.
 template <bool gradient, bool analytic>
 void compose(const PlanData& plan, const BlockStages& stages, int n, float* out) {
     for (int i = n - 1; i >= 0; --i) {
@@ -183,7 +184,8 @@ void compose(const PlanData& plan, const BlockStages& stages, int n, float* out)
         }
         if constexpr (analytic) {
             for (int c = 0; c < alphaChannel; ++c)
-                color[c] = std::bit_cast<float>(std::bit_cast<uint32_t>(color[c]) | std::bit_cast<uint32_t>(stages.rgb[c][i]));
+                color[c] =
+                    std::bit_cast<float>(std::bit_cast<uint32_t>(color[c]) | std::bit_cast<uint32_t>(stages.rgb[c][i]));
         }
         std::memcpy(out + i * channelCount, color, sizeof color);
     }

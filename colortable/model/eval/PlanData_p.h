@@ -11,8 +11,8 @@ struct PlanData;
 /// Values that a kernel colours with one call: the arrays between its stages stay in the first-level cache.
 inline constexpr int blockSize = 256;
 
-/// Colours n (1 … blockSize) values. Returns -1, or the index of the last value that cannot be coloured: the colours above
-/// it are written, nothing else is. stream: out is aligned to 64 bytes and the colours may bypass the cache.
+/// Colours n (1 … blockSize) values. Returns -1, or the index of the last value that cannot be coloured: the colours
+/// above it are written, nothing else is. stream: out is aligned to 64 bytes and the colours may bypass the cache.
 using BlockFunction = int (*)(const PlanData& plan, const float* values, int n, float* out, bool stream);
 
 /// What a section needs beyond its start colour, as bits of one word; a constant needs nothing.
@@ -28,11 +28,12 @@ inline constexpr int32_t sineKinds = rainbowKind | invertedKind;
 inline constexpr int32_t analyticKinds = sineKinds | hueKind | thirdsKind;
 inline constexpr int32_t coloredKinds = gradientKind | analyticKinds;
 
-/// Count and Tree compare floats in registers, Buckets looks up a bucket and finishes with a bisection of ordered integers.
+/// Count and Tree compare floats in registers, Buckets looks up a bucket and finishes with a bisection of ordered
+/// integers.
 enum class SearchMode : uint8_t { Count, Tree, Buckets };
 
-/// Where interval and kind of a value's section come from: no section needs them, one section does, all of them are held
-/// in registers, or in records in memory.
+/// Where interval and kind of a value's section come from: no section needs them, one section does, all of them are
+/// held in registers, or in records in memory.
 enum class IntervalMode : uint8_t { None, Lone, Lanes, Records };
 
 /// What the registers of an instruction set can hold.
@@ -55,11 +56,12 @@ inline constexpr int treeLevelSize = 16;
 inline constexpr int maxTreeLevels = 5;
 inline constexpr int maxLaneSections = 32;
 
-/// Narrows the search down to the boundaries in a value's own bucket. Buckets never descend as values ascend, so what lies
-/// in lower buckets is below the value and what lies in higher ones is not.
+/// Narrows the search down to the boundaries in a value's own bucket. Buckets never descend as values ascend, so what
+/// lies in lower buckets is below the value and what lies in higher ones is not.
 struct BucketIndex {
-    const int32_t* keys = nullptr;     ///< boundaries as ordered integers, padded so that no bisection leaves the list
-    const uint16_t* starts = nullptr;  ///< for each bucket the number of boundaries in lower ones
+    const int32_t* keys = nullptr;  ///< boundaries as ordered integers, padded so that no bisection leaves the list
+    const uint16_t* starts =
+        nullptr;  ///< for each bucket the number of boundaries in lower ones, then the number of all
     bool linear = true;
     float origin = 0.0f;  ///< linear: (value - origin) * scale
     float scale = 0.0f;
@@ -67,7 +69,8 @@ struct BucketIndex {
     int32_t lastKey = 0;
     int32_t shift = 0;
     int32_t lastBucket = 0;
-    int32_t levels = 1;  ///< bisection steps that finish the search in any bucket
+    int32_t levels = 1;    ///< bisection steps that finish the search in nearly all buckets
+    bool crowded = false;  ///< some buckets hold more boundaries than that
 };
 
 /// A table read once and laid out for the kernels. Borrows the table's memory.

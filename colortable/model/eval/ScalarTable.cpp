@@ -34,7 +34,8 @@ int64_t findSection(float value, const float* positions, int64_t positionCount) 
     const int64_t below = std::lower_bound(positions, end, value) - positions;
     if (below != 0 || positionCount <= 0)
         return below;
-    // Only a value equal to the first boundary passes: anything less has no boundary at or below it. Infinities give NaN.
+    // Only a value equal to the first boundary passes: anything less has no boundary at or below it. Infinities give
+    // NaN.
     const double distance = std::fabs(static_cast<double>(value) - static_cast<double>(positions[0]));
     if (distance <= std::fabs(static_cast<double>(value)) * static_cast<double>(FLT_EPSILON))
         return std::upper_bound(positions, end, value) - positions;

@@ -26,9 +26,9 @@ struct Failure {
 /// Opaque black, the colour outside of a range with a finite end.
 inline constexpr float outsideColor[channelCount] = {0.0f, 0.0f, 0.0f, 1.0f};
 
-/// Index of the section that value falls into, 0 … positionCount. A value on a boundary belongs to the section below it,
-/// but a value on the first boundary to the sections above (and above its twins). Any list of boundaries will do; one
-/// that does not ascend is searched as std::lower_bound and std::upper_bound would.
+/// Index of the section that value falls into, 0 … positionCount. A value on a boundary belongs to the section below
+/// it, but a value on the first boundary to the sections above (and above its twins). Any list of boundaries will do;
+/// one that does not ascend is searched as std::lower_bound and std::upper_bound would.
 int64_t findSection(float value, const float* positions, int64_t positionCount);
 
 /// The interval of a section; the open ends are the largest finite floats.
@@ -37,8 +37,8 @@ void sectionInterval(int64_t section, const float* positions, int64_t positionCo
 /// True when values of the section are black because the range is finite on its side.
 bool isOutside(int64_t section, int64_t positionCount, bool finiteBelow, bool finiteAbove);
 
-/// Colour of one value (4 floats). The finite ends come before the section's link: a bad link outside a finite range does
-/// not matter here. False leaves out as sectionColor does; a bad link leaves it untouched.
+/// Colour of one value (4 floats). The finite ends come before the section's link: a bad link outside a finite range
+/// does not matter here. False leaves out as sectionColor does; a bad link leaves it untouched.
 bool scalarColor(const TableView& table, float value, float* out, Failure* failure = nullptr);
 
 /// Colours of count values, the last one first (4 floats each). The section's link comes before the finite ends: a bad

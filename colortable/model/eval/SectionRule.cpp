@@ -111,8 +111,8 @@ float clampedChannel(float channel) {
     return channel < 0.0f ? 0.0f : channel > 1.0f ? 1.0f : channel;
 }
 
-bool sectionColor(const SectionData& section, float low, float high, float value, float* out, const SectionData* previous,
-                  const SectionData* next, bool clampedColors) {
+bool sectionColor(const SectionData& section, float low, float high, float value, float* out,
+                  const SectionData* previous, const SectionData* next, bool clampedColors) {
     if (!section.isSection || low >= high)
         return false;
     setColor(out, 0.0f, 0.0f, 0.0f, 0.0f);

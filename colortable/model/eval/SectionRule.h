@@ -44,9 +44,10 @@ float clampedChannel(float channel);
 /// result stored as float.
 ///
 /// Fails with out untouched when the section is none or low >= high, else with out = (0, 0, 0, 0) when the rule is None
-/// or Continue has no neighbour to continue. previous and next are the neighbours or null; a neighbour that is no section
-/// counts as absent. clampedColors: the colour type is in clamped mode, so analytic colours are clamped once more.
-bool sectionColor(const SectionData& section, float low, float high, float value, float* out, const SectionData* previous,
-                  const SectionData* next, bool clampedColors = false);
+/// or Continue has no neighbour to continue. previous and next are the neighbours or null; a neighbour that is no
+/// section counts as absent. clampedColors: the colour type is in clamped mode, so analytic colours are clamped once
+/// more.
+bool sectionColor(const SectionData& section, float low, float high, float value, float* out,
+                  const SectionData* previous, const SectionData* next, bool clampedColors = false);
 
 }  // namespace lys::eval

@@ -52,8 +52,8 @@ HWY_INLINE FloatVector inLaneOrder(FloatVector v) {
     return hn::TableLookupLanes(v, hn::SetTableIndices(floats, laneOrder.valueOfLane));
 }
 
-/// Calls work(values, first lane) for each group in lane order, from the last one on. The last group is filled up with the
-/// last value.
+/// Calls work(values, first lane) for each group in lane order, from the last one on. The last group is filled up with
+/// the last value.
 template <class Work>
 HWY_INLINE void forEachGroup(const float* values, int n, const Work& work) {
     const int rest = n % lanes;
@@ -101,11 +101,13 @@ HWY_INLINE Ends loadEnds(const void* table, const uint32_t* offsets) {
                                             _mm256_load_ps(record(offsets[4])), 1);
     const __m512 upper = _mm512_insertf32x8(_mm512_castps256_ps512(_mm256_load_ps(record(offsets[8]))),
                                             _mm256_load_ps(record(offsets[12])), 1);
-    return {FloatVector{_mm512_shuffle_f32x4(lower, upper, 0x88)}, FloatVector{_mm512_shuffle_f32x4(lower, upper, 0xDD)}};
+    return {FloatVector{_mm512_shuffle_f32x4(lower, upper, 0x88)},
+            FloatVector{_mm512_shuffle_f32x4(lower, upper, 0xDD)}};
 #elif HWY_TARGET == HWY_AVX2
     const __m256 first = _mm256_load_ps(record(offsets[0]));
     const __m256 second = _mm256_load_ps(record(offsets[4]));
-    return {FloatVector{_mm256_permute2f128_ps(first, second, 0x20)}, FloatVector{_mm256_permute2f128_ps(first, second, 0x31)}};
+    return {FloatVector{_mm256_permute2f128_ps(first, second, 0x20)},
+            FloatVector{_mm256_permute2f128_ps(first, second, 0x31)}};
 #else
     return {FloatVector{_mm_load_ps(record(offsets[0]))}, FloatVector{_mm_load_ps(record(offsets[0]) + channelCount)}};
 #endif
@@ -115,7 +117,8 @@ HWY_INLINE Ends loadEnds(const void* table, const uint32_t* offsets) {
 /// A table of floats in one register or two, looked up by the low bits of each lane.
 template <int registers>
 struct LaneTable {
-    explicit LaneTable(const float* table) : lower(hn::Load(floats, table)), upper(hn::Load(floats, table + lanes * (registers - 1))) {}
+    explicit LaneTable(const float* table)
+        : lower(hn::Load(floats, table)), upper(hn::Load(floats, table + lanes * (registers - 1))) {}
 
     HWY_INLINE FloatVector at(WordVector index) const {
 #if HWY_TARGET == HWY_AVX3

@@ -43,8 +43,8 @@ HWY_INLINE Colors interleaved(const Rgb& rgb, FloatVector alpha) {
              lowerHalves(redGreenHigh, blueAlphaHigh), upperHalves(redGreenHigh, blueAlphaHigh)}};
 }
 
-/// (1 - t) * start + t * end in single steps, as the scalar path. Where the section is no gradient t is 0 and end is -0:
-/// what comes out is start, to the last bit.
+/// (1 - t) * start + t * end in single steps, as the scalar path. Where the section is no gradient t is 0 and end is
+/// -0: what comes out is start, to the last bit.
 HWY_INLINE FloatVector blend(FloatVector start, FloatVector end, FloatVector place) {
     const auto rest = hn::Sub(hn::Set(floats, 1.0f), place);
     return hn::Add(hn::Mul(rest, start), hn::Mul(place, end));
@@ -54,11 +54,12 @@ template <Analytic analytic>
 HWY_INLINE Rgb analyticPart(const BlockStages& stages, int at) {
     if constexpr (analytic == Analytic::Sines)
         return rainbowColor(stages, at);
-    return {hn::Load(floats, stages.rgb[0] + at), hn::Load(floats, stages.rgb[1] + at), hn::Load(floats, stages.rgb[2] + at)};
+    return {hn::Load(floats, stages.rgb[0] + at), hn::Load(floats, stages.rgb[1] + at),
+            hn::Load(floats, stages.rgb[2] + at)};
 }
 
-/// Sections' colours from their records in memory. Gradients are blended with their ends, and what the analytic rules made
-/// is joined bit by bit: their sections' start colours are 0 but for alpha.
+/// Sections' colours from their records in memory. Gradients are blended with their ends, and what the analytic rules
+/// made is joined bit by bit: their sections' start colours are 0 but for alpha.
 template <bool gradient, Analytic analytic>
 struct RecordComposer {
     RecordComposer(const PlanData& p, const BlockStages& s) : plan(p), stages(s) {}
@@ -157,7 +158,8 @@ HWY_INLINE void composeFrom(const PlanData& plan, const BlockStages& stages, int
 }
 
 template <bool gradient>
-HWY_INLINE void composeBlended(const PlanData& plan, int32_t kinds, const BlockStages& stages, int n, float* out, bool stream) {
+HWY_INLINE void composeBlended(const PlanData& plan, int32_t kinds, const BlockStages& stages, int n, float* out,
+                               bool stream) {
     if ((kinds & (hueKind | thirdsKind)) != 0)
         return composeFrom<gradient, Analytic::Colors>(plan, stages, n, out, stream);
     if ((kinds & rainbowKind) != 0)
@@ -166,7 +168,8 @@ HWY_INLINE void composeBlended(const PlanData& plan, int32_t kinds, const BlockS
 }
 
 /// Writes the block's n colours; kinds are those that occur in it.
-HWY_INLINE void composeColors(const PlanData& plan, int32_t kinds, const BlockStages& stages, int n, float* out, bool stream) {
+HWY_INLINE void composeColors(const PlanData& plan, int32_t kinds, const BlockStages& stages, int n, float* out,
+                              bool stream) {
     if ((kinds & gradientKind) != 0)
         composeBlended<true>(plan, kinds, stages, n, out, stream);
     else

@@ -85,7 +85,8 @@ struct RecordIntervals {
         const auto front23 = hn::InterleaveLower(floats, r2, r3);
         const auto back01 = hn::InterleaveUpper(floats, r0, r1);
         const auto back23 = hn::InterleaveUpper(floats, r2, r3);
-        return {lowerHalves(front01, front23), upperHalves(front01, front23), hn::BitCast(ints, lowerHalves(back01, back23))};
+        return {lowerHalves(front01, front23), upperHalves(front01, front23),
+                hn::BitCast(ints, lowerHalves(back01, back23))};
     }
 
     const SectionInterval* table;
@@ -110,8 +111,8 @@ struct LaneIntervals {
 };
 #endif
 
-/// The scalar path's fraction: a true division, then its two comparisons. The machine's own maximum and minimum take their
-/// second operand where the first is NaN, or equal: NaN and -0 become 0 as they have to.
+/// The scalar path's fraction: a true division, then its two comparisons. The machine's own maximum and minimum take
+/// their second operand where the first is NaN, or equal: NaN and -0 become 0 as they have to.
 template <class In>
 HWY_INLINE FloatVector placeOf(FloatVector value, const In& in) {
     const auto place = hn::Div(hn::Sub(value, in.low), in.width);

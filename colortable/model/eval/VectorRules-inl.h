@@ -1,5 +1,5 @@
-// Third stage: the analytic rules. Lanes that belong to other rules have a place without any colour. Included once for each
-// instruction set.
+// Third stage: the analytic rules. Lanes that belong to other rules have a place without any colour. Included once for
+// each instruction set.
 #if defined(LYS_EVAL_VECTOR_RULES_INL) == defined(HWY_TARGET_TOGGLE)
 #ifdef LYS_EVAL_VECTOR_RULES_INL
 #undef LYS_EVAL_VECTOR_RULES_INL
@@ -28,8 +28,8 @@ using DoubleVector = hn::Vec<DoubleTag>;
 constexpr DoubleTag doubles;
 constexpr HalfTag halves;
 
-/// Sines of -pi/2 <= x <= pi, `chains` of them side by side: one alone would wait for each of its steps. Fused steps are
-/// allowed here, see sineSeries.
+/// Sines of -pi/2 <= x <= pi, `chains` of them side by side: one alone would wait for each of its steps. Fused steps
+/// are allowed here, see sineSeries.
 template <int chains>
 HWY_INLINE void sineSums(DoubleVector (&x)[chains]) {
     DoubleVector square[chains];
@@ -79,8 +79,8 @@ HWY_INLINE void takeSines(int groups, BlockStages* stages) {
         replaceBySines<1>(stages->side, stages->green);
 }
 
-/// The clamped colour that the sines stand for; a sine never exceeds 1. As an integer a float orders as itself among those
-/// that are not negative.
+/// The clamped colour that the sines stand for; a sine never exceeds 1. As an integer a float orders as itself among
+/// those that are not negative.
 HWY_INLINE Rgb rainbowColor(const BlockStages& stages, int at) {
     const auto zero = hn::Zero(ints);
     const auto side = hn::Load(floats, stages.side + at);
@@ -132,7 +132,8 @@ HWY_INLINE Rgb thirdsColor(FloatVector place) {
     const auto bound = hn::IfThenElse(in2, twoThirds, hn::IfThenElseZero(in1, third));
     const auto up = pieceFraction(place, bound, 3.0f);
     const auto down = hn::Sub(one, up);
-    return {hn::IfThenElseZero(hn::And(in2, here), up), hn::IfThenElseZero(hn::AndNot(in2, here), hn::IfThenElse(in1, down, up)),
+    return {hn::IfThenElseZero(hn::And(in2, here), up),
+            hn::IfThenElseZero(hn::AndNot(in2, here), hn::IfThenElse(in1, down, up)),
             hn::IfThenElseZero(hn::And(in1, here), hn::IfThenElse(in2, down, up))};
 }
 

@@ -15,7 +15,8 @@ namespace lys::eval {
 namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SSE4
-/// Takes up sections: stores their byte offsets and, in tables that may fail, notes whether a failing one is among them.
+/// Takes up sections: stores their byte offsets and, in tables that may fail, notes whether a failing one is among
+/// them.
 template <bool mayFail>
 class SectionSink {
 public:
@@ -61,8 +62,8 @@ HWY_INLINE bool countCuts(const PlanData& plan, const float* values, int n, Bloc
     return sink.failed();
 }
 
-/// The way down the search tree: bit l of path says whether level l's boundary is below the value, which is last for the
-/// level passed last.
+/// The way down the search tree: bit l of path says whether level l's boundary is below the value, which is last for
+/// the level passed last.
 struct Descent {
     WordVector path;
     hn::Mask<FloatTag> last;
@@ -94,8 +95,8 @@ struct Level4 {
     LaneTable<1> upper;
 };
 
-/// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes. The path is the section's
-/// record, see slotOf.
+/// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes. The path is the
+/// section's record, see slotOf.
 template <int levels, bool mayFail>
 HWY_INLINE bool searchTree(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     SectionSink<mayFail> sink(plan, stages);
@@ -129,8 +130,8 @@ HWY_INLINE IntVector keysOf(FloatVector value) {
 
 /// Buckets of equal width in the value. The clamp comes before the conversion and takes NaN to bucket 0.
 HWY_INLINE WordVector linearBuckets(const BucketIndex& index, FloatVector value) {
-    const auto place = hn::Mul(hn::Sub(hn::Add(value, hn::Zero(floats)), hn::Set(floats, index.origin)),
-                               hn::Set(floats, index.scale));
+    const auto place =
+        hn::Mul(hn::Sub(hn::Add(value, hn::Zero(floats)), hn::Set(floats, index.origin)), hn::Set(floats, index.scale));
     const auto last = hn::Set(floats, static_cast<float>(index.lastBucket));
     const auto positive = hn::IfThenElseZero(hn::Gt(place, hn::Zero(floats)), place);
     return hn::BitCast(words, hn::ConvertTo(ints, hn::IfThenElse(hn::Lt(positive, last), positive, last)));

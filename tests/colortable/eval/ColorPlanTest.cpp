@@ -56,8 +56,8 @@ std::vector<float> scalarResult(const plain::Table& table, const std::vector<flo
     return out;
 }
 
-::testing::AssertionResult equalToScalar(const plain::Table& table, const std::vector<float>& values, KernelTarget target,
-                                         size_t shift = 0) {
+::testing::AssertionResult equalToScalar(const plain::Table& table, const std::vector<float>& values,
+                                         KernelTarget target, size_t shift = 0) {
     int64_t failing;
     const std::vector<float> want = scalarResult(table, values, &failing);
     ColorPlan plan;
@@ -76,8 +76,8 @@ std::vector<float> scalarResult(const plain::Table& table, const std::vector<flo
         ++at;
     return ::testing::AssertionFailure() << name << ": value " << values[at / 4] << " (entry " << at / 4 << " of "
                                          << values.size() << "), channel " << at % 4 << ": " << run.out[at] << " ("
-                                         << std::hex << plain::bitsOf(run.out[at]) << ") instead of " << want[at] << " ("
-                                         << plain::bitsOf(want[at]) << ')';
+                                         << std::hex << plain::bitsOf(run.out[at]) << ") instead of " << want[at]
+                                         << " (" << plain::bitsOf(want[at]) << ')';
 }
 
 /// Sections of one type each between constant ends.
@@ -247,10 +247,11 @@ TEST(ColorPlan, large_outputs_equal_the_scalar_path_at_every_alignment) {
 
 TEST(ColorPlan, boundaries_that_are_not_finite_equal_the_scalar_path) {
     plain::Random random(43);
-    const std::vector<std::vector<float>> lists = {{-inf, 0, inf},        {-inf, -inf, inf, inf}, {inf, inf},
-                                                   {-inf, -inf},          {-FLT_MAX, FLT_MAX},    {-FLT_MAX, -FLT_MAX, 0},
-                                                   {0.0f, -0.0f, 0, 1},   {-0.0f, 0.0f},          {FLT_TRUE_MIN, 2 * FLT_TRUE_MIN},
-                                                   {0.0f, FLT_TRUE_MIN},  {FLT_MAX, FLT_MAX},     {3, 3, 3, 4, 4, inf}};
+    const std::vector<std::vector<float>> lists = {
+        {-inf, 0, inf},       {-inf, -inf, inf, inf}, {inf, inf},
+        {-inf, -inf},         {-FLT_MAX, FLT_MAX},    {-FLT_MAX, -FLT_MAX, 0},
+        {0.0f, -0.0f, 0, 1},  {-0.0f, 0.0f},          {FLT_TRUE_MIN, 2 * FLT_TRUE_MIN},
+        {0.0f, FLT_TRUE_MIN}, {FLT_MAX, FLT_MAX},     {3, 3, 3, 4, 4, inf}};
     for (const std::vector<float>& list : lists) {
         for (int round = 0; round < 30; ++round) {
             plain::Table t = random.table(list.size(), round % 2 == 0);

@@ -57,23 +57,32 @@ inline float sine(float argument) {
     return static_cast<float>(std::sin(double(argument)));
 }
 
-inline void ramp(float t, const std::vector<float>& bounds, float factor, const std::vector<const char*>& pieces, float* rgb) {
+inline void ramp(float t, const std::vector<float>& bounds, float factor, const std::vector<const char*>& pieces,
+                 float* rgb) {
     size_t piece = 0;
     while (piece + 1 < bounds.size() && t >= bounds[piece + 1])
         ++piece;
     const float s = step(step(t - bounds[piece]) * factor);
     for (int c = 0; c < 3; ++c) {
         switch (pieces[piece][c]) {
-            case '1': rgb[c] = 1.0f; break;
-            case '+': rgb[c] = s; break;
-            case '-': rgb[c] = step(1.0f - s); break;
-            default: rgb[c] = 0.0f; break;
+            case '1':
+                rgb[c] = 1.0f;
+                break;
+            case '+':
+                rgb[c] = s;
+                break;
+            case '-':
+                rgb[c] = step(1.0f - s);
+                break;
+            default:
+                rgb[c] = 0.0f;
+                break;
         }
     }
 }
 
-inline Outcome section(const SectionData& data, float low, float high, float value, Color* out, const SectionData* previous,
-                       const SectionData* next) {
+inline Outcome section(const SectionData& data, float low, float high, float value, Color* out,
+                       const SectionData* previous, const SectionData* next) {
     if (low >= high)
         return Outcome::Untouched;
     *out = Color();
@@ -149,8 +158,9 @@ struct Table {
 inline Outcome colorInTable(const Table& table, size_t k, float value, Color* out) {
     const float largest = std::numeric_limits<float>::max();
     const size_t last = table.positions.size();
-    return section(table.sections[k], k == 0 ? -largest : table.positions[k - 1], k == last ? largest : table.positions[k],
-                   value, out, k == 0 ? nullptr : &table.sections[k - 1], k == last ? nullptr : &table.sections[k + 1]);
+    return section(table.sections[k], k == 0 ? -largest : table.positions[k - 1],
+                   k == last ? largest : table.positions[k], value, out, k == 0 ? nullptr : &table.sections[k - 1],
+                   k == last ? nullptr : &table.sections[k + 1]);
 }
 
 inline bool black(const Table& table, size_t k) {

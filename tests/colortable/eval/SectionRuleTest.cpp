@@ -99,7 +99,8 @@ TEST(SectionRule, an_inverted_rainbow_forms_one_minus_t_first) {
     // t = 0.1: u = 0.9, red = sin(0.4 pi) = 0.95105657, blue = sin(1.4 pi) < 0, green = sin(0.9 pi)
     const Result r = colorOf(plain::analyticSection(Rule::InvertedRainbow), 0, 1, 0.1f);
     EXPECT_TRUE(r.ok);
-    EXPECT_EQ(plain::bitsOf(r.c[0]), plain::bitsOf(static_cast<float>(std::sin(double((1.0f - 0.1f - 0.5f) * 3.1415927f)))));
+    EXPECT_EQ(plain::bitsOf(r.c[0]),
+              plain::bitsOf(static_cast<float>(std::sin(double((1.0f - 0.1f - 0.5f) * 3.1415927f)))));
     EXPECT_EQ(r.c[1], 0.309017032f);
     EXPECT_EQ(r.c[2], 0.0f);
     expectColor(colorOf(plain::analyticSection(Rule::InvertedRainbow), 0, 1, 0), 1, 0, 0, 1);
@@ -188,7 +189,8 @@ TEST(SectionRule, clamped_mode_changes_no_rule) {
         const float value = random.in(-0.1f, 1.1f);
         float a[4] = {7, 7, 7, 7};
         float b[4] = {7, 7, 7, 7};
-        EXPECT_EQ(sectionColor(s, 0, 1, value, a, nullptr, nullptr, false), sectionColor(s, 0, 1, value, b, nullptr, nullptr, true));
+        EXPECT_EQ(sectionColor(s, 0, 1, value, a, nullptr, nullptr, false),
+                  sectionColor(s, 0, 1, value, b, nullptr, nullptr, true));
         EXPECT_EQ(std::memcmp(a, b, sizeof a), 0);
     }
 }

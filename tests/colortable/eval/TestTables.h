@@ -54,13 +54,20 @@ struct Random {
     }
 
     float pointValue() {
-        static const float edges[] = {0.0f, -0.0f, 1.0f, -1.0f, FLT_MAX, 1e-42f, std::numeric_limits<float>::infinity(),
-                                      -std::numeric_limits<float>::infinity(), std::nanf("")};
+        static const float edges[] = {0.0f,
+                                      -0.0f,
+                                      1.0f,
+                                      -1.0f,
+                                      FLT_MAX,
+                                      1e-42f,
+                                      std::numeric_limits<float>::infinity(),
+                                      -std::numeric_limits<float>::infinity(),
+                                      std::nanf("")};
         return oneIn(6) ? edges[below(withNan ? 9 : 8)] : oneIn(8) ? anyNumber() : in(-0.2f, 1.2f);
     }
 
     SectionData section(bool mayFail) {
-        static const Rule rules[] = {Rule::Constant, Rule::Gradient, Rule::Rainbow, Rule::InvertedRainbow,
+        static const Rule rules[] = {Rule::Constant,          Rule::Gradient, Rule::Rainbow,  Rule::InvertedRainbow,
                                      Rule::BlackGreenBlueRed, Rule::HueCycle, Rule::Continue, Rule::None};
         SectionData s;
         s.rule = rules[below(mayFail && oneIn(20) ? 8 : mayFail ? 7 : 6)];
@@ -80,12 +87,24 @@ struct Random {
         const uint32_t kind = below(6);
         for (size_t i = 0; i < count; ++i) {
             switch (kind) {
-                case 0: p[i] = float(i) * 0.25f - 2.0f; break;
-                case 1: p[i] = anyNumber(); break;
-                case 2: p[i] = in(-1, 1); break;
-                case 3: p[i] = std::ldexp(1.0f, int(below(200)) - 100) * (oneIn(2) ? -1.0f : 1.0f); break;
-                case 4: p[i] = floatOf(0x3F800000u + below(uint32_t(count) * 2)); break;
-                default: p[i] = floatOf(below(4000) | (oneIn(2) ? 0x80000000u : 0u)); break;
+                case 0:
+                    p[i] = float(i) * 0.25f - 2.0f;
+                    break;
+                case 1:
+                    p[i] = anyNumber();
+                    break;
+                case 2:
+                    p[i] = in(-1, 1);
+                    break;
+                case 3:
+                    p[i] = std::ldexp(1.0f, int(below(200)) - 100) * (oneIn(2) ? -1.0f : 1.0f);
+                    break;
+                case 4:
+                    p[i] = floatOf(0x3F800000u + below(uint32_t(count) * 2));
+                    break;
+                default:
+                    p[i] = floatOf(below(4000) | (oneIn(2) ? 0x80000000u : 0u));
+                    break;
             }
         }
         if (oneIn(4))
@@ -116,8 +135,21 @@ struct Random {
 /// Values worth asking any table for: each boundary and its neighbours, the special numbers, and numbers between.
 inline std::vector<float> interestingValues(const Table& table, Random* random, size_t more) {
     const float inf = std::numeric_limits<float>::infinity();
-    std::vector<float> v = {0.0f, -0.0f, FLT_MAX, -FLT_MAX, inf, -inf, FLT_MIN, -FLT_MIN, FLT_TRUE_MIN, -FLT_TRUE_MIN,
-                            std::nanf(""), -std::nanf(""), floatOf(0x7FA00001u), 1.0f, -1.0f};
+    std::vector<float> v = {0.0f,
+                            -0.0f,
+                            FLT_MAX,
+                            -FLT_MAX,
+                            inf,
+                            -inf,
+                            FLT_MIN,
+                            -FLT_MIN,
+                            FLT_TRUE_MIN,
+                            -FLT_TRUE_MIN,
+                            std::nanf(""),
+                            -std::nanf(""),
+                            floatOf(0x7FA00001u),
+                            1.0f,
+                            -1.0f};
     for (const float p : table.positions) {
         v.push_back(p);
         v.push_back(std::nextafter(p, inf));
@@ -127,9 +159,15 @@ inline std::vector<float> interestingValues(const Table& table, Random* random, 
         const size_t k = random->below(uint32_t(table.positions.size() - 1));
         const float f = random->in(0, 1);
         switch (random->below(4)) {
-            case 0: v.push_back(floatOf(uint32_t(random->engine()))); break;
-            case 1: v.push_back(table.positions.front() + (table.positions.back() - table.positions.front()) * f); break;
-            default: v.push_back(table.positions[k] + (table.positions[k + 1] - table.positions[k]) * f); break;
+            case 0:
+                v.push_back(floatOf(uint32_t(random->engine())));
+                break;
+            case 1:
+                v.push_back(table.positions.front() + (table.positions.back() - table.positions.front()) * f);
+                break;
+            default:
+                v.push_back(table.positions[k] + (table.positions[k + 1] - table.positions[k]) * f);
+                break;
         }
     }
     std::shuffle(v.begin(), v.end(), random->engine);
