@@ -46,7 +46,6 @@ BenchTable manySections(const std::string& name, int64_t sections, Rule rule, Sp
 }
 
 BenchTable withFailingEnd(BenchTable table) {
-    table.name += ", may fail";
     table.sections.back().rule = Rule::None;
     return table;
 }

@@ -12,8 +12,9 @@ namespace {
     for (int64_t i = 0; i < count; i += 16) {
         const __m512 v = _mm512_loadu_ps(values + i);
         for (int part = 0; part < 4; ++part)
-            _mm512_stream_ps(out + 4 * i + 16 * part,
-                             _mm512_permutexvar_ps(_mm512_add_epi32(first, _mm512_set1_epi32(4 * part)), v));
+            _mm512_stream_ps(
+                out + 4 * i + 16 * part,
+                _mm512_maskz_permutexvar_ps(0xFFFF, _mm512_add_epi32(first, _mm512_set1_epi32(4 * part)), v));
     }
     _mm_sfence();
 }

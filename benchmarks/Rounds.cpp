@@ -11,13 +11,20 @@ void Rounds::add(const std::string& name, std::function<void()> work) {
 double Rounds::run() {
     using Clock = std::chrono::steady_clock;
     double sum = 0.0;
-    for (Piece& piece : pieces_) {
+    ++first_;
+    for (size_t i = 0; i < pieces_.size(); ++i) {
+        Piece& piece = pieces_[(first_ + i) % pieces_.size()];
         const Clock::time_point begin = Clock::now();
         piece.work();
         piece.seconds.push_back(std::chrono::duration<double>(Clock::now() - begin).count());
         sum += piece.seconds.back();
     }
     return sum;
+}
+
+void Rounds::forget() {
+    for (Piece& piece : pieces_)
+        piece.seconds.clear();
 }
 
 double Rounds::median(const std::string& name) const {

@@ -10,8 +10,6 @@
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrScratch.h>
 
-#include <optional>
-
 namespace {
 
 using Section = LyrColorLookupTable::Section;
@@ -33,9 +31,7 @@ struct Reading {
     long long positionCount() const { return static_cast<long long>(positions.size()); }
     bool isValid() const { return positions.size() >= 2 && links.size() == positions.size() + 1; }
 
-    long long sectionOf(float value) const {
-        return lys::eval::findSection(value, positions.data(), positionCount());
-    }
+    long long sectionOf(float value) const { return lys::eval::findSection(value, positions.data(), positionCount()); }
 
     bool isOutside(long long section) const {
         return lys::eval::isOutside(section, positionCount(), finiteMode.first == 1, finiteMode.second == 1);
@@ -69,8 +65,8 @@ struct Reading {
                                        LyrRGBA<float>::isClamped());
     }
 
-    /** One entry of an array. The section comes before the finite ends here: a link that leads to no section fails in any
-     *  case. */
+    /** One entry of an array. The section comes before the finite ends here: a link that leads to no section fails in
+     * any case. */
     bool colourEntry(float value, LyrRGBA<float>& out, const LyrObject& table) const {
         const long long index = sectionOf(value);
         const Section* section = resolve(index, table);
@@ -96,8 +92,8 @@ struct Reading {
     }
 };
 
-/** Colours an array with a plan of the whole table. Gives -1 when all is done, else how many entries are left: the last of
- *  them cannot be coloured, or (all of them) there was no memory for a plan. */
+/** Colours an array with a plan of the whole table. Gives -1 when all is done, else how many entries are left: the last
+ * of them cannot be coloured, or (all of them) there was no memory for a plan. */
 long long colourWithPlan(const Reading& reading, long long count, const float* values, LyrRGBA<float>* out) {
     LyrScratch<lys::eval::SectionData, 64> sections;
     if (!reading.readSections(sections)) {
@@ -118,16 +114,23 @@ long long colourWithPlan(const Reading& reading, long long count, const float* v
     return failing < 0 ? -1 : failing + 1;
 }
 
+/** Reads a table's properties; false where they make no valid table, or where there are none. */
 template <class Properties>
-Reading readTable(const Properties& properties) {
-    Reading reading{properties.positions.view(), properties.sections.view(), {}};
-    properties.finiteMode.getValue(reading.finiteMode);
-    return reading;
+bool readTable(const Properties* properties, Reading& reading) {
+    if (!properties) {
+        return false;
+    }
+    reading.positions = properties->positions.view();
+    reading.links = properties->sections.view();
+    properties->finiteMode.getValue(reading.finiteMode);
+    return reading.isValid();
 }
 
 }  // namespace
 
-LyrColorLookupTable::LyrColorLookupTable() { build(); }
+LyrColorLookupTable::LyrColorLookupTable() {
+    build();
+}
 
 LyrColorLookupTable::LyrColorLookupTable(const LyrColorLookupTable& other) : LyrObject(other) {
     build();
@@ -154,42 +157,46 @@ const LyrMetaClass& LyrColorLookupTable::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyrColorLookupTable::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrColorLookupTable::getMetaClass() const {
+    return metaClass();
+}
 
 // The finite ends come before the section: a link that leads to no section does not matter outside a finite range.
 bool LyrColorLookupTable::getColor(float value, LyrRGBA<float>& out) const {
-    const std::optional<Reading> reading = d ? std::optional(readTable(*d)) : std::nullopt;
-    if (!reading || !reading->isValid()) {
+    Reading reading;
+    if (!readTable(d.get(), reading)) {
         return false;
     }
-    const long long index = reading->sectionOf(value);
-    if (reading->isOutside(index)) {
+    const long long index = reading.sectionOf(value);
+    if (reading.isOutside(index)) {
         out = LyrRGBA<float>::GRAY(0.0f);
         return true;
     }
-    const Section* section = reading->resolve(index, *this);
-    return section && reading->colour(index, *section, value, out);
+    const Section* section = reading.resolve(index, *this);
+    return section && reading.colour(index, *section, value, out);
 }
 
 bool LyrColorLookupTable::getColors(long long count, const float* values, LyrRGBA<float>* out) const {
-    const std::optional<Reading> reading = d ? std::optional(readTable(*d)) : std::nullopt;
-    if (!reading || !reading->isValid() || (count > 0 && (!values || !out))) {
+    Reading reading;
+    if (!readTable(d.get(), reading) || (count > 0 && (!values || !out))) {
         return false;
     }
     long long left = count;
-    if (lys::eval::ColorPlan::pays(count, reading->positionCount())) {
-        left = colourWithPlan(*reading, count, values, out);
+    if (lys::eval::ColorPlan::pays(count, reading.positionCount())) {
+        left = colourWithPlan(reading, count, values, out);
     }
     // One by one: few values, no memory for a plan, or the entry that fails, which is left and reported as everywhere.
     for (long long i = left - 1; i >= 0; --i) {
-        if (!reading->colourEntry(values[i], out[i], *this)) {
+        if (!reading.colourEntry(values[i], out[i], *this)) {
             return false;
         }
     }
     return true;
 }
 
-bool LyrColorLookupTable::copyFrom(const LyrObject& other) { return d && LyrObject::copyFrom(other); }
+bool LyrColorLookupTable::copyFrom(const LyrObject& other) {
+    return d && LyrObject::copyFrom(other);
+}
 
 // The table's own news goes first, the section's message follows on its way to the owners.
 bool LyrColorLookupTable::iocCallback(Message& message) {

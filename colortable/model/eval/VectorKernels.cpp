@@ -114,11 +114,15 @@ bool isKernelTargetAvailable(KernelTarget target) {
 }
 
 KernelTarget bestKernelTarget() {
-    for (const KernelTarget target : {KernelTarget::Avx512, KernelTarget::Avx2, KernelTarget::Sse4}) {
-        if (isKernelTargetAvailable(target))
-            return target;
-    }
-    return KernelTarget::Plain;
+    // Asking the processor takes longer than colouring thousands of values.
+    static const KernelTarget best = [] {
+        for (const KernelTarget target : {KernelTarget::Avx512, KernelTarget::Avx2, KernelTarget::Sse4}) {
+            if (isKernelTargetAvailable(target))
+                return target;
+        }
+        return KernelTarget::Plain;
+    }();
+    return best;
 }
 
 void finishStreaming() {
