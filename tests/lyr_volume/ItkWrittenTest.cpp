@@ -250,3 +250,17 @@ TEST(ItkWritten, damaged_files_are_refused_or_read_but_do_no_harm) {
     }
     samples::expectLessMemoryTaken(before, 256);
 }
+
+TEST(ItkWritten, every_cut_is_refused) {
+    const Folder folder;
+    for (const bool compressed : {false, true}) {
+        writeAs<short>(*itk::NrrdImageIO::New(), folder.path("a.nrrd"), compressed);
+        writeAs<short>(*itk::MetaImageIO::New(), folder.path("a.mha"), compressed);
+        writeAs<short>(*itk::NiftiImageIO::New(), folder.path("a.nii"), false);
+        writeAs<short>(*itk::NiftiImageIO::New(), folder.path("a.nii.gz"), true);
+        writeAs<short>(*itk::TIFFImageIO::New(), folder.path("a.tif"), compressed);
+        for (const char* name : {"a.nrrd", "a.mha", "a.nii", "a.nii.gz", "a.tif"}) {
+            expectEveryCutRefused(folder, name, contentOf(folder.path(name)), 11);
+        }
+    }
+}

@@ -43,7 +43,8 @@ public:
     }
 
     Bytes& text(std::string_view more) {
-        data_.insert(data_.end(), more.begin(), more.end());
+        data_.resize(data_.size() + more.size());
+        std::copy(more.begin(), more.end(), data_.end() - static_cast<std::ptrdiff_t>(more.size()));
         return *this;
     }
     Bytes& append(const Bytes& more) {
