@@ -4,6 +4,8 @@
 #include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
+#include <colortable/viewport/LyqColorLookupTableAnnotation.h>
+#include <colortable/viewport/LyrColorLookupTableAnnotationContainer.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/ApplicationPlaceholders.h>
@@ -69,6 +71,8 @@ LYS_COLORTABLE_IDENTIFIERS(LYS_DEFINE_IDENTIFIER)
 namespace {
 [[maybe_unused]] const LyrMetaClass& sTableClass = LyrColorLookupTable::metaClass();
 [[maybe_unused]] const LyrMetaClass& sSectionClass = LyrColorLookupTable::Section::metaClass();
+[[maybe_unused]] const LyrMetaClass& sAnnotationClass = LyqColorLookupTableAnnotation::metaClass();
+[[maybe_unused]] const LyrMetaClass& sContainerClass = LyrColorLookupTableAnnotationContainer::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
 
 LYQCOLORTABLE::LibraryInit sInstance;

@@ -11,7 +11,9 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QPointer>
 #include <QUndoStack>
+#include <QWidget>
 
 namespace {
 
@@ -81,6 +83,7 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
 
     Translator translator;
     LyrObjectPtr object{new LyrApplicationObject};
+    QPointer<QWidget> mainWidget;
     QUndoStack history;
     int gesture = NO_GESTURE;
     int lastGesture = 0;
@@ -111,6 +114,10 @@ LyqApplication& LyqApplication::instance() {
 }
 
 LyrObject& LyqApplication::object() { return *d->object; }
+
+QWidget* LyqApplication::mainWidget() const { return d->mainWidget; }
+
+void LyqApplication::setMainWidget(QWidget* widget) { d->mainWidget = widget; }
 
 LyrDisplayUnits& LyqApplication::displayUnits() {
     return static_cast<LyrApplicationObject&>(*d->object).displayUnits();

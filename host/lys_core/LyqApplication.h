@@ -11,6 +11,7 @@
 class LyrDisplayUnits;
 class LyrObject;
 class QUndoStack;
+class QWidget;
 
 /** The application: its object in the host's graph, and user actions over the undo history. Made on first use; needs no QApplication, so that programs without a
  *  display use it as well. To be used from the thread of the user interface. */
@@ -30,6 +31,10 @@ public:
     LyrObject& object();
     /** The holder of the display units: its property `DisplayUnitList` says in which units values are shown. */
     LyrDisplayUnits& displayUnits();
+
+    /** The window that owns widgets without a place of their own; null before there is one and after it is gone. */
+    QWidget* mainWidget() const;
+    void setMainWidget(QWidget* widget);
 
     /** Opens a user action. Actions nest: the outermost is one undo step, an inner one is a part of it. */
     UserActionToken userActionBegin(const QString& name);
