@@ -1,0 +1,119 @@
+#include <colortable/viewport/LegendPlacement.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lys_core/LyqScaling.h>
+
+#include <algorithm>
+
+namespace lys::viewport {
+
+namespace {
+
+constexpr float MARGIN = 10.0f;
+constexpr float SMALLEST_SIZE = 0.01f;
+constexpr float LARGEST_SIZE = 1.0f;
+constexpr int SHORTEST_LENGTH = 2;
+constexpr QRgb KEY = 0x000008u;
+
+struct FreeArea {
+    float left, top, right, bottom;
+};
+
+FreeArea freeArea(const Viewport& viewport, float dotsPerInch) {
+    const float margin = LyqScaling::getScaledPixelf(dotsPerInch, MARGIN);
+    return {viewport.x + margin, viewport.y + margin, viewport.x + viewport.width - margin,
+            viewport.y + viewport.height - margin};
+}
+
+/** A fraction of a length, the product in single precision. */
+int fractionOf(float length, float size) {
+    return std::max(SHORTEST_LENGTH, static_cast<int>(std::clamp(size, SMALLEST_SIZE, LARGEST_SIZE) * length));
+}
+
+/** The start of something centred between two edges, formed in double precision. */
+double centred(float low, float high, int length) {
+    return (static_cast<double>(low) + static_cast<double>(high)) / 2.0 - static_cast<double>(length) / 2.0;
+}
+
+Place placeVertical(const FreeArea& area, const Wish& wish) {
+    const QSize size(wish.hint.width(), fractionOf(area.bottom - area.top, wish.size));
+    const float x = wish.position == Lyr::Right ? area.right - static_cast<float>(size.width()) : area.left;
+    double y = centred(area.top, area.bottom, size.height());
+    if (wish.alignment == Lyr::Top) {
+        y = static_cast<double>(area.top);
+    } else if (wish.alignment == Lyr::Bottom) {
+        y = static_cast<double>(area.bottom - static_cast<float>(size.height()));
+    }
+    return {QPoint(static_cast<int>(x), static_cast<int>(y)), size};
+}
+
+// The three ways of alignment are read along the bar: the top of a vertical bar is the right end of a horizontal one.
+Place placeHorizontal(const FreeArea& area, const Wish& wish) {
+    const QSize size(fractionOf(area.right - area.left, wish.size), wish.hint.height());
+    const float y = wish.position == Lyr::Bottom ? area.bottom - static_cast<float>(size.height()) : area.top;
+    double x = centred(area.left, area.right, size.width());
+    if (wish.alignment == Lyr::Top || wish.alignment == Lyr::Right) {
+        x = static_cast<double>(area.right - static_cast<float>(size.width()));
+    } else if (wish.alignment == Lyr::Bottom || wish.alignment == Lyr::Left) {
+        x = static_cast<double>(area.left);
+    }
+    return {QPoint(static_cast<int>(x), static_cast<int>(y)), size};
+}
+
+}  // namespace
+
+Place placeLegend(const Viewport& viewport, float dotsPerInch, const Wish& wish) {
+    const FreeArea area = freeArea(viewport, dotsPerInch);
+    const bool horizontal = wish.position == Lyr::Bottom || wish.position == Lyr::Top;
+    Place place = horizontal ? placeHorizontal(area, wish) : placeVertical(area, wish);
+    place.size = place.size.expandedTo(wish.minimumHint);
+    return place;
+}
+
+LyrVector3<float> centreOf(const QRect& frame) {
+    return {static_cast<float>(frame.left() + frame.right()) * 0.5f, static_cast<float>(frame.top() + frame.bottom()) * 0.5f,
+            0.5f};
+}
+
+LyrVector3<float> widgetToDevice(const LyrVector3<float>& point, const Viewport& viewport) {
+    return {(point.x + 0.5f - viewport.x) * 2.0f / viewport.width - 1.0f,
+            (point.y + 0.5f - viewport.y) * -2.0f / viewport.height + 1.0f, point.z * 2.0f - 1.0f};
+}
+
+std::vector<LyrVector3<float>> quadCorners(const QRect& frame, const Viewport& viewport) {
+    const float left = static_cast<float>(frame.left()) - 0.5f;
+    const float right = static_cast<float>(frame.right()) + 0.5f;
+    const float bottom = static_cast<float>(frame.bottom()) + 0.5f;
+    const float top = static_cast<float>(frame.top()) - 0.5f;
+    std::vector<LyrVector3<float>> corners;
+    for (const auto& [x, y] : {std::pair(left, bottom), {right, bottom}, {right, top}, {left, top}}) {
+        corners.push_back(widgetToDevice({x, y, 0.5f}, viewport));
+    }
+    return corners;
+}
+
+int textureLength(int length) {
+    // No texture comes near this; it keeps the shift defined.
+    constexpr int LARGEST = 1 << 30;
+    int result = length > 0 ? 1 : 0;
+    while (result > 0 && result < length && result < LARGEST) {
+        result <<= 1;
+    }
+    return result;
+}
+
+std::vector<unsigned char> keyedPixels(const QImage& image) {
+    std::vector<unsigned char> bytes;
+    bytes.reserve(static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 4);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QRgb pixel = image.pixel(x, y);
+            bytes.push_back(static_cast<unsigned char>(qRed(pixel)));
+            bytes.push_back(static_cast<unsigned char>(qGreen(pixel)));
+            bytes.push_back(static_cast<unsigned char>(qBlue(pixel)));
+            bytes.push_back((pixel & 0xffffffu) == KEY ? 0 : 255);
+        }
+    }
+    return bytes;
+}
+
+}  // namespace lys::viewport
