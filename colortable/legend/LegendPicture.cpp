@@ -12,7 +12,8 @@
 #include <QPainter>
 #include <QStringList>
 
-#include <iterator>
+#include <cmath>
+#include <functional>
 
 namespace lys::legend {
 
@@ -24,6 +25,8 @@ using Section = LyrColorLookupTable::Section;
 constexpr long long THICKNESS_WITHOUT_SETTINGS = 24;
 constexpr double LARGEST_POINT_SIZE = 1000.0;
 constexpr int LARGEST_PIXEL_SIZE = 4000;
+/** No number of a font string is larger, letter and word spacing included. */
+constexpr double LARGEST_FONT_FIELD = 10000.0;
 
 template <class T>
 std::vector<T> readList(const LyrObject* object, Lyrenum id) {
@@ -36,14 +39,27 @@ bool isTrue(const LyrObject* object, Lyrenum id, bool fallback) {
     return lyrGetValue<Lyrenum>(object, id, fallback ? 1 : 0) != 0;
 }
 
-Lyrenum quantityOf(const LyrObject* table) { return lyrGetValue(table, Lyr::Quantity, Lyr::Length); }
+Lyrenum quantityOf(const LyrObject* table) {
+    return lyrGetValue(table, Lyr::Quantity, Lyr::Length);
+}
+
+QFont withoutSubpixels(QFont font) {
+    font.setStyleStrategy(QFont::StyleStrategy(font.styleStrategy() | QFont::NoSubpixelAntialias));
+    return font;
+}
+
+QFont withoutSmoothing(QFont font) {
+    const int kept = withoutSubpixels(font).styleStrategy() & ~QFont::PreferAntialias;
+    font.setStyleStrategy(QFont::StyleStrategy(kept | QFont::NoAntialias));
+    return font;
+}
 
 Style readStyle(const LyrObject* settings, float dotsPerInch) {
     Style style;
     const QString font = QString::fromUtf8(lyrGetValue<const char*>(settings, Lyr::Font, ""));
     style.font = LyqScaling::getScaledFont(fontFromString(font), dotsPerInch);
     // Coloured fringes of subpixel smoothing belong to one screen's layout, legends go onto many.
-    style.font.setStyleStrategy(QFont::NoSubpixelAntialias);
+    style.font = withoutSubpixels(style.font);
     style.outlined = isTrue(settings, Lyr::HasOutline, true);
     style.textColor = QColor(opaque(lyrGetValue(settings, Lyr::Color, LyrRGBA<float>::BLACK())));
     style.outlineColor = QColor(opaque(lyrGetValue(settings, Lyr::OutlineColor, LyrRGBA<float>::WHITE())));
@@ -92,8 +108,8 @@ void paintBar(QPainter& painter, const Input& input, const Layout& layout, const
     }
 }
 
-/** Whether the fields of a font string are what the toolkit writes: family, point size, pixel size, then numbers, and in the
- *  longer forms a style name at the end. */
+/** Whether the fields of a font string are what the toolkit writes: family, point size, pixel size, then numbers, and
+ * in the longer forms a style name at the end. */
 bool isFontDescription(const QStringList& fields) {
     const bool old = fields.size() == 10 || fields.size() == 11;
     if ((!old && fields.size() != 16 && fields.size() != 17) || fields.first().trimmed().isEmpty()) {
@@ -102,8 +118,8 @@ bool isFontDescription(const QStringList& fields) {
     const qsizetype numbers = old ? 10 : 16;
     for (qsizetype i = 1; i < numbers; ++i) {
         bool ok = false;
-        fields.at(i).toDouble(&ok);
-        if (!ok) {
+        const double number = fields.at(i).toDouble(&ok);
+        if (!ok || !(std::fabs(number) <= LARGEST_FONT_FIELD)) {
             return false;
         }
     }
@@ -111,6 +127,65 @@ bool isFontDescription(const QStringList& fields) {
     const int pixels = fields.at(2).toInt();
     return (points > 0.0 && points <= LARGEST_POINT_SIZE) ||
            (points == -1.0 && pixels >= 1 && pixels <= LARGEST_PIXEL_SIZE);
+}
+
+/** Draws a text somewhere, moved by an offset. */
+using DrawText = std::function<void(QPainter&, const QPoint&)>;
+
+void drawOutline(QPainter& painter, const DrawText& draw, const Style& style) {
+    // One of the upper strokes is missing and one of the lower ones doubled: the look that users know.
+    constexpr QPoint STROKES[] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}, {-1, 0}, {1, 0}, {0, 1}, {0, 1}};
+    painter.setPen(QPen(style.outlineColor, 0));
+    for (const QPoint& stroke : STROKES) {
+        draw(painter, stroke);
+    }
+}
+
+void drawSoft(QPainter& painter, const DrawText& draw, const Style& style) {
+    painter.setFont(withoutSubpixels(style.font));
+    if (style.outlined) {
+        drawOutline(painter, draw, style);
+    }
+    painter.setPen(QPen(style.textColor, 0));
+    draw(painter, {});
+}
+
+/** Draws in a layer of its own: the smoothed text covers only pixels that the hard outline, or the hard text under it,
+ * has covered before. Over them it blends with the outline, never with the background. */
+void drawKeyed(QPainter& painter, const QRect& bounds, const DrawText& draw, const Style& style) {
+    const QRect shown = bounds.intersected(painter.window());
+    const qreal ratio = painter.device()->devicePixelRatioF();
+    QImage layer(shown.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+    if (layer.isNull()) {
+        return;
+    }
+    layer.setDevicePixelRatio(ratio);
+    layer.fill(Qt::transparent);
+    QPainter inner(&layer);
+    inner.translate(-shown.topLeft());
+    inner.setFont(withoutSmoothing(style.font));
+    if (style.outlined) {
+        drawOutline(inner, draw, style);
+        draw(inner, {});
+        inner.setFont(withoutSubpixels(style.font));
+        inner.setCompositionMode(QPainter::CompositionMode_SourceAtop);
+    }
+    inner.setPen(QPen(style.textColor, 0));
+    draw(inner, {});
+    inner.end();
+    painter.drawImage(shown.topLeft(), layer);
+}
+
+void drawLayers(QPainter& painter, const QRect& bounds, const DrawText& draw, const Style& style) {
+    painter.save();
+    if (style.keyed) {
+        // Room for the outline and for what hangs over the letters' boxes.
+        const int room = QFontMetrics(style.font).height();
+        drawKeyed(painter, bounds.adjusted(-room, -room, room, room), draw, style);
+    } else {
+        drawSoft(painter, draw, style);
+    }
+    painter.restore();
 }
 
 }  // namespace
@@ -175,20 +250,15 @@ bool isDrawable(const LyrObject* table) {
 }
 
 void paintText(QPainter& painter, const QPoint& baseline, const QString& text, const Style& style) {
-    // One of the upper strokes is missing and one of the lower ones doubled: the look that users know.
-    constexpr QPoint STROKES[] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}, {-1, 0}, {1, 0}, {0, 1}, {0, 1}};
-    QFont hard = style.font;
-    hard.setStyleStrategy(QFont::StyleStrategy(QFont::NoAntialias | QFont::NoSubpixelAntialias));
-    if (style.outlined) {
-        painter.setFont(style.keyed ? hard : style.font);
-        painter.setPen(QPen(style.outlineColor, 0));
-        for (const QPoint& stroke : STROKES) {
-            painter.drawText(baseline + stroke, text);
-        }
-    }
-    painter.setFont(style.keyed && !style.outlined ? hard : style.font);
-    painter.setPen(QPen(style.textColor, 0));
-    painter.drawText(baseline, text);
+    const QRect bounds = QFontMetrics(style.font).boundingRect(text).translated(baseline);
+    drawLayers(
+        painter, bounds, [&](QPainter& on, const QPoint& by) { on.drawText(baseline + by, text); }, style);
+}
+
+void paintText(QPainter& painter, const QRect& rect, int flags, const QString& text, const Style& style) {
+    const QRect bounds = QFontMetrics(style.font).boundingRect(rect, flags, text);
+    drawLayers(
+        painter, bounds, [&](QPainter& on, const QPoint& by) { on.drawText(rect.translated(by), flags, text); }, style);
 }
 
 void paint(QPainter& painter, const Reading& reading, const Layout& layout, const TextMeasure& measure,

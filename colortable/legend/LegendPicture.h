@@ -54,6 +54,8 @@ LYS_COLORTABLE_EXPORT bool isDrawable(const LyrObject* table);
 
 /** Draws a text with its baseline's start at a point: eight strokes of the outline, then the text. */
 LYS_COLORTABLE_EXPORT void paintText(QPainter& painter, const QPoint& baseline, const QString& text, const Style& style);
+/** The same in a rectangle, with the toolkit's alignment and text flags. */
+LYS_COLORTABLE_EXPORT void paintText(QPainter& painter, const QRect& rect, int flags, const QString& text, const Style& style);
 
 /** Paints caption, bar and labels; the background is left alone. A table that is not drawable paints nothing. */
 LYS_COLORTABLE_EXPORT void paint(QPainter& painter, const Reading& reading, const Layout& layout, const TextMeasure& measure,

@@ -8,6 +8,7 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectIOCPtr.h>
 #include <lyr_core/LyrPropertyPtr.h>
+#include <lyr_core/LyrSameValue.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqScaling.h>
 #include <lys_core/LyqUnitConverter.h>
@@ -88,7 +89,7 @@ void LyqColorLookupTableWidget::setRenderSettings(LyrObject* settings) {
 }
 
 void LyqColorLookupTableWidget::setDotsPerInch(float dotsPerInch) {
-    if (dotsPerInch != d->dotsPerInch) {
+    if (!lyrSameValue(dotsPerInch, d->dotsPerInch)) {
         d->dotsPerInch = dotsPerInch;
         invalidate();
     }
@@ -120,9 +121,15 @@ QSize LyqColorLookupTableWidget::minimumSizeHint() const {
 
 void LyqColorLookupTableWidget::updateData() const {
     d->reading = lys::legend::read(d->colorTable.get(), d->renderSettings.get(), d->converter, size(), d->dotsPerInch);
-    d->reading.style.keyed = palette().color(backgroundRole()).rgb() == lys::legend::KEY_COLOR;
+    d->reading.style.keyed = isKeyed();
     d->layout = lys::legend::layOut(d->reading.input,
                                     lys::legend::measureOf(d->reading.style, d->colorTable.get(), d->converter));
+}
+
+void LyqColorLookupTableWidget::updateIfNeeded() const {
+    if (needsUpdate()) {
+        updateData();
+    }
 }
 
 void LyqColorLookupTableWidget::sync() {
@@ -197,24 +204,33 @@ void LyqColorLookupTableWidget::unitChangedSlot() { invalidate(); }
 
 void LyqColorLookupTableWidget::renderText(QPainter& painter, int x, int y, const QString& text, bool outline,
                                            const QPen& textPen, const QPen& outlinePen) {
-    lys::legend::Style style = d->reading.style;
-    style.font = painter.font();
-    style.outlined = outline;
-    style.textColor = textPen.color();
-    style.outlineColor = outlinePen.color();
-    lys::legend::paintText(painter, QPoint(x, y), text, style);
+    lys::legend::paintText(painter, QPoint(x, y), text, textStyle(painter, outline, textPen, outlinePen));
 }
 
 void LyqColorLookupTableWidget::renderText(QPainter& painter, const QRect& rect, int flags, const QString& text, bool outline,
                                            const QPen& textPen, const QPen& outlinePen) {
-    const QRect placed = painter.boundingRect(rect, flags, text);
-    renderText(painter, placed.left(), placed.top() + QFontMetrics(painter.font()).ascent(), text, outline, textPen,
-               outlinePen);
+    lys::legend::paintText(painter, rect, flags, text, textStyle(painter, outline, textPen, outlinePen));
+}
+
+lys::legend::Style LyqColorLookupTableWidget::textStyle(const QPainter& painter, bool outline, const QPen& textPen,
+                                                        const QPen& outlinePen) const {
+    lys::legend::Style style;
+    style.font = painter.font();
+    style.outlined = outline;
+    style.textColor = textPen.color();
+    style.outlineColor = outlinePen.color();
+    style.keyed = isKeyed();
+    return style;
+}
+
+bool LyqColorLookupTableWidget::isKeyed() const {
+    return palette().color(backgroundRole()).rgb() == lys::legend::KEY_COLOR;
 }
 
 QImage LyqColorLookupTableWidget::createSectionImage(int width, int height, const LyrObject* section,
                                                      const LyrObject* previous, const LyrObject* next) const {
     using lys::legend::Halves;
+    updateIfNeeded();
     const Halves halves = d->reading.input.horizontal ? Halves::LowerOverWhite : Halves::LeftOverWhite;
     const Section* shown = asSection(section);
     return shown ? lys::legend::sectionImage(QSize(width, height), halves, *shown, asSection(previous), asSection(next))
@@ -222,16 +238,22 @@ QImage LyqColorLookupTableWidget::createSectionImage(int width, int height, cons
 }
 
 int LyqColorLookupTableWidget::realToWidget(float value) const {
+    updateIfNeeded();
     return lys::legend::valueToCoordinate(d->reading.input, d->layout, value);
 }
 
-int LyqColorLookupTableWidget::getVirtualBorderSectionSize() const { return d->layout.extensionLength; }
+int LyqColorLookupTableWidget::getVirtualBorderSectionSize() const {
+    updateIfNeeded();
+    return d->layout.extensionLength;
+}
 
 QString LyqColorLookupTableWidget::getDescriptionString() const {
+    updateIfNeeded();
     return lys::legend::captionText(d->colorTable.get(), d->renderSettings.get(), d->converter);
 }
 
 QString LyqColorLookupTableWidget::internalToDisplayString(float value) const {
+    updateIfNeeded();
     return lys::legend::labelText(d->colorTable.get(), d->converter, value);
 }
 
@@ -247,6 +269,9 @@ int LyqColorLookupTableWidget::getScaledPixelip(int pixels) const {
     return LyqScaling::getScaledPixelip(d->dotsPerInch, pixels);
 }
 
-QFont LyqColorLookupTableWidget::getScaledFont() const { return d->reading.style.font; }
+QFont LyqColorLookupTableWidget::getScaledFont() const {
+    updateIfNeeded();
+    return d->reading.style.font;
+}
 
 QFontMetrics LyqColorLookupTableWidget::getScaledFontMetrics() const { return QFontMetrics(getScaledFont()); }

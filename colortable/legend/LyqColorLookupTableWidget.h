@@ -14,6 +14,10 @@
 class LyrObject;
 class QPen;
 
+namespace lys::legend {
+struct Style;
+}
+
 /** Shows the colour bar legend of one table in the way that one render settings object says: a box for each section, boxes
  *  beyond the ends of the range, labels and a caption.
  *
@@ -87,6 +91,9 @@ private:
     void stamp();
     void sync();
     void updateData() const;
+    void updateIfNeeded() const;
+    bool isKeyed() const;
+    lys::legend::Style textStyle(const QPainter& painter, bool outline, const QPen& textPen, const QPen& outlinePen) const;
 
     std::unique_ptr<Private> d;
 };

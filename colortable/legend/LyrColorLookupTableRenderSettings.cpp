@@ -101,7 +101,7 @@ struct LyrColorLookupTableRenderSettings::Private : LyrPrivatePart {
             if (!owner.addProperty(Lyr::Description, &mProxied)) {
                 return false;
             }
-            if (!mProxied.addPropertyExtension(this) || !descriptionTemplate.addPropertyExtension(&mTemplateWatch)) {
+            if (!moveTo(&mProxied) || !descriptionTemplate.addPropertyExtension(&mTemplateWatch)) {
                 detach();
                 return false;
             }
@@ -112,9 +112,7 @@ struct LyrColorLookupTableRenderSettings::Private : LyrPrivatePart {
             if (LyrProperty* watched = mTemplateWatch.getProperty()) {
                 watched->removePropertyExtension(&mTemplateWatch);
             }
-            if (getProperty()) {
-                getProperty()->removePropertyExtension(this);
-            }
+            moveTo(nullptr);
             if (LyrObject* owner = mProxied.getObject()) {
                 owner->removeProperty(Lyr::Description);
             }

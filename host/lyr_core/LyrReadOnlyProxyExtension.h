@@ -33,6 +33,33 @@ public:
         return typed;
     }
 
+    /** Hooks the proxy to another property, after it has left its present one; null: to none. It is not deleted on the way,
+     *  and auto-delete comes back only where it ends without a property: on a new one it belongs to who moved it. Flagged
+     *  LyrFlags::COMPATIBILITY_SAVE, it takes the flag "CompatibilitySave" from the old property to the new one. False if the
+     *  new property cannot be had. */
+    bool moveTo(LyrProperty* property) {
+        LyrProperty* const old = this->getProperty();
+        if (property == old) {
+            return true;
+        }
+        const bool marked = this->getFlags(LyrFlags::COMPATIBILITY_SAVE) != 0;
+        const bool autoDelete = this->isAutoDelete();
+        this->setAutoDelete(false);
+        if (old) {
+            old->removePropertyExtension(this);
+            if (marked) {
+                old->setFlag("CompatibilitySave", false);
+            }
+        }
+        const bool added = property && property->addPropertyExtension(this);
+        if (!added) {
+            this->setAutoDelete(autoDelete);
+        } else if (marked) {
+            property->setFlag("CompatibilitySave", true);
+        }
+        return added || !property;
+    }
+
     /** What is mirrored has changed: tells the listeners of the property's owner. */
     void invalidate() {
         // Proxies that mirror each other must not tell each other for ever.

@@ -6,8 +6,8 @@
 
 namespace {
 
-/** Beyond this no picture goes; it keeps the conversion to int defined. */
-constexpr double LARGEST_LENGTH = 1e9;
+/** Beyond this no picture goes; sums of a few lengths stay within int. */
+constexpr double LARGEST_LENGTH = 16777216.0;
 /** Letters of a hand's height and more are a mistake, and glyphs of that size take memory by the gigabyte. */
 constexpr int LARGEST_FONT = 2000;
 

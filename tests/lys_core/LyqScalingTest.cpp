@@ -42,3 +42,9 @@ TEST(LyqScaling, points_become_pixels_of_the_resolution) {
     font.setPixelSize(20);
     EXPECT_EQ(LyqScaling::getScaledFont(font, 144.0f).pixelSize(), 30);
 }
+
+TEST(LyqScaling, sums_of_lengths_at_an_absurd_resolution_stay_whole_numbers) {
+    const int length = LyqScaling::getScaledPixelip(std::numeric_limits<float>::max(), 12);
+    EXPECT_GT(length, 1000000);
+    EXPECT_LE(length, std::numeric_limits<int>::max() / 100);
+}

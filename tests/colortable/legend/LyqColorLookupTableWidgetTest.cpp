@@ -10,11 +10,17 @@
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyrApplicationObject.h>
 
+#include <QCoreApplication>
+#include <QFontMetrics>
+#include <QPalette>
+
 #include <gtest/gtest.h>
 
 #include <ToolkitApplication.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <functional>
 
 namespace {
@@ -178,6 +184,161 @@ TEST_F(LegendWidget, labels_and_caption_follow_the_display_unit) {
     EXPECT_EQ(widget.getDescriptionString(), QStringLiteral("Thickness [in]"));
     LyqApplication::instance().displayUnits().setDisplayUnit(Lyr::Length, Lyr::Millimeter);
     EXPECT_EQ(widget.internalToDisplayString(25.4f), QStringLiteral("25.4"));
+}
+
+TEST_F(LegendWidget, takes_its_name_and_paints_all_of_its_pixels_itself) {
+    const LyqColorLookupTableWidget named(nullptr, "legend");
+    EXPECT_EQ(named.objectName(), QStringLiteral("legend"));
+    EXPECT_EQ(widget.objectName(), QString());
+    EXPECT_TRUE(named.testAttribute(Qt::WA_OpaquePaintEvent));
+    EXPECT_TRUE(named.testAttribute(Qt::WA_StaticContents));
+    EXPECT_TRUE(named.hasMouseTracking());
+    EXPECT_FALSE(named.windowFlags().testFlag(Qt::FramelessWindowHint));
+    EXPECT_EQ(named.getDotsPerInch(), 0.0f);
+    EXPECT_TRUE(named.needsUpdate());
+    EXPECT_EQ(named.getVirtualBorderSectionSize(), 12);
+}
+
+TEST_F(LegendWidget, answers_for_what_it_was_given_before_it_is_painted) {
+    lyrSetValue<const char*>(settings.get(), Lyr::Font, "Arial,20,-1,5,50,0,0,0,0,0");
+    EXPECT_EQ(widget.getScaledFont().pixelSize(), 27);
+    widget.setDotsPerInch(192.0f);
+    EXPECT_EQ(widget.getScaledFont().pixelSize(), 53);
+    EXPECT_EQ(widget.getScaledFontMetrics().height(), QFontMetrics(widget.getScaledFont()).height());
+    EXPECT_GE(widget.getVirtualBorderSectionSize(), 24);
+    widget.setDotsPerInch(0.0f);
+    lyrSetValue<const char*>(settings.get(), Lyr::Font, "Arial,10,-1,5,50,0,0,0,0,0");
+    // 195 pixels from row 5, less 12 at each end.
+    EXPECT_EQ(widget.realToWidget(1.0f), 16);
+    lyrSetValue(table.get(), Lyr::Quantity, Lyr::Angle);
+    EXPECT_EQ(widget.internalToDisplayString(3.14159265f), QStringLiteral("180"));
+}
+
+TEST_F(LegendWidget, a_resolution_that_is_no_number_changes_once) {
+    widget.setDotsPerInch(std::nanf(""));
+    picture();
+    widget.setDotsPerInch(std::nanf(""));
+    EXPECT_FALSE(widget.needsUpdate());
+    widget.setDotsPerInch(1e38f);
+    EXPECT_GT(widget.minimumSizeHint().height(), 0);
+    EXPECT_GT(widget.sizeHint().width(), 0);
+}
+
+TEST_F(LegendWidget, many_changes_on_the_screen_make_one_picture) {
+    widget.show();
+    const auto settle = [] {
+        for (int i = 0; i < 5; ++i) {
+            QCoreApplication::processEvents();
+        }
+    };
+    settle();
+    const int before = widget.syncs;
+    ASSERT_GT(before, 0);
+    for (int i = 0; i < 20; ++i) {
+        lyrSetValue<long long>(settings.get(), Lyr::Thickness, 20 + i);
+        lyrSetValue<Lyrenum>(table.get(), Lyr::AutoLabel, i % 2);
+        lyrSetValue(section(1), Lyr::Type, i % 2 ? Lyr::HueCycle : Lyr::Rainbow);
+    }
+    widget.setDotsPerInch(120.0f);
+    EXPECT_EQ(widget.syncs, before);
+    settle();
+    EXPECT_EQ(widget.syncs, before + 1);
+    EXPECT_FALSE(widget.needsUpdate());
+    widget.update();
+    settle();
+    EXPECT_EQ(widget.syncs, before + 1);
+}
+
+TEST_F(LegendWidget, needs_an_update_after_each_change_before_it_is_painted) {
+    const std::vector<std::function<void()>> changes = {
+        [&] { lyrSetValue<Lyrenum>(table.get(), Lyr::AutoLabel, 0); },
+        [&] { lyrSetValue(section(0), Lyr::Type, Lyr::HueCycle); },
+        [&] { lyrSetValue(section(2), Lyr::Type, Lyr::HueCycle); },
+        [&] { lyrSetValue(settings.get(), Lyr::Thickness, 20LL); },
+        [&] { LyqApplication::instance().displayUnits().setDisplayUnit(Lyr::Length, Lyr::Inch); },
+        [&] { LyqApplication::instance().displayUnits().setDisplayUnit(Lyr::Length, Lyr::Millimeter); },
+        [&] { widget.setDotsPerInch(144.0f); },
+        [&] { widget.setEnabled(false); },
+        [&] { widget.setEnabled(true); },
+        [&] { widget.invalidate(); },
+        [&] { widget.setFont(QFont(QStringLiteral("Arial"), 30)); },
+        [&] { widget.setRenderSettings(nullptr); },
+        [&] { widget.setColorTable(nullptr); },
+    };
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        picture();
+        ASSERT_FALSE(widget.needsUpdate()) << i;
+        changes[i]();
+        EXPECT_TRUE(widget.needsUpdate()) << i;
+    }
+}
+
+TEST_F(LegendWidget, without_a_table_it_is_blank_and_without_settings_the_bar_is_thick) {
+    widget.setRenderSettings(nullptr);
+    const QImage thick = picture();
+    EXPECT_EQ(thick.pixel(0, 100), qRgb(0, 0, 0));
+    EXPECT_EQ(thick.pixel(23, 100), qRgb(0, 0, 0));
+    EXPECT_EQ(thick.pixel(24, 100), qRgb(10, 20, 30));
+    int black = 0;
+    int white = 0;
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 26; x < 100; ++x) {
+            black += thick.pixel(x, y) == qRgb(0, 0, 0);
+            white += thick.pixel(x, y) == qRgb(255, 255, 255);
+        }
+    }
+    EXPECT_GT(black, 20) << "text";
+    EXPECT_GT(white, 50) << "outline";
+    widget.setColorTable(nullptr);
+    QImage blank(thick.size(), thick.format());
+    blank.fill(qRgb(10, 20, 30));
+    EXPECT_EQ(picture(), blank);
+}
+
+TEST_F(LegendWidget, the_boxes_beyond_the_range_follow_the_finite_mode) {
+    for (const int mode : {0, 1, 2, 3}) {
+        lyrSetValue(table.get(), Lyr::FiniteMode, LyrValuePair<Lyrenum>{mode & 1, mode >> 1});
+        const QImage image = picture();
+        EXPECT_EQ(image.pixel(4, 193), mode & 1 ? qRgb(10, 20, 30) : qRgb(153, 0, 255)) << mode;
+        EXPECT_EQ(image.pixel(4, 10), mode >> 1 ? qRgb(10, 20, 30) : qRgb(255, 0, 153)) << mode;
+        EXPECT_EQ(image.pixel(4, 187), qRgb(0, 0, 0)) << "no room is reclaimed";
+    }
+}
+
+TEST_F(LegendWidget, all_kinds_of_sections_look_as_they_evaluate) {
+    for (const Lyrenum type : {Lyr::Rainbow, Lyr::HueCycle, Lyr::Gradient, Lyr::Constant}) {
+        lyrSetValue(section(1), Lyr::Type, type);
+        const LyrVector2<float> alpha[] = {{0.0f, 0.25f}, {1.0f, 0.75f}};
+        LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrVector2<float>>>(section(1), Lyr::PointListAlpha)->initArray(0, 1, alpha);
+        for (const bool horizontal : {false, true}) {
+            lyrSetValue(settings.get(), Lyr::Position, horizontal ? Lyr::Bottom : Lyr::Left);
+            widget.resize(horizontal ? QSize(200, 60) : QSize(100, 200));
+            const QImage image = picture();
+            const int first = widget.realToWidget(-1.0f);
+            const int last = widget.realToWidget(1.0f);
+            const int length = std::abs(last - first) - 1;  // without the frame's lines
+            const auto& shown = static_cast<const LyrColorLookupTable::Section&>(*section(1));
+            const auto* below = static_cast<const LyrColorLookupTable::Section*>(section(0));
+            const auto* above = static_cast<const LyrColorLookupTable::Section*>(section(2));
+            for (int i = 0; i < length; ++i) {
+                LyrRGBA<float> color(0.0f, 0.0f, 0.0f, 0.0f);
+                shown.getColor({0.0f, static_cast<float>(length - 1)}, static_cast<float>(i), color, below, above);
+                const auto byte = [](double c) { return std::clamp(static_cast<int>(c * 255.0), 0, 255); };
+                const double a = static_cast<double>(color.alpha);
+                const double channels[] = {double(color.red), double(color.green), double(color.blue)};
+                // Labels on top: the bar's rows follow the label rectangle; column and row in the middle of each half.
+                const int top = horizontal ? widget.getScaledPixelip(3) * 2 + QFontMetrics(widget.getScaledFont()).boundingRect("-1").height() - 1 : 0;
+                const QRgb overWhite = horizontal ? image.pixel(first + 1 + i, top + 8) : image.pixel(3, first - 1 - i);
+                const QRgb overBlack = horizontal ? image.pixel(first + 1 + i, top + 3) : image.pixel(8, first - 1 - i);
+                const int white[] = {qRed(overWhite), qGreen(overWhite), qBlue(overWhite)};
+                const int black[] = {qRed(overBlack), qGreen(overBlack), qBlue(overBlack)};
+                for (int c = 0; c < 3; ++c) {
+                    ASSERT_NEAR(white[c], byte(channels[c] * a + 1.0 - a), 1) << int(type) << " at " << i << horizontal;
+                    ASSERT_NEAR(black[c], byte(channels[c] * a), 1) << int(type) << " at " << i << horizontal;
+                }
+            }
+        }
+    }
 }
 
 TEST(SectionImage, halves_lie_where_they_are_said_to_for_odd_sizes) {
