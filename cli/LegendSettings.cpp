@@ -4,6 +4,8 @@
 #include "Messages.h"
 #include "Numbers.h"
 
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/legend/LegendPicture.h>
 #include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrRGBA.h>
@@ -115,11 +117,31 @@ void replace(LyrObject& settings, const std::string& assignment) {
 
 }  // namespace
 
+namespace {
+
+/** Says what of the settings cannot be shown as it is written, and what is shown instead. */
+void warnOfFallbacks(const LyrObject& settings) {
+    const std::string font = lyrGetValue<const char*>(&settings, Lyr::Font, "");
+    bool valid = true;
+    lys::legend::fontFromString(QString::fromStdString(font), &valid);
+    if (!valid && !font.empty() && font != "Default") {
+        warn("Font \"" + font + "\" is no font description; the default font is used");
+    }
+    const long long thickness = lyrGetValue<long long>(&settings, Lyr::Thickness, 0);
+    if (thickness < 0 || thickness > lys::legend::LARGEST_THICKNESS) {
+        warn("Thickness " + std::to_string(thickness) + " is outside of 0 to " +
+             std::to_string(lys::legend::LARGEST_THICKNESS) + "; the nearest of them is used");
+    }
+}
+
+}  // namespace
+
 LyrObjectPtr readLegendSettings(const std::string& path, const std::vector<std::string>& replacements) {
     LyrObjectPtr settings = path.empty() ? makeSettings() : loadSettings(path);
     for (const std::string& assignment : replacements) {
         replace(*settings, assignment);
     }
+    warnOfFallbacks(*settings);
     return settings;
 }
 

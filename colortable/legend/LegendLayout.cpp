@@ -18,8 +18,6 @@ constexpr int VERTICAL_HINT = 128;
 constexpr double COLUMN_RESERVE = 1.05;
 /** Coordinates beyond this lie outside of every picture; up to it a float is exact. */
 constexpr float LARGEST_COORDINATE = 16777216.0f;
-/** A bar across which a finger fits is thick; this keeps sums of lengths within int. */
-constexpr long long LARGEST_THICKNESS = 100000;
 
 int scaled(const Input& input, int length) { return LyqScaling::getScaledPixelip(input.dotsPerInch, length); }
 

@@ -17,6 +17,9 @@
  *  `thickness` pixels across from the bar's left (vertical) or top (horizontal) edge. */
 namespace lys::legend {
 
+/** A thickness beyond this, unscaled, counts as this; it keeps sums of lengths within int. A negative one counts as 0. */
+inline constexpr long long LARGEST_THICKNESS = 100000;
+
 /** What is to be laid out. */
 struct Input {
     QSize size;                       ///< of the widget

@@ -20,7 +20,9 @@ std::vector<std::string> legend(std::vector<std::string> more) {
     return arguments;
 }
 
-bool holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
 
 /** The text without blanks and line ends, to look for JSON whatever its layout. */
 std::string packed(const std::string& text) {
@@ -75,9 +77,10 @@ TEST(Legend, the_description_names_rectangles_and_labels) {
 }
 
 TEST(Legend, single_properties_of_the_settings_can_be_replaced) {
-    const ProgramRun run = ProgramRun::of(legend({"--size", "300x80", "--describe", "--set", "Position=Bottom", "--set",
-                                                  "Thickness=20", "--set", "DescriptionTemplate=Deviation [%l]", "--set",
-                                                  "Color=1,0,0", "--set", "HasOutline=false", "--set", "Size=0.5"}));
+    const ProgramRun run =
+        ProgramRun::of(legend({"--size", "300x80", "--describe", "--set", "Position=Bottom", "--set", "Thickness=20",
+                               "--set", "DescriptionTemplate=Deviation [%l]", "--set", "Color=1,0,0", "--set",
+                               "HasOutline=false", "--set", "Size=0.5"}));
     ASSERT_EQ(run.status, 0) << run.error;
     const std::string text = packed(run.out);
     EXPECT_TRUE(holds(text, R"("horizontal":true)"));
@@ -85,8 +88,65 @@ TEST(Legend, single_properties_of_the_settings_can_be_replaced) {
     EXPECT_TRUE(std::regex_search(text, std::regex(R"("bar":\[\d+,\d+,\d+,22\])"))) << text;
 }
 
+TEST(Legend, every_property_of_the_settings_can_be_replaced) {
+    const std::vector<std::string> plain{"--size", "300x200", "--describe"};
+    const std::string before = ProgramRun::of(legend(plain)).out;
+    const auto with = [&](const std::string& assignment) {
+        auto arguments = legend(plain);
+        arguments.insert(arguments.end(), {"--set", assignment});
+        const ProgramRun run = ProgramRun::of(arguments);
+        EXPECT_EQ(run.status, 0) << assignment << run.error;
+        EXPECT_EQ(run.error, "") << assignment;
+        return run.out;
+    };
+    for (const char* shown : {"Font=Arial,20,-1,5,50,0,0,0,0,0", "Thickness=30", "Position=Top", "TextPosition=Left",
+                              "TextAlignment=Left", "DescriptionTemplate=Caption"}) {
+        EXPECT_NE(with(shown), before) << shown;
+    }
+    for (const char* elsewhere : {"Color=1,0,0,1", "OutlineColor=0.5,0.5,0.5", "HasOutline=false", "Rendering=false",
+                                  "Size=0.25", "Alignment=Top"}) {
+        EXPECT_EQ(with(elsewhere), before) << elsewhere;
+    }
+}
+
+TEST(Legend, colours_and_outline_of_the_text_are_those_of_the_settings) {
+    const TestFolder folder;
+    auto arguments = legend({"--size", "100x200", "-o", folder / "bar.png", "--set", "Color=1,0.5,0", "--set"});
+    const auto count = [&](const char* outline, const Pixel& color) {
+        auto all = arguments;
+        all.emplace_back(outline);
+        all.insert(all.end(), {"--set", "OutlineColor=0,0,1"});
+        EXPECT_EQ(ProgramRun::of(all).status, 0);
+        const Picture picture = Picture::decode(readBytes(folder / "bar.png"));
+        int found = 0;
+        for (std::uint32_t y = 0; y < picture.height; ++y) {
+            for (std::uint32_t x = 15; x < picture.width; ++x) {
+                found += picture.at(x, y) == color;
+            }
+        }
+        return found;
+    };
+    EXPECT_GT(count("HasOutline=true", {0, 0, 255, 255}), 20);
+    EXPECT_EQ(count("HasOutline=false", {0, 0, 255, 255}), 0);
+    EXPECT_GT(count("HasOutline=false", {255, 127, 0, 255}), 0);
+}
+
+TEST(Legend, settings_of_a_class_that_is_not_there_are_read_as_their_base) {
+    const TestFolder folder;
+    const std::string path = folder.write(
+        "settings.json",
+        R"({"format": "lyr-object", "version": 1, "class": "LyrWallThicknessColorLookupTableRenderSettings",
+        "base": "LyrColorLookupTableRenderSettings", "properties": {"Position": "Bottom", "Extra": 5,
+        "DescriptionTemplate": "<%{value.type}> %{who} %l"}})");
+    const ProgramRun run = ProgramRun::of(legend({"--settings", path, "--size", "300x80", "--describe"}));
+    ASSERT_EQ(run.status, 0) << run.error;
+    EXPECT_TRUE(holds(packed(run.out), R"("horizontal":true)"));
+    EXPECT_TRUE(holds(packed(run.out), R"("text":"<>%{who}mm")")) << run.out;
+}
+
 TEST(Legend, unit_and_locale_change_the_texts_but_not_the_values) {
-    const ProgramRun run = ProgramRun::of(legend({"--size", "100x60", "--describe", "--unit", "cm", "--locale", "de_DE"}));
+    const ProgramRun run =
+        ProgramRun::of(legend({"--size", "100x60", "--describe", "--unit", "cm", "--locale", "de_DE"}));
     ASSERT_EQ(run.status, 0) << run.error;
     EXPECT_TRUE(holds(packed(run.out), R"({"value":-1,"text":"-0,1",)")) << run.out;
 }
@@ -126,6 +186,8 @@ TEST(Legend, a_file_of_settings_is_used_with_its_fallbacks) {
         "Thickness": -7, "Alignment": "Gradient")"));
     const ProgramRun run = ProgramRun::of(legend({"--settings", path, "--size", "300x80", "--describe"}));
     ASSERT_EQ(run.status, 0) << run.error;
+    EXPECT_TRUE(holds(run.error, "Font \"junk, nothing\"")) << run.error;
+    EXPECT_TRUE(holds(run.error, "Thickness -7")) << run.error;
     EXPECT_TRUE(holds(packed(run.out), R"("horizontal":true)"));
 }
 
@@ -134,7 +196,8 @@ TEST(Legend, absurd_sizes_and_lengths_take_no_memory_for_what_is_not_there) {
     const std::string path = folder.write("settings.json", settingsFile(R"("Thickness": 9000000000000000000,
         "Font": "Arial,1000,-1,5,50,0,0,0,0,0")"));
     for (const char* size : {"1x1", "20000x10", "10x20000"}) {
-        const ProgramRun run = ProgramRun::of(legend({"--settings", path, "--size", size, "--dpi", "9600", "-o", folder / "x.png"}));
+        const ProgramRun run =
+            ProgramRun::of(legend({"--settings", path, "--size", size, "--dpi", "9600", "-o", folder / "x.png"}));
         EXPECT_EQ(run.status, 0) << size << run.error;
         EXPECT_LT(run.peakMemory, 512L << 20) << size;
     }
@@ -143,8 +206,8 @@ TEST(Legend, absurd_sizes_and_lengths_take_no_memory_for_what_is_not_there) {
 TEST(Legend, what_cannot_be_used_is_refused_and_leaves_nothing) {
     const TestFolder folder;
     const std::string unknown = folder.write("unknown.json", settingsFile(R"("Position": "Nowhere")"));
-    const std::string table = folder.write("table.json",
-                                           R"({"format": "lyr-object", "version": 1, "class": "LyrColorLookupTable", "properties": {}})");
+    const std::string table = folder.write(
+        "table.json", R"({"format": "lyr-object", "version": 1, "class": "LyrColorLookupTable", "properties": {}})");
     const std::string out = folder / "bar.png";
     const std::vector<std::vector<std::string>> cases = {
         {"--size", "0x100", "-o", out},
