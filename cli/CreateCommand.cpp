@@ -148,16 +148,19 @@ Numbers readNumbers(const CreateOptions& options, const Generator& generator) {
 std::string reasonRefused(const Generator& generator, const Numbers& numbers) {
     const auto isEmpty = [&] {
         constexpr float quarterTurn = 1.5707964f;
-        return generator.angles ? std::clamp(numbers.from, 0.0f, quarterTurn) >= std::clamp(numbers.to, 0.0f, quarterTurn)
-                                : numbers.from >= numbers.to;
+        return generator.angles
+                   ? std::clamp(numbers.from, 0.0f, quarterTurn) >= std::clamp(numbers.to, 0.0f, quarterTurn)
+                   : numbers.from >= numbers.to;
     };
     const std::string range = formatNumber(numbers.from) + " to " + formatNumber(numbers.to);
-    if (!std::isfinite(numbers.from) || !std::isfinite(numbers.to) || (generator.stepped && !std::isfinite(numbers.step))) {
+    if (!std::isfinite(numbers.from) || !std::isfinite(numbers.to) ||
+        (generator.stepped && !std::isfinite(numbers.step))) {
         return "the numbers must be finite";
     }
     if (isEmpty()) {
-        return generator.angles ? "of the angles from " + range + " nothing lies between 0 and 1.5707964 (a quarter turn)"
-                                : "the range from " + range + " is empty; --from must be less than --to";
+        return generator.angles
+                   ? "of the angles from " + range + " nothing lies between 0 and 1.5707964 (a quarter turn)"
+                   : "the range from " + range + " is empty; --from must be less than --to";
     }
     if (generator.stepped && numbers.step <= 0.0f) {
         return "a step of " + formatNumber(numbers.step) + " leads nowhere; --step must be greater than 0";
@@ -208,7 +211,8 @@ constexpr const char* EXPLANATION =
     "smooth: one section of the type over the whole range. stepped: equal steps near the width given, so that a whole\n"
     "number of them fits, each of one colour of the type. sphere-segment: from angles in radians between 0 and pi/2,\n"
     "steps whose boundaries have equally spaced cosines: zones of equal area on a sphere.\n"
-    "Below and above the range every table is violet and pink. Types are Constant, Gradient, Rainbow, InvertedRainbow,\n"
+    "Below and above the range every table is violet and pink. Types are Constant, Gradient, Rainbow, "
+    "InvertedRainbow,\n"
     "HueCycle, BlackGreenBlueRed and Continue.";
 
 }  // namespace

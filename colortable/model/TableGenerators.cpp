@@ -31,7 +31,8 @@ struct Parameters {
 };
 
 Parameters readParameters(const LyrObject& target) {
-    const LyrVector3<float> numbers = lyrGetValue(&target, Lyr::CreationParameters, LyrVector3<float>{0.0f, 0.0f, 0.0f});
+    const LyrVector3<float> numbers =
+        lyrGetValue(&target, Lyr::CreationParameters, LyrVector3<float>{0.0f, 0.0f, 0.0f});
     return {numbers.x, numbers.y, numbers.z, lyrGetValue(&target, Lyr::CreationType, Lyr::Rainbow)};
 }
 
@@ -51,7 +52,8 @@ public:
 
     bool addConstant(const LyrRGBA<float>& color) { return addSection({Lyr::Constant, &color}); }
 
-    /** Writes positions, sections and the label mode, in this order: all of them or, where a list is being read, none. */
+    /** Writes positions, sections and the label mode, in this order: all of them or, where a list is being read, none.
+     */
     bool store(LyrObject& target, Lyrenum autoLabel) const {
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> positions(&target, Lyr::PositionList);
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> sections(&target, Lyr::SectionList);
@@ -92,8 +94,8 @@ LyrObjectRefPtr makeSchemeSection(Lyrenum scheme) {
     return made;
 }
 
-/** n positions from a rounded number of steps: trunc(floor(steps + 1/2)) + 1, at least 2, in single precision. 0 if that are
- *  too many. A quotient that is no number, or negative, counts as too few. */
+/** n positions from a rounded number of steps: trunc(floor(steps + 1/2)) + 1, at least 2, in single precision. 0 if
+ * that are too many. A quotient that is no number, or negative, counts as too few. */
 long long positionCount(float steps) {
     const float rounded = std::floor(steps + 0.5f);
     if (rounded >= static_cast<float>(MAXIMUM_POSITIONS)) {
@@ -102,8 +104,8 @@ long long positionCount(float steps) {
     return rounded >= 1.0f ? static_cast<long long>(rounded) + 1 : 2;
 }
 
-/** The colours of the steps, one section each, between the two outer ones. A scheme without a rule gives transparent black:
- *  the result of the evaluation is not looked at. */
+/** The colours of the steps, one section each, between the two outer ones. A scheme without a rule gives transparent
+ * black: the result of the evaluation is not looked at. */
 bool addSteps(Draft& draft, const Section& scheme, long long positions) {
     const long long steps = positions - 1;
     bool done = draft.addConstant(COLOR_BELOW_RANGE);
@@ -137,11 +139,10 @@ Lyrenum generateSmooth(LyrObject& target) {
         return Lyr::InvalidParameters;
     }
     Draft draft;
-    const bool made =
-        draft.addPosition(given.from) && draft.addPosition(given.to) &&
-        draft.addSection({Lyr::Constant, &COLOR_BELOW_RANGE, "ColorLookupTable_SectionNeg", true}) &&
-        draft.addSection({given.scheme, nullptr, "ColorLookupTable_Section", true}) &&
-        draft.addSection({Lyr::Constant, &COLOR_ABOVE_RANGE, "ColorLookupTable_SectionPos", true});
+    const bool made = draft.addPosition(given.from) && draft.addPosition(given.to) &&
+                      draft.addSection({Lyr::Constant, &COLOR_BELOW_RANGE, "ColorLookupTable_SectionNeg", true}) &&
+                      draft.addSection({given.scheme, nullptr, "ColorLookupTable_Section", true}) &&
+                      draft.addSection({Lyr::Constant, &COLOR_ABOVE_RANGE, "ColorLookupTable_SectionPos", true});
     if (!made) {
         return Lyr::AllocationFailed;
     }
@@ -173,7 +174,9 @@ Lyrenum generateStepped(LyrObject& target) {
 }
 
 /** A cosine taken in double precision and narrowed. */
-float cosine(float angle) { return static_cast<float>(std::cos(static_cast<double>(angle))); }
+float cosine(float angle) {
+    return static_cast<float>(std::cos(static_cast<double>(angle)));
+}
 
 Lyrenum generateSphereSegments(LyrObject& target) {
     const Parameters given = readParameters(target);
@@ -214,7 +217,8 @@ Lyrenum runGenerator(LyrObject* target, Generator generator) {
 
 /** Stores the parameters outside of any undo step of its own, then runs the action as one. */
 bool create(LyrObject* table, const LyrVector3<float>& parameters, Lyrenum type, Lyrenum action) {
-    if (!table || !lyrSetValue(table, Lyr::CreationParameters, parameters) || !lyrSetValue(table, Lyr::CreationType, type)) {
+    if (!table || !lyrSetValue(table, Lyr::CreationParameters, parameters) ||
+        !lyrSetValue(table, Lyr::CreationType, type)) {
         return false;
     }
     LyqApplication& application = LyqApplication::instance();
@@ -229,7 +233,9 @@ bool create(LyrObject* table, const LyrVector3<float>& parameters, Lyrenum type,
 
 }  // namespace
 
-void Private::CreateSmoothAction::check() { ok(1); }
+void Private::CreateSmoothAction::check() {
+    ok(1);
+}
 
 void Private::CreateSmoothAction::execute() {
     const Lyrenum outcome = runGenerator(getObject(), generateSmooth);
@@ -238,7 +244,9 @@ void Private::CreateSmoothAction::execute() {
 
 void Private::CreateSmoothAction::cleanUp() {}
 
-void Private::CreateSteppedAction::check() { ok(1); }
+void Private::CreateSteppedAction::check() {
+    ok(1);
+}
 
 void Private::CreateSteppedAction::execute() {
     const Lyrenum outcome = runGenerator(getObject(), generateStepped);
@@ -247,7 +255,9 @@ void Private::CreateSteppedAction::execute() {
 
 void Private::CreateSteppedAction::cleanUp() {}
 
-void Private::CreateSphereSegmentSteppedAction::check() { ok(1); }
+void Private::CreateSphereSegmentSteppedAction::check() {
+    ok(1);
+}
 
 void Private::CreateSphereSegmentSteppedAction::execute() {
     const Lyrenum outcome = runGenerator(getObject(), generateSphereSegments);

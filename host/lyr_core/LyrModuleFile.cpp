@@ -66,7 +66,8 @@ public:
         }
         for (unsigned i = 0; i < mHeader.e_shnum; ++i) {
             Elf64_Shdr section;
-            if (!sectionAt(i, section) || (section.sh_type != SHT_NOBITS && !holds(section.sh_offset, section.sh_size))) {
+            if (!sectionAt(i, section) ||
+                (section.sh_type != SHT_NOBITS && !holds(section.sh_offset, section.sh_size))) {
                 return false;
             }
         }
@@ -157,9 +158,9 @@ std::uint32_t LyrModuleFile::abi() const {
     return word;
 }
 
-// Over words of 64 bits, short ones filled up with zeros: xor, multiply by an odd number (the prime of FNV-1a), fold the high
-// bits down. Each step can be undone, so a change of one word always changes the result; it is a guard against damage, not
-// against forgery.
+// Over words of 64 bits, short ones filled up with zeros: xor, multiply by an odd number (the prime of FNV-1a), fold
+// the high bits down. Each step can be undone, so a change of one word always changes the result; it is a guard against
+// damage, not against forgery.
 std::uint64_t LyrModuleFile::computeSeal() const {
     const std::size_t sealBegin = noteOffset + offsetof(LyrModuleNote, seal);
     std::uint64_t hash = 0xcbf29ce484222325u ^ bytes.size();

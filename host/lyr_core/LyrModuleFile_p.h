@@ -12,7 +12,8 @@ struct LyrModuleFile {
     std::string name;            ///< module name in the note
     std::uint64_t seal = 0;      ///< as stored in the note
 
-    /** Reads and checks a file: a whole 64-bit ELF library of this machine with a module note. On failure gives the reason. */
+    /** Reads and checks a file: a whole 64-bit ELF library of this machine with a module note. On failure gives the
+     * reason. */
     bool read(const std::string& path, std::string& reason);
     /** The ABI word in the note. */
     std::uint32_t abi() const;

@@ -168,7 +168,9 @@ void LyrModuleLoader::UnloadGuard::aboutToUnload(const char*) {}
 void LyrModuleLoader::UnloadGuard::moduleGoes(const char*) {}
 
 // Made before the module's end is to be told: what tells it then outlives the module.
-LyrModulePresence::LyrModulePresence(const char* module) : mModule(module) { Loader::instance(); }
+LyrModulePresence::LyrModulePresence(const char* module) : mModule(module) {
+    Loader::instance();
+}
 
 LyrModulePresence::~LyrModulePresence() {
     for (LyrModuleLoader::UnloadGuard* guard : Loader::instance().guards) {
@@ -186,8 +188,8 @@ bool LyrModuleLoader::load(const std::string& path, LyrString& message) {
         if (LoadedModule* loaded = Loader::instance().find(file.name.c_str())) {
             std::error_code error;
             if (!std::filesystem::equivalent(loaded->path, path, error)) {
-                return fail(message, "Cannot load module " + path + ": a module of its name is loaded from " + loaded->path +
-                                         "; unload that first.");
+                return fail(message, "Cannot load module " + path + ": a module of its name is loaded from " +
+                                         loaded->path + "; unload that first.");
             }
             ++loaded->loads;
             return true;
@@ -252,7 +254,9 @@ bool LyrModuleLoader::unload(const char* module, LyrString& message) {
     return finishUnload(name, gone, message);
 }
 
-bool LyrModuleLoader::isLoaded(const char* module) { return Loader::instance().find(module) != nullptr; }
+bool LyrModuleLoader::isLoaded(const char* module) {
+    return Loader::instance().find(module) != nullptr;
+}
 
 LyrStringList LyrModuleLoader::getLoadedModules() {
     LyrStringList names;
@@ -272,6 +276,10 @@ LyrString LyrModuleLoader::readName(const std::string& path, LyrString& message)
     return LyrString::fromUtf8(file.name.c_str());
 }
 
-void LyrModuleLoader::addUnloadGuard(UnloadGuard* guard) { Loader::instance().guards.push_back(guard); }
+void LyrModuleLoader::addUnloadGuard(UnloadGuard* guard) {
+    Loader::instance().guards.push_back(guard);
+}
 
-void LyrModuleLoader::removeUnloadGuard(UnloadGuard* guard) { std::erase(Loader::instance().guards, guard); }
+void LyrModuleLoader::removeUnloadGuard(UnloadGuard* guard) {
+    std::erase(Loader::instance().guards, guard);
+}

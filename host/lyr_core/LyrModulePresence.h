@@ -2,8 +2,9 @@
 
 #include <lyr_core/LyrCoreExport.h>
 
-/** Stands in a module and tells the unload guards when the module's code goes. At the end of a process that means: before
- *  the module's classes are destroyed, while an undo history that is older than the module may still hold its objects. */
+/** Stands in a module and tells the unload guards when the module's code goes. At the end of a process that means:
+ * before the module's classes are destroyed, while an undo history that is older than the module may still hold its
+ * objects. */
 class LYR_CORE_EXPORT LyrModulePresence {
 public:
     /** `module` must be a literal. */

@@ -64,9 +64,13 @@ bool LyrUndoStep::swapAll(Iterator first, Iterator last) noexcept {
     return true;
 }
 
-bool LyrUndoStep::undo() noexcept { return swapAll(mEntries.rbegin(), mEntries.rend()); }
+bool LyrUndoStep::undo() noexcept {
+    return swapAll(mEntries.rbegin(), mEntries.rend());
+}
 
-bool LyrUndoStep::redo() noexcept { return swapAll(mEntries.begin(), mEntries.end()); }
+bool LyrUndoStep::redo() noexcept {
+    return swapAll(mEntries.begin(), mEntries.end());
+}
 
 bool LyrUndoStep::touchesTheSame(const LyrUndoStep& other) const {
     const auto covers = [](const LyrUndoStep& a, const LyrUndoStep& b) {
@@ -86,8 +90,9 @@ void LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
 
 bool LyrUndoStep::holdsObjectsOf(const char* module) const noexcept {
     return module && std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
-        return std::strcmp(entry.object->getMetaClass().getModule(), module) == 0 || entry.other->holdsObjectsOf(module);
-    });
+               return std::strcmp(entry.object->getMetaClass().getModule(), module) == 0 ||
+                      entry.other->holdsObjectsOf(module);
+           });
 }
 
 LyrUndoJournal& LyrUndoJournal::instance() {
@@ -171,9 +176,9 @@ bool LyrUndoJournal::abort(Token token) noexcept {
     return done;
 }
 
-/** Takes back the entries of a step from `firstEntry` on. What cannot be taken back (a list that is being read) stays recorded,
- *  so that a later undo brings it back. Listeners may end even the outermost action meanwhile: an entry is out of the step
- *  while it is taken back, so that the step always holds the writes that stand. */
+/** Takes back the entries of a step from `firstEntry` on. What cannot be taken back (a list that is being read) stays
+ * recorded, so that a later undo brings it back. Listeners may end even the outermost action meanwhile: an entry is out
+ * of the step while it is taken back, so that the step always holds the writes that stand. */
 bool LyrUndoJournal::rollBack(std::unique_ptr<LyrUndoStep>& step, std::size_t firstEntry) noexcept {
     const ReplayScope scope(mReplays);
     bool done = true;

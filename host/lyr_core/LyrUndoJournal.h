@@ -20,8 +20,9 @@ public:
     bool isEmpty() const noexcept { return mEntries.empty(); }
     std::size_t getEntryCount() const noexcept { return mEntries.size(); }
 
-    /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is recorded. A
-     *  write that fails (a list that is being read, no memory) takes the step back whole: false, and all is as before. */
+    /** Takes the writes back, the last first. Messages and timestamps are those of ordinary writes; nothing is
+     * recorded. A write that fails (a list that is being read, no memory) takes the step back whole: false, and all is
+     * as before. */
     bool undo() noexcept;
     /** Does them again, or none of them. */
     bool redo() noexcept;
@@ -50,8 +51,8 @@ private:
     std::vector<Entry> mEntries;
 };
 
-/** Records writes to content while an action is open. Actions nest: an inner one that is aborted takes back its own writes
- *  alone. What the outermost leaves is handed to the sink as one step; nothing recorded, no step. */
+/** Records writes to content while an action is open. Actions nest: an inner one that is aborted takes back its own
+ * writes alone. What the outermost leaves is handed to the sink as one step; nothing recorded, no step. */
 class LYR_CORE_EXPORT LyrUndoJournal {
 public:
     /** Receives finished steps. */
@@ -69,14 +70,14 @@ public:
     void setSink(Sink* sink) noexcept { mSink = sink; }
     Sink* getSink() const noexcept { return mSink; }
 
-    /** Opens an action inside those that are open. 0, and an error, when memory ran out: its writes then belong to the action
-     *  outside of it. */
+    /** Opens an action inside those that are open. 0, and an error, when memory ran out: its writes then belong to the
+     * action outside of it. */
     Token begin(const LyrString& name) noexcept;
-    /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is not
-     *  empty. False if the token names no open action. */
+    /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is
+     * not empty. False if the token names no open action. */
     bool end(Token token, const LyrString& name = LyrString()) noexcept;
-    /** Takes back what an action, and those inside it, recorded, and ends it. False if the token names no open action, or if
-     *  something could not be taken back: that stays recorded. */
+    /** Takes back what an action, and those inside it, recorded, and ends it. False if the token names no open action,
+     * or if something could not be taken back: that stays recorded. */
     bool abort(Token token) noexcept;
 
     bool isOpen() const noexcept { return !mLevels.empty(); }
@@ -86,8 +87,8 @@ public:
     /** True if writes to content are to be recorded now: an action is open and no undo is under way. */
     bool isRecording() const noexcept { return !mLevels.empty() && mReplays == 0; }
 
-    /** Adds the present value of a property to the open action, whatever the property's flags are: for commands whose undo has
-     *  to restore an object whole. False if no action is open, or nobody holds the property's object. */
+    /** Adds the present value of a property to the open action, whatever the property's flags are: for commands whose
+     * undo has to restore an object whole. False if no action is open, or nobody holds the property's object. */
     bool addSnapshot(LyrProperty& property) noexcept;
 
     /** Makes room for one more write, so that record() cannot fail. */

@@ -17,7 +17,9 @@
 
 namespace {
 
-LyrString toHostString(const QString& text) { return LyrString::fromUtf8(text.toUtf8().constData()); }
+LyrString toHostString(const QString& text) {
+    return LyrString::fromUtf8(text.toUtf8().constData());
+}
 
 constexpr int NO_GESTURE = -1;
 
@@ -56,7 +58,9 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
         }
     }
 
-    const LyqUndoCommand* commandAt(int index) const { return dynamic_cast<const LyqUndoCommand*>(history.command(index)); }
+    const LyqUndoCommand* commandAt(int index) const {
+        return dynamic_cast<const LyqUndoCommand*>(history.command(index));
+    }
 
     bool holdsObjectsOf(const char* module) const {
         for (int i = 0; i < history.count(); ++i) {
@@ -113,11 +117,17 @@ LyqApplication& LyqApplication::instance() {
     return application;
 }
 
-LyrObject& LyqApplication::object() { return *d->object; }
+LyrObject& LyqApplication::object() {
+    return *d->object;
+}
 
-QWidget* LyqApplication::mainWidget() const { return d->mainWidget; }
+QWidget* LyqApplication::mainWidget() const {
+    return d->mainWidget;
+}
 
-void LyqApplication::setMainWidget(QWidget* widget) { d->mainWidget = widget; }
+void LyqApplication::setMainWidget(QWidget* widget) {
+    d->mainWidget = widget;
+}
 
 LyrDisplayUnits& LyqApplication::displayUnits() {
     return static_cast<LyrApplicationObject&>(*d->object).displayUnits();
@@ -131,13 +141,21 @@ bool LyqApplication::userActionEnd(UserActionToken token, const QString& name) {
     return LyrUndoJournal::instance().end(token, toHostString(name));
 }
 
-bool LyqApplication::userActionAborted(UserActionToken token) { return LyrUndoJournal::instance().abort(token); }
+bool LyqApplication::userActionAborted(UserActionToken token) {
+    return LyrUndoJournal::instance().abort(token);
+}
 
-void LyqApplication::gestureBegin() { d->gesture = ++d->lastGesture; }
+void LyqApplication::gestureBegin() {
+    d->gesture = ++d->lastGesture;
+}
 
-void LyqApplication::gestureEnd() { d->gesture = NO_GESTURE; }
+void LyqApplication::gestureEnd() {
+    d->gesture = NO_GESTURE;
+}
 
-QUndoStack& LyqApplication::undoStack() { return d->history; }
+QUndoStack& LyqApplication::undoStack() {
+    return d->history;
+}
 
 bool LyqApplication::undo() {
     if (!d->mayMove() || !d->history.canUndo()) {
@@ -167,11 +185,15 @@ bool LyqApplication::redo() {
     return true;
 }
 
-bool LyqApplication::historyHoldsObjectsOf(const char* module) const { return d->holdsObjectsOf(module); }
+bool LyqApplication::historyHoldsObjectsOf(const char* module) const {
+    return d->holdsObjectsOf(module);
+}
 
 LyqApplication::UserActionScope::UserActionScope(const QString& name) : mToken(instance().userActionBegin(name)) {}
 
-LyqApplication::UserActionScope::~UserActionScope() { instance().userActionEnd(mToken); }
+LyqApplication::UserActionScope::~UserActionScope() {
+    instance().userActionEnd(mToken);
+}
 
 void LyqApplication::UserActionScope::abort() {
     instance().userActionAborted(mToken);

@@ -13,8 +13,8 @@ class LyrObject;
 class QUndoStack;
 class QWidget;
 
-/** The application: its object in the host's graph, and user actions over the undo history. Made on first use; needs no QApplication, so that programs without a
- *  display use it as well. To be used from the thread of the user interface. */
+/** The application: its object in the host's graph, and user actions over the undo history. Made on first use; needs no
+ * QApplication, so that programs without a display use it as well. To be used from the thread of the user interface. */
 class LYS_CORE_EXPORT LyqApplication : public QObject {
     Q_OBJECT
 
@@ -38,20 +38,21 @@ public:
 
     /** Opens a user action. Actions nest: the outermost is one undo step, an inner one is a part of it. */
     UserActionToken userActionBegin(const QString& name);
-    /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An action that
-     *  recorded nothing leaves no step and keeps the redo history. False if the token names no open action. */
+    /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An
+     * action that recorded nothing leaves no step and keeps the redo history. False if the token names no open action.
+     */
     bool userActionEnd(UserActionToken token, const QString& name = QString());
-    /** Takes back what the action recorded, alone, and ends it. False if the token names no open action, or if something could
-     *  not be taken back (a list that is being read): that stays a part of the step. */
+    /** Takes back what the action recorded, alone, and ends it. False if the token names no open action, or if
+     * something could not be taken back (a list that is being read): that stays a part of the step. */
     bool userActionAborted(UserActionToken token);
 
-    /** Steps that end between these two and change the same properties of the same objects merge into one: a drag, the typing
-     *  in a line. Gestures do not nest: a new one ends the last. */
+    /** Steps that end between these two and change the same properties of the same objects merge into one: a drag, the
+     * typing in a line. Gestures do not nest: a new one ends the last. */
     void gestureBegin();
     void gestureEnd();
 
-    /** The history of finished steps. Undo and redo through undo() and redo(): those refuse while a user action is open and
-     *  from within an undo, and leave everything as it was when a step cannot be taken back whole. */
+    /** The history of finished steps. Undo and redo through undo() and redo(): those refuse while a user action is open
+     * and from within an undo, and leave everything as it was when a step cannot be taken back whole. */
     QUndoStack& undoStack();
     bool undo();
     bool redo();

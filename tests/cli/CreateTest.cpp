@@ -86,7 +86,8 @@ TEST(Create, a_smooth_table_is_written_as_a_file_that_colours) {
 
 TEST(Create, stepped_tables_have_the_positions_and_colours_of_the_model_to_the_last_bit) {
     TestFolder folder;
-    const float sets[][3] = {{0, 10, 3}, {0, 1, 0.1f}, {0, 1, 10}, {-1.5f, 2.25f, 0.3f}, {1e-20f, 3e-20f, 1e-21f}, {-0.0f, 1, 0.7f}};
+    const float sets[][3] = {{0, 10, 3},      {0, 1, 0.1f}, {0, 1, 10}, {-1.5f, 2.25f, 0.3f}, {1e-20f, 3e-20f, 1e-21f},
+                             {-0.0f, 1, 0.7f}};
     const std::pair<const char*, plain::Rule> types[] = {{"Rainbow", plain::Rule::Rainbow},
                                                          {"HueCycle", plain::Rule::HueCycle},
                                                          {"BlackGreenBlueRed", plain::Rule::BlackGreenBlueRed}};
@@ -178,7 +179,8 @@ TEST(Create, words_that_mean_nothing_are_wrong_usage) {
                   "Constant, Gradient, Rainbow, InvertedRainbow, HueCycle, BlackGreenBlueRed, Continue");
     expectRefused({"smooth", "--from=0", "--to=1", "--type=rainbow"}, 2, "no such type");
     expectRefused({"smooth", "--from=0", "--to=1", "--type", ""}, 2, "no such type");
-    expectRefused({"smooth", "--from=0", "--to=1", "--quantity=Mass"}, 2, "Length, Area, Volume, Angle, Percent, Number");
+    expectRefused({"smooth", "--from=0", "--to=1", "--quantity=Mass"}, 2,
+                  "Length, Area, Volume, Angle, Percent, Number");
     expectRefused({"smooth", "--from=zero", "--to=1"}, 2, "--from zero");
     expectRefused({"smooth", "--from=0", "--to=1,5"}, 2, "--to 1,5");
     expectRefused({"smooth", "--from=0", "--to=1e39"}, 2, "--to 1e39");

@@ -23,7 +23,9 @@ namespace modules {
 
 inline constexpr const char* COLORTABLE = "lys_colortable";
 
-inline std::string fixture(const std::string& name) { return std::string(FIXTURE_FOLDER) + '/' + name + ".so"; }
+inline std::string fixture(const std::string& name) {
+    return std::string(FIXTURE_FOLDER) + '/' + name + ".so";
+}
 
 /** Calls of the loader, with the message kept as text. */
 struct Loader {
@@ -51,9 +53,13 @@ struct Loader {
 };
 
 /** The number of a name that a module registers. */
-inline Lyrenum id(const char* name) { return Lyrenum(name, true); }
+inline Lyrenum id(const char* name) {
+    return Lyrenum(name, true);
+}
 
-inline LyrObjectRefPtr newTable() { return {"LyrColorLookupTable", Lyr::DocumentScope}; }
+inline LyrObjectRefPtr newTable() {
+    return {"LyrColorLookupTable", Lyr::DocumentScope};
+}
 
 inline bool setParameters(const LyrObjectRefPtr& table, float from, float to, float step) {
     return lyrSetValue(table.get(), id("CreationParameters"), LyrVector3<float>{from, to, step});

@@ -61,7 +61,9 @@ inline std::optional<Generated> stepped(float from, float to, float width, Rule 
     return table;
 }
 
-inline float narrowCosine(float angle) { return step(float(std::cos(double(angle)))); }
+inline float narrowCosine(float angle) {
+    return step(float(std::cos(double(angle))));
+}
 
 inline std::optional<Generated> sphereSegments(float from, float to, float width, Rule rule) {
     if (!std::isfinite(from) || !std::isfinite(to) || !std::isfinite(width))

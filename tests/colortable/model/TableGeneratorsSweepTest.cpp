@@ -26,10 +26,10 @@ struct Scheme {
 
 const Scheme& schemeAt(std::size_t index) {
     static const Scheme schemes[] = {
-        {Lyr::Rainbow, plain::Rule::Rainbow},           {Lyr::InvertedRainbow, plain::Rule::InvertedRainbow},
-        {Lyr::HueCycle, plain::Rule::HueCycle},         {Lyr::BlackGreenBlueRed, plain::Rule::BlackGreenBlueRed},
-        {Lyr::Constant, plain::Rule::Constant},         {Lyr::Gradient, plain::Rule::Gradient},
-        {Lyr::Continue, plain::Rule::Continue},         {Lyr::Custom, plain::Rule::None},
+        {Lyr::Rainbow, plain::Rule::Rainbow},      {Lyr::InvertedRainbow, plain::Rule::InvertedRainbow},
+        {Lyr::HueCycle, plain::Rule::HueCycle},    {Lyr::BlackGreenBlueRed, plain::Rule::BlackGreenBlueRed},
+        {Lyr::Constant, plain::Rule::Constant},    {Lyr::Gradient, plain::Rule::Gradient},
+        {Lyr::Continue, plain::Rule::Continue},    {Lyr::Custom, plain::Rule::None},
         {Lyr::InvertedHueCycle, plain::Rule::None}};
     return schemes[index % std::size(schemes)];
 }
@@ -73,10 +73,26 @@ std::vector<Parameters> parameterSets(bool angles) {
     }
     const float tiny = std::numeric_limits<float>::denorm_min();
     const float largest = std::numeric_limits<float>::max();
-    const float numbers[][3] = {{0, 1, 0.1f}, {0, 10, 3}, {0, 1, 10}, {0, 1, 2}, {0, 1, 1.9999999f}, {0, 1, 0.6666667f},
-        {0, 1.5707964f, 0.2617994f}, {0.0f, 1.5707964f, 1e-4f}, {-0.0f, 1, 0.5f}, {-1, 0, 0.25f}, {0, tiny, tiny},
-        {1, std::nextafter(1.0f, 2.0f), 1e-9f}, {1, std::nextafter(1.0f, 2.0f), 1}, {0, largest, 1e37f}, {-1e38f, 1e38f, 3e37f},
-        {16777215, 16777216, 0.5f}, {0, 1, 1e-5f}, {1e-40f, 1e-38f, 1e-39f}, {0, 1.0f, largest}, {0.5f, 1.0f, 1e-7f}};
+    const float numbers[][3] = {{0, 1, 0.1f},
+                                {0, 10, 3},
+                                {0, 1, 10},
+                                {0, 1, 2},
+                                {0, 1, 1.9999999f},
+                                {0, 1, 0.6666667f},
+                                {0, 1.5707964f, 0.2617994f},
+                                {0.0f, 1.5707964f, 1e-4f},
+                                {-0.0f, 1, 0.5f},
+                                {-1, 0, 0.25f},
+                                {0, tiny, tiny},
+                                {1, std::nextafter(1.0f, 2.0f), 1e-9f},
+                                {1, std::nextafter(1.0f, 2.0f), 1},
+                                {0, largest, 1e37f},
+                                {-1e38f, 1e38f, 3e37f},
+                                {16777215, 16777216, 0.5f},
+                                {0, 1, 1e-5f},
+                                {1e-40f, 1e-38f, 1e-39f},
+                                {0, 1.0f, largest},
+                                {0.5f, 1.0f, 1e-7f}};
     for (std::size_t i = 0; i < std::size(numbers); ++i) {
         sets.push_back({numbers[i][0], numbers[i][1], numbers[i][2], schemeAt(i)});
     }

@@ -101,7 +101,8 @@ TEST_F(TableGenerators, a_step_wider_than_the_range_leaves_one_section_of_the_mi
 
 TEST_F(TableGenerators, sphere_segments_have_equally_spaced_cosines) {
     const float fifteenDegrees = 0.2617994f;
-    ASSERT_TRUE(LyrColorLookupTable::createSphereSegmentStepped(table.get(), -1.0f, 2.0f, fifteenDegrees, Lyr::Rainbow));
+    ASSERT_TRUE(
+        LyrColorLookupTable::createSphereSegmentStepped(table.get(), -1.0f, 2.0f, fifteenDegrees, Lyr::Rainbow));
     const auto positions = positionsOf(table);
     // (cos 90 - cos 0) / (cos 15 - cos 0) = -1 / -0.0340742 = 29.35, so 29 zones.
     ASSERT_EQ(positions.size(), 30u);
@@ -122,7 +123,8 @@ TEST_F(TableGenerators, a_refused_table_keeps_its_content_but_not_its_parameters
     EXPECT_FALSE(LyrColorLookupTable::createStepped(table.get(), 3.0f, 3.0f, 1.0f, Lyr::HueCycle));
     EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
     EXPECT_EQ(sectionsOf(table), before);
-    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{3.0f, 3.0f, 1.0f}));
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}),
+              (LyrVector3<float>{3.0f, 3.0f, 1.0f}));
     EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::CreationType, -1), Lyr::HueCycle);
     EXPECT_EQ(errors.codes, std::vector<int>{REFUSED});
     EXPECT_EQ(LyqApplication::instance().undoStack().count(), 0);
@@ -162,7 +164,8 @@ TEST_F(TableGenerators, a_rebuild_is_one_step_that_brings_the_old_sections_back)
     EXPECT_EQ(sectionsOf(table), before);
     EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
     EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::AutoLabel, -1), 1);
-    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{0.0f, 4.0f, 1.0f}));
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}),
+              (LyrVector3<float>{0.0f, 4.0f, 1.0f}));
     ASSERT_TRUE(application.redo());
     EXPECT_EQ(sectionsOf(table), after);
     EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::AutoLabel, -1), 0);
@@ -268,7 +271,8 @@ TEST_F(TableGenerators, a_parameter_that_cannot_be_written_ends_the_call_before_
     type->setReadOnly(true);
     EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 0.0f, 1.0f, Lyr::HueCycle));
     type->setReadOnly(false);
-    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{0.0f, 1.0f, 0.0f}));
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}),
+              (LyrVector3<float>{0.0f, 1.0f, 0.0f}));
     EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
     EXPECT_TRUE(errors.codes.empty());
 }
@@ -291,5 +295,6 @@ TEST_F(TableGenerators, an_outer_action_that_is_aborted_takes_back_the_table_but
     ASSERT_TRUE(application.undo());
     EXPECT_EQ(sectionsOf(table), before);
     EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::CreationType, -1), Lyr::InvertedRainbow);
-    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}), (LyrVector3<float>{0.0f, 2.0f, 1.0f}));
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}),
+              (LyrVector3<float>{0.0f, 2.0f, 1.0f}));
 }

@@ -13,8 +13,8 @@
 
 namespace undowalk {
 
-/** Gives every section a number of its own, so that a section that was destroyed and another one made in its place are told
- *  apart from the same section brought back. */
+/** Gives every section a number of its own, so that a section that was destroyed and another one made in its place are
+ * told apart from the same section brought back. */
 class SectionNumbers : public LyrMetaClass::FactoryHook {
 public:
     SectionNumbers() { LyrMetaClass::addFactoryHook("LyrColorLookupTable::Section", this); }
@@ -63,7 +63,9 @@ struct SideNotes {
     bool operator==(const SideNotes&) const = default;
 };
 
-inline void append(Bits& bits, float value) { bits.push_back(std::bit_cast<std::uint32_t>(value)); }
+inline void append(Bits& bits, float value) {
+    bits.push_back(std::bit_cast<std::uint32_t>(value));
+}
 
 template <class T>
 std::vector<T> listOf(const LyrObject* object, Lyrenum id) {

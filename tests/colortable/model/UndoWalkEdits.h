@@ -25,14 +25,16 @@ public:
 
     void anyEdit() {
         using Edit = void (RandomEdits::*)();
-        static constexpr Edit EDITS[] = {
-            &RandomEdits::replacePositions, &RandomEdits::overwritePositions, &RandomEdits::splitSection,
-            &RandomEdits::splitSection,     &RandomEdits::mergeSections,      &RandomEdits::insertSection,
-            &RandomEdits::removeSection,    &RandomEdits::shuffleSections,    &RandomEdits::moveSection,
-            &RandomEdits::moveSection,      &RandomEdits::changeSectionType,  &RandomEdits::changePoints,
-            &RandomEdits::changePoints,     &RandomEdits::toggle,             &RandomEdits::changeExtensions,
-            &RandomEdits::generate,         &RandomEdits::failToGenerate,     &RandomEdits::copyTable,
-            &RandomEdits::resetList,        &RandomEdits::changeSideNotes};
+        static constexpr Edit EDITS[] = {&RandomEdits::replacePositions,  &RandomEdits::overwritePositions,
+                                         &RandomEdits::splitSection,      &RandomEdits::splitSection,
+                                         &RandomEdits::mergeSections,     &RandomEdits::insertSection,
+                                         &RandomEdits::removeSection,     &RandomEdits::shuffleSections,
+                                         &RandomEdits::moveSection,       &RandomEdits::moveSection,
+                                         &RandomEdits::changeSectionType, &RandomEdits::changePoints,
+                                         &RandomEdits::changePoints,      &RandomEdits::toggle,
+                                         &RandomEdits::changeExtensions,  &RandomEdits::generate,
+                                         &RandomEdits::failToGenerate,    &RandomEdits::copyTable,
+                                         &RandomEdits::resetList,         &RandomEdits::changeSideNotes};
         (this->*EDITS[pick(std::size(EDITS))])();
     }
 
@@ -52,8 +54,12 @@ private:
     using PointList = LyrValueArrayPropertyIF<LyrVector2<float>>;
 
     float number() {
-        static constexpr float SPECIAL[] = {0.0f, -0.0f, 1e-42f, std::numeric_limits<float>::infinity(),
-                                            std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::max()};
+        static constexpr float SPECIAL[] = {0.0f,
+                                            -0.0f,
+                                            1e-42f,
+                                            std::numeric_limits<float>::infinity(),
+                                            std::numeric_limits<float>::quiet_NaN(),
+                                            std::numeric_limits<float>::max()};
         return chance(10) ? SPECIAL[pick(std::size(SPECIAL))] : (static_cast<float>(pick(20001)) - 10000.0f) / 64.0f;
     }
 
@@ -72,7 +78,8 @@ private:
     }
 
     static void setPoints(LyrObject* section, Lyrenum channel, const std::vector<LyrVector2<float>>& items) {
-        LyrValueArrayOPPtr<PointList>(section, channel)->initArray(0, static_cast<long long>(items.size()) - 1, items.data());
+        LyrValueArrayOPPtr<PointList>(section, channel)
+            ->initArray(0, static_cast<long long>(items.size()) - 1, items.data());
     }
 
     Lyrenum channel() {
@@ -168,7 +175,8 @@ private:
             return;
         }
         const auto index = static_cast<long long>(pick(static_cast<std::size_t>(count)));
-        const LyrObjectPtr section(listOf<LyrObjectLink>(from, Lyr::SectionList)[static_cast<std::size_t>(index)].getLink());
+        const LyrObjectPtr section(
+            listOf<LyrObjectLink>(from, Lyr::SectionList)[static_cast<std::size_t>(index)].getLink());
         const auto target = static_cast<long long>(pick(static_cast<std::size_t>(sizeOf(to)) + 1));
         if (chance(50)) {
             sectionsOf(from)->removeArrayItems(index, index);
@@ -187,7 +195,9 @@ private:
         }
     }
 
-    void toggle() { lyrSetValue(anyTable(), chance(50) ? Lyr::AutoLabel : Lyr::AutoScale, Lyrenum(chance(50) ? 1 : 0)); }
+    void toggle() {
+        lyrSetValue(anyTable(), chance(50) ? Lyr::AutoLabel : Lyr::AutoScale, Lyrenum(chance(50) ? 1 : 0));
+    }
 
     void changeExtensions() {
         LyrObject* table = anyTable();
@@ -220,7 +230,8 @@ private:
         LyrObject* table = anyTable();
         switch (pick(3)) {
             case 0:
-                LyrColorLookupTable::createSmooth(table, number(), -std::numeric_limits<float>::infinity(), sectionType());
+                LyrColorLookupTable::createSmooth(table, number(), -std::numeric_limits<float>::infinity(),
+                                                  sectionType());
                 break;
             case 1:
                 LyrColorLookupTable::createStepped(table, 0.0f, 1.0f, chance(50) ? 0.0f : 1e-30f, sectionType());
@@ -239,7 +250,8 @@ private:
 
     void changeSideNotes() {
         LyrObject* table = anyTable();
-        lyrSetValue(table, Lyr::FiniteMode, LyrValuePair<Lyrenum>{Lyrenum(chance(50) ? 1 : 0), Lyrenum(chance(50) ? 1 : 0)});
+        lyrSetValue(table, Lyr::FiniteMode,
+                    LyrValuePair<Lyrenum>{Lyrenum(chance(50) ? 1 : 0), Lyrenum(chance(50) ? 1 : 0)});
         lyrSetValue(table, Lyr::MaximumRange, LyrValuePair<float>{number(), number()});
         lyrSetValue(table, Lyr::Quantity, chance(50) ? Lyr::Length : Lyr::Angle);
     }

@@ -36,7 +36,8 @@ struct SilencedRefusals : LyrError::Listener {
 
 using Content = std::vector<TableContent>;
 
-/** One random walk over two tables. `contents` holds the content after each step of the history, as it was read then. */
+/** One random walk over two tables. `contents` holds the content after each step of the history, as it was read then.
+ */
 class Walk {
 public:
     explicit Walk(std::uint64_t seed) : mEdits(mTables, seed) {
@@ -83,9 +84,7 @@ private:
         return content;
     }
 
-    std::vector<SideNotes> notes() const {
-        return {sideNotesOf(mTables[0].get()), sideNotesOf(mTables[1].get())};
-    }
+    std::vector<SideNotes> notes() const { return {sideNotesOf(mTables[0].get()), sideNotesOf(mTables[1].get())}; }
 
     /** Every section knows the table that it is in. */
     void checkParents() const {
@@ -198,7 +197,8 @@ private:
             }
             const int wanted = forwards ? index + 1 : index - 1;
             ASSERT_EQ(mStack.index(), wanted);
-            ASSERT_TRUE(read() == mContents[static_cast<std::size_t>(wanted)]) << (forwards ? "redo" : "undo") << " to " << wanted;
+            ASSERT_TRUE(read() == mContents[static_cast<std::size_t>(wanted)])
+                << (forwards ? "redo" : "undo") << " to " << wanted;
             ASSERT_TRUE(notes() == side) << "side notes are not taken back";
             checkParents();
             ++mMoveCount;
@@ -238,8 +238,8 @@ TEST(UndoWalk, content_equals_what_was_recorded_at_every_step_of_a_random_walk) 
         aborts += walk.aborts();
     }
     EXPECT_EQ(LyrClassManager::getObjectCount(LyrClassManager::SearchPattern::ofModule("lys_colortable")), 0);
-    std::printf("%d walks of %d edits: %lld steps, %lld merged, %lld undone or redone, %lld aborted\n", walks, edits, steps,
-                merges, moves, aborts);
+    std::printf("%d walks of %d edits: %lld steps, %lld merged, %lld undone or redone, %lld aborted\n", walks, edits,
+                steps, merges, moves, aborts);
     // A walk that never does one of these tests nothing of it.
     EXPECT_GT(steps, 0);
     EXPECT_GT(merges, 0);
