@@ -9,6 +9,7 @@ struct ToolkitApplication {
         static int count = 1;
         static char name[] = "test";
         static char* arguments[] = {name, nullptr};
-        static QApplication application(count, arguments);
+        // Never destroyed: the toolkit's own statics go before those of the program.
+        [[maybe_unused]] static auto* const application = new QApplication(count, arguments);
     }
 };

@@ -15,7 +15,8 @@ inline bool maps(const std::string& path) {
     const std::string wanted = std::filesystem::weakly_canonical(path);
     std::ifstream file("/proc/self/maps");
     for (std::string line; std::getline(file, line);) {
-        if (line.find(wanted) != std::string::npos) {
+        // The path is the last field; that of a removed file has a remark behind it.
+        if (line.ends_with(' ' + wanted) || line.ends_with(' ' + wanted + " (deleted)")) {
             return true;
         }
     }
