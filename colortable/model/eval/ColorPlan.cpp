@@ -19,6 +19,9 @@ constexpr int64_t bytesPerColor = channelCount * static_cast<int64_t>(sizeof(flo
 /// From this size on the colours bypass the caches; below they are likely to be read again soon.
 constexpr int64_t streamedBytes = int64_t{1} << 20;
 
+/// Values of a piece whose failures are looked for before it is coloured.
+constexpr int64_t checkedSize = 8192;
+
 /// Section offsets in bytes have to fit into 32 bits.
 constexpr int64_t mostBoundaries = int64_t{1} << 27;
 
@@ -30,7 +33,7 @@ bool ascends(const float* positions, int64_t count) {
     return ascending;
 }
 
-/// Colouring goes from the end like the scalar path, but blocks read ahead of what they write.
+/// The scalar path reads each value before it writes the colour; blocks read many and write in another order.
 bool overlap(int64_t count, const float* values, const float* out) {
     const std::less<const float*> before;
     return before(values, out + count * channelCount) && before(out, values + count);
@@ -105,7 +108,8 @@ bool ColorPlan::buildFor(KernelTarget target, const TableView& table) {
     heap_ = nullptr;
     data_.block = nullptr;
     data_.kinds = 0;
-    data_.failingSections = 0;
+    data_.failsFromBelow = false;
+    data_.failingRunCount = 0;
     data_.table = table;
     if (table.positionCount > mostBoundaries || !ascends(table.positions, table.positionCount))
         return true;
@@ -123,7 +127,38 @@ bool ColorPlan::buildFor(KernelTarget target, const TableView& table) {
     if (withBuckets)
         buildBucketIndex(table.positions, table.positionCount, keys, starts, &data_.buckets);
     data_.block = kernel.block;
+    data_.holdsFailure = kernel.holdsFailure;
     return true;
+}
+
+/// Colours values that cannot fail. Ascending, as the machine reads ahead best.
+void ColorPlan::colorizeAll(int64_t count, const float* values, float* out, bool stream) const {
+    const int64_t odd = stream ? std::min(count, colorsBeforeLine(out)) : 0;
+    if (odd > 0)
+        data_.block(data_, values, static_cast<int>(odd), out, false);
+    for (int64_t at = odd; at < count; at += blockSize) {
+        const int64_t n = std::min<int64_t>(blockSize, count - at);
+        data_.block(data_, values + at, static_cast<int>(n), out + at * channelCount, stream);
+    }
+}
+
+/// Goes back from the end in pieces that stay in the cache between the check and the colouring; each is coloured
+/// ascending.
+int64_t ColorPlan::colorizeChecked(int64_t count, const float* values, float* out, bool stream) const {
+    for (int64_t end = count; end > 0;) {
+        const int64_t begin = end > checkedSize ? (end - 1) / checkedSize * checkedSize : 0;
+        int64_t good = begin;
+        if (data_.holdsFailure(data_, values + begin, end - begin)) {
+            good = end;
+            while (!fails(data_, values[good - 1]))
+                --good;
+        }
+        colorizeAll(end - good, values + good, out + good * channelCount, stream);
+        if (good != begin)
+            return good - 1;
+        end = begin;
+    }
+    return -1;
 }
 
 int64_t ColorPlan::colorize(int64_t count, const float* values, float* out) const {
@@ -131,21 +166,12 @@ int64_t ColorPlan::colorize(int64_t count, const float* values, float* out) cons
         return -1;
     if (!data_.block || overlap(count, values, out))
         return colorizeScalar(data_.table, count, values, out);
-    int64_t first = 0;  // of the colours in whole lines
-    bool stream = false;
-    if (count * bytesPerColor >= streamedBytes && colorsBeforeLine(out) >= 0) {
-        first = colorsBeforeLine(out);
-        stream = true;
-    }
-    // From the end on, so that nothing below a failing value is touched; the odd block comes first to keep lines whole.
+    const bool stream = count * bytesPerColor >= streamedBytes && colorsBeforeLine(out) >= 0;
     int64_t failing = -1;
-    for (int64_t end = count; end > 0 && failing < 0;) {
-        const int64_t n = end > first ? (end - first - 1) % blockSize + 1 : end;
-        end -= n;
-        const int in =
-            data_.block(data_, values + end, static_cast<int>(n), out + end * channelCount, stream && end >= first);
-        failing = in < 0 ? -1 : end + in;
-    }
+    if (mayFail(data_))
+        failing = colorizeChecked(count, values, out, stream);
+    else
+        colorizeAll(count, values, out, stream);
     if (stream)
         finishStreaming();
     return failing;

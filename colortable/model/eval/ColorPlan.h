@@ -33,7 +33,8 @@ public:
     /// path leaves it asks scalarColors for that one value.
     int64_t colorize(int64_t count, const float* values, float* out) const;
 
-    /// False when the table has no flat form (boundaries that do not ascend, NaN in a blend) and the scalar path
+    /// False when the table has no flat form (boundaries that do not ascend, NaN in a blend, many failing
+    /// sections) and the scalar path
     /// colours.
     bool isFlat() const { return data_.block != nullptr; }
 
@@ -51,6 +52,8 @@ private:
         uint16_t starts[4 * inlineSections + 1];
     };
 
+    void colorizeAll(int64_t count, const float* values, float* out, bool stream) const;
+    int64_t colorizeChecked(int64_t count, const float* values, float* out, bool stream) const;
     bool takeMemory(bool withBuckets, int32_t** keys, uint16_t** starts);
 
     PlanData data_;

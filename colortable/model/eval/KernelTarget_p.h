@@ -12,6 +12,7 @@ inline constexpr KernelTarget allKernelTargets[] = {KernelTarget::Plain, KernelT
 
 struct Kernel {
     BlockFunction block = nullptr;
+    FailureFunction holdsFailure = nullptr;
     KernelTraits traits = {};
 };
 

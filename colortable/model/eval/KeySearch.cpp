@@ -36,25 +36,19 @@ void searchCrowded(const BucketIndex& index, const int32_t* keys, const uint32_t
 }
 
 template <int fixedLevels, bool crowded>
-int32_t searchAll(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
-    const bool mayFail = (plan.kinds & failingKind) != 0;
-    int32_t kinds = 0;
-    for (int i = n - together; i >= 0; i -= together) {
+void searchAll(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
+    for (int i = 0; i < n; i += together) {
         uint32_t found[together];
         bisect<fixedLevels>(plan.buckets, keys + i, buckets + i, found);
         if constexpr (crowded)
             searchCrowded(plan.buckets, keys + i, buckets + i, found);
-        for (int u = 0; u < together; ++u) {
-            if (mayFail)
-                kinds |= plan.interval[found[u]].kind;
+        for (int u = 0; u < together; ++u)
             offsets[i + u] = found[u] * uint32_t{sizeof(SectionInterval)};
-        }
     }
-    return kinds;
 }
 
 template <bool crowded>
-int32_t searchByLevels(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
+void searchByLevels(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
     switch (plan.buckets.levels) {
         case 1:
             return searchAll<1, crowded>(plan, keys, buckets, n, offsets);
@@ -69,10 +63,11 @@ int32_t searchByLevels(const PlanData& plan, const int32_t* keys, const uint32_t
 
 }  // namespace
 
-bool searchKeys(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
-    const int32_t kinds = plan.buckets.crowded ? searchByLevels<true>(plan, keys, buckets, n, offsets)
-                                               : searchByLevels<false>(plan, keys, buckets, n, offsets);
-    return (kinds & failingKind) != 0;
+void searchKeys(const PlanData& plan, const int32_t* keys, const uint32_t* buckets, int n, uint32_t* offsets) {
+    if (plan.buckets.crowded)
+        searchByLevels<true>(plan, keys, buckets, n, offsets);
+    else
+        searchByLevels<false>(plan, keys, buckets, n, offsets);
 }
 
 }  // namespace lys::eval

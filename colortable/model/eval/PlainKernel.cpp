@@ -26,12 +26,12 @@ int loadValues(const float* values, int n, BlockStages* stages) {
     return padded;
 }
 
-bool findSections(const PlanData& plan, int n, BlockStages* stages) {
+void findSections(const PlanData& plan, int n, BlockStages* stages) {
     for (int i = 0; i < n; ++i)
         stages->keys[i] = orderedKey(stages->values[i]);
     for (int i = 0; i < n; ++i)
         stages->buckets[i] = bucketOf(plan.buckets, stages->values[i], stages->keys[i]);
-    return searchKeys(plan, stages->keys, stages->buckets, n, stages->offsets);
+    searchKeys(plan, stages->keys, stages->buckets, n, stages->offsets);
 }
 
 const SectionInterval& intervalAt(const PlanData& plan, uint32_t offset) {
@@ -173,7 +173,7 @@ void analyticColors(int32_t kinds, int n, BlockStages* stages) {
 /// colours join a start of 0 bit by bit.
 template <bool gradient, bool analytic>
 void compose(const PlanData& plan, const BlockStages& stages, int n, float* out) {
-    for (int i = n - 1; i >= 0; --i) {
+    for (int i = 0; i < n; ++i) {
         const uint32_t section = stages.offsets[i] / uint32_t{sizeof(SectionInterval)};
         float color[channelCount];
         std::memcpy(color, plan.start[section], sizeof color);
@@ -198,28 +198,24 @@ void composeColors(const PlanData& plan, int32_t kinds, const BlockStages& stage
     return gradient ? compose<true, false>(plan, stages, n, out) : compose<false, false>(plan, stages, n, out);
 }
 
-int colorBlock(const PlanData& plan, const float* values, int n, float* out, bool /*stream*/) {
+void colorBlock(const PlanData& plan, const float* values, int n, float* out, bool /*stream*/) {
     BlockStages stages;
     const int padded = loadValues(values, n, &stages);
-    if (findSections(plan, padded, &stages)) {
-        int failing = n - 1;
-        while ((intervalAt(plan, stages.offsets[failing]).kind & failingKind) == 0)
-            --failing;
-        if (failing + 1 < n)
-            colorBlock(plan, values + failing + 1, n - failing - 1, out + channelCount * (failing + 1), false);
-        return failing;
-    }
+    findSections(plan, padded, &stages);
     const int32_t kinds = plan.intervals == IntervalMode::None ? 0 : placeInIntervals(plan, padded, &stages);
     if ((kinds & analyticKinds) != 0)
         analyticColors(kinds, padded, &stages);
     composeColors(plan, kinds, stages, n, out);
-    return -1;
+}
+
+bool holdsFailure(const PlanData& plan, const float* values, int64_t n) {
+    return std::any_of(values, values + n, [&plan](float value) { return fails(plan, value); });
 }
 
 }  // namespace
 
 Kernel plainKernel() {
-    return {&colorBlock, {}};
+    return {&colorBlock, &holdsFailure, {}};
 }
 
 }  // namespace lys::eval

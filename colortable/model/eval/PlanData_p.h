@@ -11,9 +11,12 @@ struct PlanData;
 /// Values that a kernel colours with one call: the arrays between its stages stay in the first-level cache.
 inline constexpr int blockSize = 256;
 
-/// Colours n (1 … blockSize) values. Returns -1, or the index of the last value that cannot be coloured: the colours
-/// above it are written, nothing else is. stream: out is aligned to 64 bytes and the colours may bypass the cache.
-using BlockFunction = int (*)(const PlanData& plan, const float* values, int n, float* out, bool stream);
+/// Colours n (1 … blockSize) values, none of which fails. stream: out is aligned to 64 bytes and the colours may bypass
+/// the caches.
+using BlockFunction = void (*)(const PlanData& plan, const float* values, int n, float* out, bool stream);
+
+/// Whether one of n values falls into a failing section, by the plan's failing runs.
+using FailureFunction = bool (*)(const PlanData& plan, const float* values, int64_t n);
 
 /// What a section needs beyond its start colour, as bits of one word; a constant needs nothing.
 enum SectionKind : int32_t {
@@ -45,6 +48,12 @@ struct KernelTraits {
     int colorRegisters = 0;     ///< registers for each channel that are worth it
 };
 
+/// Neighbouring sections that fail: theirs are the values above `above` up to `upTo`.
+struct FailingRun {
+    float above;
+    float upTo;
+};
+
 struct SectionInterval {
     float low;
     float width;
@@ -55,6 +64,7 @@ struct SectionInterval {
 inline constexpr int treeLevelSize = 16;
 inline constexpr int maxTreeLevels = 5;
 inline constexpr int maxLaneSections = 32;
+inline constexpr int maxFailingRuns = 8;
 
 /// Narrows the search down to the boundaries in a value's own bucket. Buckets never descend as values ascend, so what
 /// lies in lower buckets is below the value and what lies in higher ones is not.
@@ -77,13 +87,17 @@ struct BucketIndex {
 struct PlanData {
     TableView table;
     BlockFunction block = nullptr;  ///< null: the table has no flat form, the scalar path colours
-    int32_t kinds = 0;              ///< all kinds of the table's sections together
+    FailureFunction holdsFailure = nullptr;
+    int32_t kinds = 0;  ///< all kinds of the table's sections together
     SearchMode search = SearchMode::Buckets;
     IntervalMode intervals = IntervalMode::None;
     int32_t boundaryCount = 0;
     int32_t treeLevels = 0;
-    int32_t colorRegisters = 0;    ///< registers that hold one channel of all sections' colours; 0: records in memory
-    uint32_t failingSections = 0;  ///< one bit for each section; used by Count and Tree
+    int32_t colorRegisters = 0;   ///< registers that hold one channel of all sections' colours; 0: records in memory
+    bool failsFromBelow = false;  ///< the first section fails, for values up to firstUpTo and for NaN
+    float firstUpTo = 0.0f;
+    int32_t failingRunCount = 0;  ///< further runs
+    FailingRun failingRuns[maxFailingRuns] = {};
     uint32_t loneOffset = 0;
     SectionInterval lone = {};
     BucketIndex buckets;
@@ -102,6 +116,19 @@ struct PlanData {
     alignas(64) float laneStart[channelCount][maxLaneSections];
     alignas(64) float laneEnd[channelCount][maxLaneSections];
 };
+
+/// Whether any value can fail.
+inline bool mayFail(const PlanData& plan) {
+    return plan.failsFromBelow || plan.failingRunCount > 0;
+}
+
+/// Whether a value falls into a failing section.
+inline bool fails(const PlanData& plan, float value) {
+    bool failing = plan.failsFromBelow && !(value > plan.firstUpTo);
+    for (int32_t r = 0; r < plan.failingRunCount; ++r)
+        failing = failing || (value > plan.failingRuns[r].above && value <= plan.failingRuns[r].upTo);
+    return failing;
+}
 
 /// The record of a section. A tree search ends on the path to the section, its first turn in bit 0: records lie in the
 /// order of the reversed bits.

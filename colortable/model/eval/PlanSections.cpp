@@ -121,6 +121,29 @@ float loweredBoundary(const float* positions, int64_t k) {
     return p == positions[0] && std::isfinite(p) ? std::nextafter(p, -infinity) : p;
 }
 
+/// Notes the values of a failing section; between twin boundaries there are none. False when there are too many runs.
+bool addFailure(int32_t section, PlanData* plan) {
+    const float* positions = plan->table.positions;
+    const float upTo = section < plan->boundaryCount ? loweredBoundary(positions, section) : infinity;
+    if (section == 0) {
+        plan->failsFromBelow = true;
+        plan->firstUpTo = upTo;
+        return true;
+    }
+    const float above = loweredBoundary(positions, section - 1);
+    if (!(above < upTo))
+        return true;
+    FailingRun* last = plan->failingRunCount > 0 ? &plan->failingRuns[plan->failingRunCount - 1] : nullptr;
+    if (last && last->upTo == above) {
+        last->upTo = upTo;
+        return true;
+    }
+    if (plan->failingRunCount == maxFailingRuns)
+        return false;
+    plan->failingRuns[plan->failingRunCount++] = {above, upTo};
+    return true;
+}
+
 }  // namespace
 
 bool addSections(const KernelTraits& traits, PlanData* plan) {
@@ -128,6 +151,7 @@ bool addSections(const KernelTraits& traits, PlanData* plan) {
     plan->colorRegisters = colorRegistersFor(traits, slots);
     int32_t coloredSections = 0;
     bool nan = false;
+    bool fits = true;
     for (int32_t k = 0; k <= plan->boundaryCount; ++k) {
         Resolved section;
         resolve(plan->table, k, &section);
@@ -142,8 +166,7 @@ bool addSections(const KernelTraits& traits, PlanData* plan) {
             addRecords(slot, section, plan);
         if (slots <= traits.laneSections)
             addLaneInterval(slot, interval, plan);
-        if ((interval.kind & failingKind) != 0 && slot < 32)
-            plan->failingSections |= 1u << slot;
+        fits = ((interval.kind & failingKind) == 0 || addFailure(k, plan)) && fits;
         if ((interval.kind & coloredKinds) != 0) {
             ++coloredSections;
             plan->lone = interval;
@@ -151,7 +174,7 @@ bool addSections(const KernelTraits& traits, PlanData* plan) {
         }
     }
     plan->intervals = intervalModeFor(traits, slots, coloredSections);
-    return !(nan && (plan->kinds & gradientKind) != 0);
+    return fits && !(nan && (plan->kinds & gradientKind) != 0);
 }
 
 bool addRegisterSearch(const KernelTraits& traits, PlanData* plan) {

@@ -52,20 +52,19 @@ HWY_INLINE FloatVector inLaneOrder(FloatVector v) {
     return hn::TableLookupLanes(v, hn::SetTableIndices(floats, laneOrder.valueOfLane));
 }
 
-/// Calls work(values, first lane) for each group in lane order, from the last one on. The last group is filled up with
-/// the last value.
+/// Calls work(values, first lane) for each group in lane order. The last group is filled up with the last value.
 template <class Work>
 HWY_INLINE void forEachGroup(const float* values, int n, const Work& work) {
     const int rest = n % lanes;
     const int whole = n - rest;
+    for (int i = 0; i < whole; i += lanes)
+        work(inLaneOrder(hn::LoadU(floats, values + i)), i);
     if (rest != 0) {
         alignas(64) float last[lanes];
         for (int i = 0; i < lanes; ++i)
             last[i] = values[whole + (i < rest ? i : rest - 1)];
         work(inLaneOrder(hn::Load(floats, last)), whole);
     }
-    for (int i = whole - lanes; i >= 0; i -= lanes)
-        work(inLaneOrder(hn::LoadU(floats, values + i)), i);
 }
 
 /// Four floats of colorsInVector records side by side; the records' byte offsets are 4 entries apart.

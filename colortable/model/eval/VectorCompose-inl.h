@@ -127,13 +127,13 @@ template <bool stream, class Composer>
 HWY_INLINE void composeAll(const Composer& composer, int n, float* out) {
     const int rest = n % lanes;
     const int whole = n - rest;
+    for (int i = 0; i < whole; i += lanes)
+        putColors<stream>(composer(i), out + i * channelCount);
     if (rest != 0) {
         alignas(64) float last[lanes * channelCount];
         putColors<false>(composer(whole), last);
         std::memcpy(out + whole * channelCount, last, sizeof(float) * channelCount * static_cast<size_t>(rest));
     }
-    for (int i = whole - lanes; i >= 0; i -= lanes)
-        putColors<stream>(composer(i), out + i * channelCount);
 }
 
 template <class Composer>

@@ -145,7 +145,7 @@ template <int32_t handled, class IntervalSource>
 HWY_INLINE int32_t placeAll(const PlanData& plan, int groups, BlockStages* stages) {
     const IntervalSource source(plan);
     auto kinds = hn::Zero(ints);
-    for (int i = (groups - 1) * lanes; i >= 0; i -= lanes) {
+    for (int i = 0; i < groups * lanes; i += lanes) {
         const auto in = source.at(stages->offsets + i);
         const auto place = placeOf(hn::Load(floats, stages->values + i), in);
         kinds = hn::Or(kinds, in.kinds());
@@ -168,7 +168,7 @@ HWY_INLINE int32_t placeAll(const PlanData& plan, int groups, BlockStages* stage
 template <class IntervalSource>
 HWY_INLINE int32_t placeGradients(const PlanData& plan, int groups, BlockStages* stages) {
     const IntervalSource source(plan);
-    for (int i = (groups - 1) * lanes; i >= 0; i -= lanes) {
+    for (int i = 0; i < groups * lanes; i += lanes) {
         const auto place = placeOf(hn::Load(floats, stages->values + i), source.at(stages->offsets + i));
         hn::Store(place, floats, stages->gradientPlace + i);
     }

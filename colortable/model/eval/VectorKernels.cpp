@@ -32,38 +32,31 @@ constexpr KernelTraits traits = {3, 31, 16, 8, 1};
 constexpr KernelTraits traits = {};
 #endif
 
-int colorBlock(const PlanData& plan, const float* values, int n, float* out, bool stream);
-
-/// The block holds failing values: finds the last one and colours what lies above it.
-int colorAboveFailure(const PlanData& plan, const BlockStages& stages, const float* values, int n, float* out) {
-    for (int i = n - 1; i >= 0; --i) {
-        const uint32_t section = stages.offsets[laneOf(i)] / uint32_t{sizeof(SectionInterval)};
-        if ((plan.interval[section].kind & failingKind) == 0)
-            continue;
-        if (i + 1 < n)
-            colorBlock(plan, values + i + 1, n - i - 1, out + channelCount * (i + 1), false);
-        return i;
-    }
-    return -1;
-}
-
-int colorBlock(const PlanData& plan, const float* values, int n, float* out, bool stream) {
+void colorBlock(const PlanData& plan, const float* values, int n, float* out, bool stream) {
     BlockStages stages;
     const int groups = (n + lanes - 1) / lanes;
-    if (findSections(plan, values, n, &stages)) {
-        const int failing = colorAboveFailure(plan, stages, values, n, out);
-        if (failing >= 0)
-            return failing;
-    }
+    findSections(plan, values, n, &stages);
     const int32_t kinds = placeInIntervals(plan, groups, &stages);
     if (kinds & analyticKinds)
         analyticColors(kinds, groups, &stages);
     composeColors(plan, kinds, stages, n, out, stream);
-    return -1;
+}
+
+bool holdsFailure(const PlanData& plan, const float* values, int64_t n) {
+    switch (plan.failingRunCount) {
+        case 0:
+            return liesInRun<0>(plan, values, n);
+        case 1:
+            return liesInRun<1>(plan, values, n);
+        case 2:
+            return liesInRun<2>(plan, values, n);
+        default:
+            return liesInRun<maxFailingRuns>(plan, values, n);
+    }
 }
 
 Kernel kernel() {
-    return {&colorBlock, traits};
+    return {&colorBlock, &holdsFailure, traits};
 }
 
 }  // namespace HWY_NAMESPACE

@@ -72,11 +72,11 @@ HWY_INLINE void takeSines(int groups, BlockStages* stages) {
 #else
     constexpr int atOnce = 1;
 #endif
-    int g = groups;
-    for (; g >= atOnce; g -= atOnce)
-        replaceBySines<atOnce>(stages->side + (g - atOnce) * lanes, stages->green + (g - atOnce) * lanes);
-    if (g > 0)
-        replaceBySines<1>(stages->side, stages->green);
+    int g = 0;
+    for (; g + atOnce <= groups; g += atOnce)
+        replaceBySines<atOnce>(stages->side + g * lanes, stages->green + g * lanes);
+    if (g < groups)
+        replaceBySines<1>(stages->side + g * lanes, stages->green + g * lanes);
 }
 
 /// The clamped colour that the sines stand for; a sine never exceeds 1. As an integer a float orders as itself among
@@ -144,7 +144,7 @@ HWY_INLINE Rgb both(const Rgb& a, const Rgb& b) {
 /// A lane has one rule, the other rules leave it 0: their colours are joined bit by bit.
 template <int32_t handled>
 HWY_INLINE void colorAll(int groups, BlockStages* stages) {
-    for (int i = (groups - 1) * lanes; i >= 0; i -= lanes) {
+    for (int i = 0; i < groups * lanes; i += lanes) {
         Rgb color = {hn::Zero(floats), hn::Zero(floats), hn::Zero(floats)};
         if constexpr ((handled & rainbowKind) != 0)
             color = rainbowColor(*stages, i);

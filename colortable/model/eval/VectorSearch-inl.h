@@ -15,40 +15,17 @@ namespace lys::eval {
 namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SSE4
-/// Takes up sections: stores their byte offsets and, in tables that may fail, notes whether a failing one is among
-/// them.
-template <bool mayFail>
-class SectionSink {
-public:
-    SectionSink(const PlanData& plan, BlockStages* stages)
-        : stages_(stages), failingSections_(hn::Set(words, plan.failingSections)), failing_(hn::Zero(words)) {}
-
-    HWY_INLINE void put(FloatVector value, WordVector section, int at) {
-        hn::Store(value, floats, stages_->values + at);
-        hn::Store(hn::ShiftLeft<offsetShift>(section), words, stages_->offsets + at);
-        if constexpr (mayFail)
-            failing_ = hn::Or(failing_, hn::Shr(failingSections_, section));
-    }
-
-    HWY_INLINE bool failed() const {
-        const auto one = hn::Set(words, 1u);
-        return mayFail && !hn::AllFalse(words, hn::Ne(hn::And(failing_, one), hn::Zero(words)));
-    }
-
-private:
-    BlockStages* stages_;
-    WordVector failingSections_;
-    WordVector failing_;
-};
+HWY_INLINE void putSections(FloatVector value, WordVector section, int at, BlockStages* stages) {
+    hn::Store(value, floats, stages->values + at);
+    hn::Store(hn::ShiftLeft<offsetShift>(section), words, stages->offsets + at);
+}
 
 HWY_INLINE WordVector addWhereLess(WordVector count, FloatVector boundary, FloatVector value) {
     return hn::Sub(count, hn::BitCast(words, hn::VecFromMask(floats, hn::Lt(boundary, value))));
 }
 
 /// Few boundaries: counts those below each value.
-template <bool mayFail>
-HWY_INLINE bool countCuts(const PlanData& plan, const float* values, int n, BlockStages* stages) {
-    SectionSink<mayFail> sink(plan, stages);
+HWY_INLINE void countCuts(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     // Those that are not there are infinite, which is below nothing.
     const auto cut0 = hn::Set(floats, plan.cuts[0]);
     const auto cut1 = hn::Set(floats, plan.cuts[1]);
@@ -57,9 +34,8 @@ HWY_INLINE bool countCuts(const PlanData& plan, const float* values, int n, Bloc
         auto section = addWhereLess(hn::Zero(words), cut0, value);
         section = addWhereLess(section, cut1, value);
         section = addWhereLess(section, cut2, value);
-        sink.put(value, section, at);
+        putSections(value, section, at, stages);
     });
-    return sink.failed();
 }
 
 /// The way down the search tree: bit l of path says whether level l's boundary is below the value, which is last for
@@ -97,9 +73,8 @@ struct Level4 {
 
 /// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes. The path is the
 /// section's record, see slotOf.
-template <int levels, bool mayFail>
-HWY_INLINE bool searchTree(const PlanData& plan, const float* values, int n, BlockStages* stages) {
-    SectionSink<mayFail> sink(plan, stages);
+template <int levels>
+HWY_INLINE void searchTree(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     const auto root = hn::Set(floats, plan.tree[0][0]);
     const LaneTable<1> level1(plan.tree[1]);
     const LaneTable<1> level2(plan.tree[2]);
@@ -114,9 +89,8 @@ HWY_INLINE bool searchTree(const PlanData& plan, const float* values, int n, Blo
             descend<3>(level3.at(way.path), value, &way);
         if constexpr (levels > 4)
             descend<4>(level4.at(way), value, &way);
-        sink.put(value, way.path, at);
+        putSections(value, way.path, at, stages);
     });
-    return sink.failed();
 }
 #endif
 
@@ -145,7 +119,7 @@ HWY_INLINE WordVector logarithmicBuckets(const BucketIndex& index, IntVector key
 }
 
 /// Any number of boundaries: bucket, then bisection.
-HWY_INLINE bool searchBuckets(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+HWY_INLINE void searchBuckets(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     const BucketIndex& index = plan.buckets;
     forEachGroup(values, n, [&](FloatVector value, int at) {
         const auto key = keysOf(value);
@@ -155,34 +129,56 @@ HWY_INLINE bool searchBuckets(const PlanData& plan, const float* values, int n, 
         hn::Store(bucket, words, stages->buckets + at);
     });
     const int padded = (n + lanes - 1) / lanes * lanes;
-    return searchKeys(plan, stages->keys, stages->buckets, padded, stages->offsets);
+    searchKeys(plan, stages->keys, stages->buckets, padded, stages->offsets);
 }
 
 #if HWY_TARGET != HWY_SSE4
-template <bool mayFail>
-HWY_INLINE bool searchRegisters(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+HWY_INLINE void searchRegisters(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     if (plan.search == SearchMode::Count)
-        return countCuts<mayFail>(plan, values, n, stages);
+        return countCuts(plan, values, n, stages);
     switch (plan.treeLevels) {
         case 5:
-            return searchTree<5, mayFail>(plan, values, n, stages);
+            return searchTree<5>(plan, values, n, stages);
         case 4:
-            return searchTree<4, mayFail>(plan, values, n, stages);
+            return searchTree<4>(plan, values, n, stages);
         default:
-            return searchTree<3, mayFail>(plan, values, n, stages);
+            return searchTree<3>(plan, values, n, stages);
     }
 }
 #endif
 
-/// Finds the sections of all lanes; returns whether a section that fails is among them.
-HWY_INLINE bool findSections(const PlanData& plan, const float* values, int n, BlockStages* stages) {
+/// Finds the sections of all lanes.
+HWY_INLINE void findSections(const PlanData& plan, const float* values, int n, BlockStages* stages) {
 #if HWY_TARGET != HWY_SSE4
-    if (plan.search != SearchMode::Buckets) {
-        return (plan.kinds & failingKind) != 0 ? searchRegisters<true>(plan, values, n, stages)
-                                               : searchRegisters<false>(plan, values, n, stages);
-    }
+    if (plan.search != SearchMode::Buckets)
+        return searchRegisters(plan, values, n, stages);
 #endif
-    return searchBuckets(plan, values, n, stages);
+    searchBuckets(plan, values, n, stages);
+}
+
+/// Whether one of n values lies in a failing run.
+template <int runs>
+HWY_INLINE bool liesInRun(const PlanData& plan, const float* values, int64_t n) {
+    const auto firstUpTo = hn::Set(floats, plan.firstUpTo);
+    const auto fromBelow = hn::FirstN(floats, plan.failsFromBelow ? static_cast<size_t>(lanes) : 0);
+    auto found = hn::FirstN(floats, 0);
+    const auto test = [&](FloatVector value) {
+        found = hn::Or(found, hn::AndNot(hn::Gt(value, firstUpTo), fromBelow));
+        for (int r = 0; r < runs; ++r) {
+            const auto above = hn::Gt(value, hn::Set(floats, plan.failingRuns[r].above));
+            found = hn::Or(found, hn::And(above, hn::Le(value, hn::Set(floats, plan.failingRuns[r].upTo))));
+        }
+    };
+    const int64_t whole = n / lanes * lanes;
+    for (int64_t i = 0; i < whole; i += lanes)
+        test(hn::LoadU(floats, values + i));
+    if (whole < n) {
+        alignas(64) float last[lanes];
+        for (int64_t i = 0; i < lanes; ++i)
+            last[i] = values[whole + i < n ? whole + i : whole];
+        test(hn::Load(floats, last));
+    }
+    return !hn::AllFalse(floats, found);
 }
 
 }  // namespace HWY_NAMESPACE
