@@ -16,8 +16,11 @@ constexpr std::align_val_t lineAlignment{64};
 constexpr int64_t lineBytes = 64;
 constexpr int64_t bytesPerColor = channelCount * static_cast<int64_t>(sizeof(float));
 
-/// From this size on the colours bypass the caches; below they are likely to be read again soon.
-constexpr int64_t streamedBytes = int64_t{1} << 20;
+/// From this size on the colours bypass the caches; below they are still there when they are read again.
+constexpr int64_t streamedBytes = int64_t{1} << 24;
+
+/// Fewer colours lie in pages that the machine has looked up lately.
+constexpr int64_t colorsInFewPages = 4096;
 
 /// Values of a piece whose failures are looked for before it is coloured.
 constexpr int64_t checkedSize = 8192;
@@ -55,6 +58,16 @@ int64_t colorsBeforeLine(const float* out) {
     if (past % bytesPerColor != 0)
         return -1;
     return (lineBytes - past) % lineBytes / bytesPerColor;
+}
+
+/// Looks up the addresses of the memory pages that come next: waiting for them block by block takes a third of the time
+/// where pages are small.
+void askForPages(int64_t at, int64_t count, const float* values, const float* out) {
+    constexpr int64_t pageBytes = 4096;
+    constexpr int64_t colorsAhead = 2 * pageBytes / bytesPerColor;
+    constexpr int64_t valuesAhead = pageBytes / int64_t{sizeof(float)} + colorsAhead;
+    __builtin_prefetch(out + std::min(at + colorsAhead, count - 1) * channelCount, 1);
+    __builtin_prefetch(values + std::min(at + valuesAhead, count - 1));
 }
 
 int64_t roundedUp(int64_t bytes) {
@@ -138,6 +151,8 @@ void ColorPlan::colorizeAll(int64_t count, const float* values, float* out, bool
         data_.block(data_, values, static_cast<int>(odd), out, false);
     for (int64_t at = odd; at < count; at += blockSize) {
         const int64_t n = std::min<int64_t>(blockSize, count - at);
+        if (count >= colorsInFewPages)
+            askForPages(at, count, values, out);
         data_.block(data_, values + at, static_cast<int>(n), out + at * channelCount, stream);
     }
 }

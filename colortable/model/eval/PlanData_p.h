@@ -9,7 +9,7 @@ namespace lys::eval {
 struct PlanData;
 
 /// Values that a kernel colours with one call: the arrays between its stages stay in the first-level cache.
-inline constexpr int blockSize = 256;
+inline constexpr int blockSize = 128;
 
 /// Colours n (1 … blockSize) values, none of which fails. stream: out is aligned to 64 bytes and the colours may bypass
 /// the caches.

@@ -15,8 +15,11 @@ namespace lys::eval {
 namespace HWY_NAMESPACE {
 
 #if HWY_TARGET != HWY_SSE4
+/// keepValues: later stages need them; tables of constants do not.
+template <bool keepValues>
 HWY_INLINE void putSections(FloatVector value, WordVector section, int at, BlockStages* stages) {
-    hn::Store(value, floats, stages->values + at);
+    if constexpr (keepValues)
+        hn::Store(value, floats, stages->values + at);
     hn::Store(hn::ShiftLeft<offsetShift>(section), words, stages->offsets + at);
 }
 
@@ -25,6 +28,7 @@ HWY_INLINE WordVector addWhereLess(WordVector count, FloatVector boundary, Float
 }
 
 /// Few boundaries: counts those below each value.
+template <bool keepValues>
 HWY_INLINE void countCuts(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     // Those that are not there are infinite, which is below nothing.
     const auto cut0 = hn::Set(floats, plan.cuts[0]);
@@ -34,7 +38,7 @@ HWY_INLINE void countCuts(const PlanData& plan, const float* values, int n, Bloc
         auto section = addWhereLess(hn::Zero(words), cut0, value);
         section = addWhereLess(section, cut1, value);
         section = addWhereLess(section, cut2, value);
-        putSections(value, section, at, stages);
+        putSections<keepValues>(value, section, at, stages);
     });
 }
 
@@ -73,7 +77,7 @@ struct Level4 {
 
 /// Up to 31 boundaries: a perfect search tree, its levels held in registers and read by permutes. The path is the
 /// section's record, see slotOf.
-template <int levels>
+template <int levels, bool keepValues>
 HWY_INLINE void searchTree(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     const auto root = hn::Set(floats, plan.tree[0][0]);
     const LaneTable<1> level1(plan.tree[1]);
@@ -89,7 +93,7 @@ HWY_INLINE void searchTree(const PlanData& plan, const float* values, int n, Blo
             descend<3>(level3.at(way.path), value, &way);
         if constexpr (levels > 4)
             descend<4>(level4.at(way), value, &way);
-        putSections(value, way.path, at, stages);
+        putSections<keepValues>(value, way.path, at, stages);
     });
 }
 #endif
@@ -133,16 +137,17 @@ HWY_INLINE void searchBuckets(const PlanData& plan, const float* values, int n, 
 }
 
 #if HWY_TARGET != HWY_SSE4
+template <bool keepValues>
 HWY_INLINE void searchRegisters(const PlanData& plan, const float* values, int n, BlockStages* stages) {
     if (plan.search == SearchMode::Count)
-        return countCuts(plan, values, n, stages);
+        return countCuts<keepValues>(plan, values, n, stages);
     switch (plan.treeLevels) {
         case 5:
-            return searchTree<5>(plan, values, n, stages);
+            return searchTree<5, keepValues>(plan, values, n, stages);
         case 4:
-            return searchTree<4>(plan, values, n, stages);
+            return searchTree<4, keepValues>(plan, values, n, stages);
         default:
-            return searchTree<3>(plan, values, n, stages);
+            return searchTree<3, keepValues>(plan, values, n, stages);
     }
 }
 #endif
@@ -150,8 +155,10 @@ HWY_INLINE void searchRegisters(const PlanData& plan, const float* values, int n
 /// Finds the sections of all lanes.
 HWY_INLINE void findSections(const PlanData& plan, const float* values, int n, BlockStages* stages) {
 #if HWY_TARGET != HWY_SSE4
-    if (plan.search != SearchMode::Buckets)
-        return searchRegisters(plan, values, n, stages);
+    if (plan.search != SearchMode::Buckets) {
+        return plan.intervals == IntervalMode::None ? searchRegisters<false>(plan, values, n, stages)
+                                                    : searchRegisters<true>(plan, values, n, stages);
+    }
 #endif
     searchBuckets(plan, values, n, stages);
 }

@@ -45,39 +45,45 @@ struct Coloring {
 };
 
 /// The scalar path's colours in the same kind of memory; the failing entry stays as it was, as a plan leaves it.
-std::vector<float> scalarResult(const plain::Table& table, const std::vector<float>& values, int64_t* failing) {
-    std::vector<float> out(values.size() * 4, guard);
-    Failure failure;
-    *failing = -1;
-    if (!scalarColors(table.view(), int64_t(values.size()), values.data(), out.data(), &failure)) {
-        *failing = failure.entry;
-        std::fill_n(out.data() + 4 * failure.entry, 4, guard);
-    }
-    return out;
-}
+struct Expected {
+    std::vector<float> colors;
+    int64_t failing = -1;
 
-::testing::AssertionResult equalToScalar(const plain::Table& table, const std::vector<float>& values,
-                                         KernelTarget target, size_t shift = 0) {
-    int64_t failing;
-    const std::vector<float> want = scalarResult(table, values, &failing);
+    Expected(const plain::Table& table, const std::vector<float>& values) : colors(values.size() * 4, guard) {
+        Failure failure;
+        if (!scalarColors(table.view(), int64_t(values.size()), values.data(), colors.data(), &failure)) {
+            failing = failure.entry;
+            std::fill_n(colors.data() + 4 * failing, 4, guard);
+        }
+    }
+};
+
+::testing::AssertionResult colorsAs(const Expected& want, const plain::Table& table, const std::vector<float>& values,
+                                    KernelTarget target, size_t shift = 0) {
     ColorPlan plan;
     if (!plan.buildFor(target, table.view()))
         return ::testing::AssertionFailure() << "no plan";
     const Coloring run(plan, values.data(), int64_t(values.size()), shift);
     const char* name = kernelTargetName(target);
-    if (run.failing != failing)
-        return ::testing::AssertionFailure() << name << ": failing entry " << run.failing << " instead of " << failing;
-    if (run.out[-1] != guard || run.out[want.size()] != guard)
+    if (run.failing != want.failing)
+        return ::testing::AssertionFailure()
+               << name << ": failing entry " << run.failing << " instead of " << want.failing;
+    if (run.out[-1] != guard || run.out[want.colors.size()] != guard)
         return ::testing::AssertionFailure() << name << ": wrote outside";
-    if (std::memcmp(run.out, want.data(), want.size() * sizeof(float)) == 0)
+    if (std::memcmp(run.out, want.colors.data(), want.colors.size() * sizeof(float)) == 0)
         return ::testing::AssertionSuccess();
     size_t at = 0;
-    while (plain::bitsOf(run.out[at]) == plain::bitsOf(want[at]))
+    while (plain::bitsOf(run.out[at]) == plain::bitsOf(want.colors[at]))
         ++at;
     return ::testing::AssertionFailure() << name << ": value " << values[at / 4] << " (entry " << at / 4 << " of "
                                          << values.size() << "), channel " << at % 4 << ": " << run.out[at] << " ("
-                                         << std::hex << plain::bitsOf(run.out[at]) << ") instead of " << want[at]
-                                         << " (" << plain::bitsOf(want[at]) << ')';
+                                         << std::hex << plain::bitsOf(run.out[at]) << ") instead of " << want.colors[at]
+                                         << " (" << plain::bitsOf(want.colors[at]) << ')';
+}
+
+::testing::AssertionResult equalToScalar(const plain::Table& table, const std::vector<float>& values,
+                                         KernelTarget target, size_t shift = 0) {
+    return colorsAs(Expected(table, values), table, values, target, shift);
 }
 
 /// Sections of one type each between constant ends.
@@ -137,8 +143,7 @@ TEST(ColorPlan, random_tables_that_may_fail_equal_the_scalar_path_in_every_effec
         for (const KernelTarget target : targets()) {
             while (true) {
                 ASSERT_TRUE(equalToScalar(t, values, target, random.below(16))) << round;
-                int64_t failing;
-                scalarResult(t, values, &failing);
+                const int64_t failing = Expected(t, values).failing;
                 if (failing < 0)
                     break;
                 values.erase(values.begin() + failing);
@@ -225,22 +230,44 @@ TEST(ColorPlan, every_count_and_every_alignment_equals_the_scalar_path) {
     }
 }
 
-TEST(ColorPlan, large_outputs_equal_the_scalar_path_at_every_alignment) {
+TEST(ColorPlan, outputs_larger_than_the_caches_equal_the_scalar_path_at_every_alignment) {
     plain::Random random(41);
-    plain::Table t = plain::rainbowTable();
+    const plain::Table t = plain::rainbowTable();
     plain::Table failing = t;
     failing.sections[2].rule = Rule::None;
-    std::vector<float> values(150000 + 13);
+    std::vector<float> values((1 << 20) + 10013);  // 16 MiB of colours and some
     for (float& v : values)
         v = random.in(-2, 2);
     std::vector<float> mostlyGood = values;
     for (float& v : mostlyGood)
         v = std::min(v, 1.0f);
     mostlyGood[777] = 2.0f;
+    const Expected want(t, values);
+    const Expected wantFailing(failing, mostlyGood);
+    EXPECT_EQ(wantFailing.failing, 777);
     for (const KernelTarget target : targets()) {
-        for (const size_t shift : {0, 1, 4, 7, 8, 12}) {
-            EXPECT_TRUE(equalToScalar(t, values, target, shift)) << shift;
-            EXPECT_TRUE(equalToScalar(failing, mostlyGood, target, shift)) << shift;
+        for (const size_t shift : {0, 1, 4, 8, 12}) {
+            EXPECT_TRUE(colorsAs(want, t, values, target, shift)) << shift;
+            EXPECT_TRUE(colorsAs(wantFailing, failing, mostlyGood, target, shift)) << shift;
+        }
+    }
+}
+
+TEST(ColorPlan, any_number_of_failing_sections_apart_from_each_other_fails_as_the_scalar_path_does) {
+    plain::Random random(67);
+    for (size_t failing = 1; failing <= 12; ++failing) {
+        plain::Table t;
+        for (size_t k = 0; k < 2 * failing + 2; ++k)
+            t.positions.push_back(float(k));
+        for (size_t k = 0; k <= t.positions.size(); ++k)
+            t.sections.push_back(plain::analyticSection(k % 2 == 1 && k < 2 * failing ? Rule::None : Rule::HueCycle));
+        for (int round = 0; round < 20; ++round) {
+            std::vector<float> values(400);
+            for (float& v : values)
+                v = float(2 * random.below(uint32_t(failing) + 2)) - random.in(0.05f, 0.95f);
+            values[random.below(400)] = float(2 * random.below(uint32_t(failing))) + 0.5f;
+            for (const KernelTarget target : targets())
+                ASSERT_TRUE(equalToScalar(t, values, target)) << failing;
         }
     }
 }
@@ -330,11 +357,10 @@ TEST(ColorPlan, a_plan_can_be_built_again_for_another_table) {
         const plain::Table t = random.table(boundaries, false);
         ASSERT_TRUE(plan.build(t.view()));
         const std::vector<float> values = plain::interestingValues(t, &random, 100);
-        int64_t failing;
-        const std::vector<float> want = scalarResult(t, values, &failing);
+        const Expected want(t, values);
         const Coloring run(plan, values.data(), int64_t(values.size()));
-        EXPECT_EQ(run.failing, failing);
-        EXPECT_EQ(std::memcmp(run.out, want.data(), want.size() * sizeof(float)), 0);
+        EXPECT_EQ(run.failing, want.failing);
+        EXPECT_EQ(std::memcmp(run.out, want.colors.data(), want.colors.size() * sizeof(float)), 0);
     }
 }
 
@@ -345,9 +371,8 @@ TEST(ColorPlan, many_threads_colour_parts_of_one_array_with_one_plan) {
     std::vector<float> values(16 * 5003);
     for (float& v : values)
         v = random.in(t.positions.front(), t.positions.back());
-    int64_t failing;
-    const std::vector<float> want = scalarResult(t, values, &failing);
-    ASSERT_EQ(failing, -1);
+    const Expected want(t, values);
+    ASSERT_EQ(want.failing, -1);
     for (const KernelTarget target : targets()) {
         ColorPlan plan;
         ASSERT_TRUE(plan.buildFor(target, t.view()));
@@ -357,7 +382,7 @@ TEST(ColorPlan, many_threads_colour_parts_of_one_array_with_one_plan) {
             threads.emplace_back([&, part] { plan.colorize(5003, &values[part * 5003], &out[part * 5003 * 4]); });
         for (std::thread& thread : threads)
             thread.join();
-        EXPECT_EQ(std::memcmp(out.data(), want.data(), out.size() * sizeof(float)), 0);
+        EXPECT_EQ(std::memcmp(out.data(), want.colors.data(), out.size() * sizeof(float)), 0);
     }
 }
 
