@@ -1,6 +1,7 @@
 #include <colortable/model/eval/ColorPlan.h>
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <thread>
 
@@ -85,6 +86,29 @@ struct Expected {
                                          KernelTarget target, size_t shift = 0) {
     return colorsAs(Expected(table, values), table, values, target, shift);
 }
+
+/// An array that lies against an unreadable page, with its first or its last entry.
+class GuardedArray {
+public:
+    GuardedArray(size_t count, bool atEnd) {
+        const size_t bytes = (count * sizeof(float) + page - 1) / page * page;
+        size_ = bytes + 2 * page;
+        memory_ = static_cast<char*>(mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        EXPECT_EQ(mprotect(memory_ + page, bytes, PROT_READ | PROT_WRITE), 0);
+        data_ = reinterpret_cast<float*>(memory_ + page + (atEnd ? bytes - count * sizeof(float) : 0));
+    }
+    ~GuardedArray() { munmap(memory_, size_); }
+    GuardedArray(const GuardedArray&) = delete;
+    GuardedArray& operator=(const GuardedArray&) = delete;
+
+    float* data() const { return data_; }
+
+private:
+    static constexpr size_t page = 4096;
+    char* memory_;
+    size_t size_;
+    float* data_;
+};
 
 /// Sections of one type each between constant ends.
 plain::Table wholeOf(Rule rule) {
@@ -249,6 +273,23 @@ TEST(ColorPlan, outputs_larger_than_the_caches_equal_the_scalar_path_at_every_al
         for (const size_t shift : {0, 1, 4, 8, 12}) {
             EXPECT_TRUE(colorsAs(want, t, values, target, shift)) << shift;
             EXPECT_TRUE(colorsAs(wantFailing, failing, mostlyGood, target, shift)) << shift;
+        }
+    }
+}
+
+TEST(ColorPlan, no_page_around_the_arrays_is_touched) {
+    const plain::Table t = plain::rainbowTable();
+    for (const KernelTarget target : targets()) {
+        ColorPlan plan;
+        ASSERT_TRUE(plan.buildFor(target, t.view()));
+        for (size_t count = 1; count < 300; ++count) {
+            for (const bool atEnd : {false, true}) {
+                const GuardedArray values(count, atEnd);
+                const GuardedArray out(count * 4, atEnd);
+                std::fill_n(values.data(), count, 0.5f);
+                EXPECT_EQ(plan.colorize(int64_t(count), values.data(), out.data()), -1);
+                EXPECT_EQ(out.data()[count * 4 - 1], 1.0f);
+            }
         }
     }
 }
