@@ -37,7 +37,9 @@ GuiSession::Environment::Environment() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
-GuiSession::~GuiSession() { LyqTranslations::remove(); }
+GuiSession::~GuiSession() {
+    LyqTranslations::remove();
+}
 
 GuiSession::GuiSession(const std::string& localeName) : mApplication(mArgumentCount, mArguments) {
     const QLocale locale = localeOf(localeName);

@@ -6,8 +6,8 @@
 
 namespace lys::cli {
 
-/** The toolkit's fonts and painters for a program without a display. Numbers and texts follow the given locale, the C locale
- *  for an empty name. One at a time, made before anything is measured or painted. */
+/** The toolkit's fonts and painters for a program without a display. Numbers and texts follow the given locale, the C
+ * locale for an empty name. One at a time, made before anything is measured or painted. */
 class GuiSession {
 public:
     /** Throws Failure (Unusable) for a locale that is not known. */

@@ -60,8 +60,8 @@ QSize parseSize(const std::string& text) {
     }
     const bool inRange = numbers[0] >= 1 && numbers[0] <= LARGEST_SIDE && numbers[1] >= 1 && numbers[1] <= LARGEST_SIDE;
     if (!inRange || numbers[0] * numbers[1] > LARGEST_AREA) {
-        throwUnusable("--size " + text + ": give WIDTHxHEIGHT in pixels, each from 1 to " + std::to_string(LARGEST_SIDE) +
-                      ", together at most " + std::to_string(LARGEST_AREA) + " pixels");
+        throwUnusable("--size " + text + ": give WIDTHxHEIGHT in pixels, each from 1 to " +
+                      std::to_string(LARGEST_SIDE) + ", together at most " + std::to_string(LARGEST_AREA) + " pixels");
     }
     return QSize(static_cast<int>(numbers[0]), static_cast<int>(numbers[1]));
 }
@@ -125,13 +125,17 @@ void runLegend(const LegendOptions& options) {
 void addLegendCommand(CLI::App& program) {
     const auto options = std::make_shared<LegendOptions>();
     CLI::App* command = program.add_subcommand("legend", "Paint the colour bar legend of a table");
-    command->add_option("--table", options->table, "The table: a file, else the name of a preset")->required()->type_name("TABLE");
-    command->add_option("--settings", options->settings, "File of render settings; without it their defaults")->type_name("FILE");
+    command->add_option("--table", options->table, "The table: a file, else the name of a preset")
+        ->required()
+        ->type_name("TABLE");
+    command->add_option("--settings", options->settings, "File of render settings; without it their defaults")
+        ->type_name("FILE");
     command->add_option("--set", options->replacements, "Replaces one property of the settings, e.g. Position=Bottom")
         ->type_name("NAME=VALUE")
         ->allow_extra_args(false);
     command->add_option("--size", options->size, "Size of the picture in pixels")->required()->type_name("WxH");
-    command->add_option("--dpi", options->dotsPerInch, "Dots per inch that lengths and fonts are scaled to (96)")->type_name("D");
+    command->add_option("--dpi", options->dotsPerInch, "Dots per inch that lengths and fonts are scaled to (96)")
+        ->type_name("D");
     command->add_option("--unit", options->unit, "Unit of the labels, e.g. mm or in")->type_name("UNIT");
     command->add_option("--locale", options->locale, "Locale of the numbers, e.g. de_DE (C)")->type_name("L");
     command->add_option("-o", options->output, "The picture: .png, .svg or .pdf")->type_name("FILE");

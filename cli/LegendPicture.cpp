@@ -20,15 +20,22 @@ namespace lys::cli {
 
 namespace {
 
-std::array<std::int64_t, 4> numbersOf(const QRect& rect) { return {rect.x(), rect.y(), rect.width(), rect.height()}; }
+std::array<std::int64_t, 4> numbersOf(const QRect& rect) {
+    return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
 
-std::array<std::int64_t, 2> numbersOf(const QSize& size) { return {size.width(), size.height()}; }
+std::array<std::int64_t, 2> numbersOf(const QSize& size) {
+    return {size.width(), size.height()};
+}
 
-[[noreturn]] void throwUnpaintable() { throwFailed("the picture could not be made; there is not enough memory"); }
+[[noreturn]] void throwUnpaintable() {
+    throwFailed("the picture could not be made; there is not enough memory");
+}
 
 }  // namespace
 
-LegendPicture::LegendPicture(const LyrObjectPtr& table, const LyrObjectPtr& settings, const QSize& size, float dotsPerInch)
+LegendPicture::LegendPicture(const LyrObjectPtr& table, const LyrObjectPtr& settings, const QSize& size,
+                             float dotsPerInch)
     : mTable(table),
       mConverter(Lyr::Length),
       mReading(lys::legend::read(table.get(), settings.get(), mConverter, size, dotsPerInch)),

@@ -18,8 +18,8 @@ public:
     /** The layout as JSON: rectangles, labels and size hints. */
     std::string toJson() const;
 
-    /** The picture on opaque white in the format that a file name's ending names (.png, .svg, .pdf). Throws Failure: Unusable
-     *  for another ending, Failed when it cannot be made. */
+    /** The picture on opaque white in the format that a file name's ending names (.png, .svg, .pdf). Throws Failure:
+     * Unusable for another ending, Failed when it cannot be made. */
     QByteArray encode(const std::string& path) const;
 
 private:

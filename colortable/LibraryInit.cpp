@@ -80,7 +80,9 @@ LYQCOLORTABLE::LibraryInit sInstance;
 
 namespace LYQCOLORTABLE {
 
-LibraryInit::LibraryInit() : mUseCount(0) { __lyqcolortable_enum_init(); }
+LibraryInit::LibraryInit() : mUseCount(0) {
+    __lyqcolortable_enum_init();
+}
 
 LibraryInit::~LibraryInit() {
     mGuarded.clear();
@@ -90,9 +92,13 @@ LibraryInit::~LibraryInit() {
     }
 }
 
-void LibraryInit::init() { sInstance._init(); }
+void LibraryInit::init() {
+    sInstance._init();
+}
 
-void LibraryInit::cleanup() { sInstance._cleanup(); }
+void LibraryInit::cleanup() {
+    sInstance._cleanup();
+}
 
 void LibraryInit::_init() {
     if (++mUseCount != 1) {

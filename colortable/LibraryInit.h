@@ -10,9 +10,9 @@
 
 namespace LYQCOLORTABLE {
 
-/** Brings the library to life inside a host. Loading the library registers its identifiers and classes; init(), called once
- *  by each user of the library, installs what it contributes to the whole application, and cleanup() takes it back with the
- *  last user. */
+/** Brings the library to life inside a host. Loading the library registers its identifiers and classes; init(), called
+ * once by each user of the library, installs what it contributes to the whole application, and cleanup() takes it back
+ * with the last user. */
 class LYS_COLORTABLE_EXPORT LibraryInit {
 public:
     LibraryInit();

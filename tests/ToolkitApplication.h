@@ -2,8 +2,8 @@
 
 #include <QApplication>
 
-/** The toolkit's application object for tests: one for the whole process, made by the first that needs it. A base class, to
- *  stand before widgets that are members. */
+/** The toolkit's application object for tests: one for the whole process, made by the first that needs it. A base
+ * class, to stand before widgets that are members. */
 struct ToolkitApplication {
     ToolkitApplication() {
         static int count = 1;

@@ -19,7 +19,9 @@ constexpr double COLUMN_RESERVE = 1.05;
 /** Coordinates beyond this lie outside of every picture; up to it a float is exact. */
 constexpr float LARGEST_COORDINATE = 16777216.0f;
 
-int scaled(const Input& input, int length) { return LyqScaling::getScaledPixelip(input.dotsPerInch, length); }
+int scaled(const Input& input, int length) {
+    return LyqScaling::getScaledPixelip(input.dotsPerInch, length);
+}
 
 bool hasRange(const Input& input) {
     if (input.positions.size() < 2) {
@@ -31,7 +33,8 @@ bool hasRange(const Input& input) {
 }
 
 int truncated(float coordinate) {
-    return std::isnan(coordinate) ? 0 : static_cast<int>(std::clamp(coordinate, -LARGEST_COORDINATE, LARGEST_COORDINATE));
+    return std::isnan(coordinate) ? 0
+                                  : static_cast<int>(std::clamp(coordinate, -LARGEST_COORDINATE, LARGEST_COORDINATE));
 }
 
 std::vector<float> automaticValues(const Input& input, int available, int labelLength) {
@@ -105,11 +108,14 @@ void layOutVertical(const Input& input, const TextMeasure& measure, Layout& layo
     }
 }
 
-void centre(const Input& input, QRect& rect) { rect.moveLeft(std::max((input.size.width() - rect.width()) / 2, 0)); }
+void centre(const Input& input, QRect& rect) {
+    rect.moveLeft(std::max((input.size.width() - rect.width()) / 2, 0));
+}
 
 void layOutHorizontal(const Input& input, const TextMeasure& measure, Layout& layout) {
     if (!input.positions.empty()) {
-        measureLabels({input.positions.front(), input.positions.back()}, measure, &layout.widestLabel, &layout.tallestLabel);
+        measureLabels({input.positions.front(), input.positions.back()}, measure, &layout.widestLabel,
+                      &layout.tallestLabel);
     }
     layout.extensionLength = scaled(input, EXTENSION_LENGTH);
     const int gap = scaled(input, 3);

@@ -44,8 +44,8 @@ LyrString resolveUnit(const LyrString&, const LyrObject* object) {
 }
 
 bool add(const char* key, const char* name, ApplicationPlaceholders::Resolver resolver) {
-    return ApplicationPlaceholders::add(LyrString::fromUtf8(key), LyrI18n::translate(CONTEXT, name), LyrString(), resolver,
-                                        LYS_COLORTABLE_MODULE);
+    return ApplicationPlaceholders::add(LyrString::fromUtf8(key), LyrI18n::translate(CONTEXT, name), LyrString(),
+                                        resolver, LYS_COLORTABLE_MODULE);
 }
 
 }  // namespace

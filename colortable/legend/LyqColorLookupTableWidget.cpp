@@ -24,10 +24,13 @@ namespace {
 using Section = LyrColorLookupTable::Section;
 
 const Section* asSection(const LyrObject* object) {
-    return object && object->getMetaClass().isOfType(Section::metaClass()) ? static_cast<const Section*>(object) : nullptr;
+    return object && object->getMetaClass().isOfType(Section::metaClass()) ? static_cast<const Section*>(object)
+                                                                           : nullptr;
 }
 
-bool isLater(const LyrObject* object, LyrTimestamp time) { return object && object->getModificationTimestamp() > time; }
+bool isLater(const LyrObject* object, LyrTimestamp time) {
+    return object && object->getModificationTimestamp() > time;
+}
 
 bool isAnySectionLater(const LyrObject* table, LyrTimestamp time) {
     const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> sections(table, Lyr::SectionList);
@@ -48,7 +51,9 @@ bool isAnySectionLater(const LyrObject* table, LyrTimestamp time) {
 
 struct LyqColorLookupTableWidget::Private {
     explicit Private(LyrIOC* listener)
-        : unitSource(listener, &LyqApplication::instance().displayUnits()), colorTable(listener), renderSettings(listener) {}
+        : unitSource(listener, &LyqApplication::instance().displayUnits()),
+          colorTable(listener),
+          renderSettings(listener) {}
 
     LyrObjectIOCPtr unitSource;
     LyrObjectIOCPtr colorTable;
@@ -95,9 +100,13 @@ void LyqColorLookupTableWidget::setDotsPerInch(float dotsPerInch) {
     }
 }
 
-float LyqColorLookupTableWidget::getDotsPerInch() const { return d->dotsPerInch; }
+float LyqColorLookupTableWidget::getDotsPerInch() const {
+    return d->dotsPerInch;
+}
 
-void LyqColorLookupTableWidget::stamp() { d->lastUpdate = LyrTimestamp(); }
+void LyqColorLookupTableWidget::stamp() {
+    d->lastUpdate = LyrTimestamp();
+}
 
 void LyqColorLookupTableWidget::invalidate() {
     stamp();
@@ -161,7 +170,8 @@ void LyqColorLookupTableWidget::doSync() {
         return;
     }
     QPainter painter(&d->pixmap);
-    lys::legend::paint(painter, d->reading, d->layout, lys::legend::measureOf(d->reading.style, table, d->converter), table);
+    lys::legend::paint(painter, d->reading, d->layout, lys::legend::measureOf(d->reading.style, table, d->converter),
+                       table);
 }
 
 void LyqColorLookupTableWidget::paintEvent(QPaintEvent*) {
@@ -200,15 +210,17 @@ bool LyqColorLookupTableWidget::iocCallback(Message& message) {
     return LyrIOC::iocCallback(message);
 }
 
-void LyqColorLookupTableWidget::unitChangedSlot() { invalidate(); }
+void LyqColorLookupTableWidget::unitChangedSlot() {
+    invalidate();
+}
 
 void LyqColorLookupTableWidget::renderText(QPainter& painter, int x, int y, const QString& text, bool outline,
                                            const QPen& textPen, const QPen& outlinePen) {
     lys::legend::paintText(painter, QPoint(x, y), text, textStyle(painter, outline, textPen, outlinePen));
 }
 
-void LyqColorLookupTableWidget::renderText(QPainter& painter, const QRect& rect, int flags, const QString& text, bool outline,
-                                           const QPen& textPen, const QPen& outlinePen) {
+void LyqColorLookupTableWidget::renderText(QPainter& painter, const QRect& rect, int flags, const QString& text,
+                                           bool outline, const QPen& textPen, const QPen& outlinePen) {
     lys::legend::paintText(painter, rect, flags, text, textStyle(painter, outline, textPen, outlinePen));
 }
 
@@ -274,4 +286,6 @@ QFont LyqColorLookupTableWidget::getScaledFont() const {
     return d->reading.style.font;
 }
 
-QFontMetrics LyqColorLookupTableWidget::getScaledFontMetrics() const { return QFontMetrics(getScaledFont()); }
+QFontMetrics LyqColorLookupTableWidget::getScaledFontMetrics() const {
+    return QFontMetrics(getScaledFont());
+}

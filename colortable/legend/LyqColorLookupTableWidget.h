@@ -18,14 +18,15 @@ namespace lys::legend {
 struct Style;
 }
 
-/** Shows the colour bar legend of one table in the way that one render settings object says: a box for each section, boxes
- *  beyond the ends of the range, labels and a caption.
+/** Shows the colour bar legend of one table in the way that one render settings object says: a box for each section,
+ * boxes beyond the ends of the range, labels and a caption.
  *
- *  It paints into a pixmap that is made anew only when something changed, and copies that to the screen. A caption that stands
- *  last (labels on top of a horizontal bar) has its baseline on the lower edge of the widget at its size hint: descenders show
- *  where there is room below.
+ *  It paints into a pixmap that is made anew only when something changed, and copies that to the screen. A caption that
+ * stands last (labels on top of a horizontal bar) has its baseline on the lower edge of the widget at its size hint:
+ * descenders show where there is room below.
  *
- *  Without render settings: a vertical bar 24 pixels thick, black text with a white outline in the application's font. */
+ *  Without render settings: a vertical bar 24 pixels thick, black text with a white outline in the application's font.
+ */
 class LYS_COLORTABLE_EXPORT LyqColorLookupTableWidget : public QFrame, public LyrIOC {
     Q_OBJECT
 
@@ -42,8 +43,8 @@ public:
 
     /** Marks the picture out of date and schedules a repaint. */
     void invalidate();
-    /** Whether the picture is out of date: marked so, or the enabled state, table, one of its sections or the settings changed
-     *  after the last update. */
+    /** Whether the picture is out of date: marked so, or the enabled state, table, one of its sections or the settings
+     * changed after the last update. */
     bool needsUpdate() const;
 
     QSize sizeHint() const override;
@@ -53,8 +54,8 @@ public:
     void renderText(QPainter& painter, int x, int y, const QString& text, bool outline, const QPen& textPen,
                     const QPen& outlinePen);
     /** Draws a text in a rectangle with the toolkit's alignment flags. */
-    void renderText(QPainter& painter, const QRect& rect, int flags, const QString& text, bool outline, const QPen& textPen,
-                    const QPen& outlinePen);
+    void renderText(QPainter& painter, const QRect& rect, int flags, const QString& text, bool outline,
+                    const QPen& textPen, const QPen& outlinePen);
 
     /** A picture of one section along the bar. */
     QImage createSectionImage(int width, int height, const LyrObject* section, const LyrObject* previous,
@@ -93,7 +94,8 @@ private:
     void updateData() const;
     void updateIfNeeded() const;
     bool isKeyed() const;
-    lys::legend::Style textStyle(const QPainter& painter, bool outline, const QPen& textPen, const QPen& outlinePen) const;
+    lys::legend::Style textStyle(const QPainter& painter, bool outline, const QPen& textPen,
+                                 const QPen& outlinePen) const;
 
     std::unique_ptr<Private> d;
 };

@@ -23,7 +23,9 @@ constexpr unsigned int COMPUTED_CAPTION_FLAG = 0x400000;
 /** Family, 10 points, no pixel size, style hint 5 (any), weight 50 (normal), no italics, lines or fixed pitch. */
 constexpr const char* DEFAULT_FONT = "Arial,10,-1,5,50,0,0,0,0,0";
 
-Lyrenum descriptionTemplateId() { return Lyrenum("DescriptionTemplate", true); }
+Lyrenum descriptionTemplateId() {
+    return Lyrenum("DescriptionTemplate", true);
+}
 
 /** A property whose default is a constant of its own: the default is written, the base's reset is the fallback. */
 template <class Base, class Default>
@@ -86,8 +88,9 @@ struct LyrColorLookupTableRenderSettings::Private : LyrPrivatePart {
     class InternalDescriptionAttr : public DefaultedAttr<StringOP, EmptyText> {};
     class RenderingAttr : public DefaultedAttr<LyrBooleanOP, True> {};
 
-    /** Gives an object its `Description`: the template expanded, anew on every read, because the objects that placeholders
-     *  read may change without a word. A change of the template is told as a change of the description as well. */
+    /** Gives an object its `Description`: the template expanded, anew on every read, because the objects that
+     * placeholders read may change without a word. A change of the template is told as a change of the description as
+     * well. */
     class DescriptionFromTemplateProxyExtension : public LyrReadOnlyProxyExtensionIF<const char*> {
     public:
         ~DescriptionFromTemplateProxyExtension() override { detach(); }
@@ -178,12 +181,13 @@ struct LyrColorLookupTableRenderSettings::Private : LyrPrivatePart {
 
     /** Copies the values in the order of the members. */
     bool copyValues(const Private& other) {
-        LyrProperty* const to[] = {&color,    &outlineColor, &font,         &hasOutline,    &thickness,           &size,
-                                   &position, &alignment,    &textPosition, &textAlignment, &internalDescription, &rendering};
-        const LyrProperty* const from[] = {
-            &other.color,    &other.outlineColor, &other.font,         &other.hasOutline,    &other.thickness,
-            &other.size,     &other.position,     &other.alignment,    &other.textPosition,  &other.textAlignment,
-            &other.internalDescription, &other.rendering};
+        LyrProperty* const to[] = {
+            &color,    &outlineColor, &font,         &hasOutline,    &thickness,           &size,
+            &position, &alignment,    &textPosition, &textAlignment, &internalDescription, &rendering};
+        const LyrProperty* const from[] = {&other.color,         &other.outlineColor,        &other.font,
+                                           &other.hasOutline,    &other.thickness,           &other.size,
+                                           &other.position,      &other.alignment,           &other.textPosition,
+                                           &other.textAlignment, &other.internalDescription, &other.rendering};
         bool done = true;
         for (std::size_t i = 0; i < std::size(to); ++i) {
             done = to[i]->copyValueFrom(*from[i]) && done;
@@ -206,7 +210,9 @@ struct LyrColorLookupTableRenderSettings::Private : LyrPrivatePart {
     DescriptionFromTemplateProxyExtension description;
 };
 
-LyrColorLookupTableRenderSettings::LyrColorLookupTableRenderSettings() { build(); }
+LyrColorLookupTableRenderSettings::LyrColorLookupTableRenderSettings() {
+    build();
+}
 
 LyrColorLookupTableRenderSettings::LyrColorLookupTableRenderSettings(const LyrColorLookupTableRenderSettings& other)
     : LyrObject(other) {
@@ -239,7 +245,9 @@ const LyrMetaClass& LyrColorLookupTableRenderSettings::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyrColorLookupTableRenderSettings::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrColorLookupTableRenderSettings::getMetaClass() const {
+    return metaClass();
+}
 
 bool LyrColorLookupTableRenderSettings::copyFrom(const LyrObject& other) {
     if (this == &other) {

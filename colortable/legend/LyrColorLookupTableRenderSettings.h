@@ -5,10 +5,10 @@
 
 #include <memory>
 
-/** The appearance of a colour bar legend: side and place in the view, thickness, stretch, font, colours and caption, one
- *  property each. The caption is kept as a template (`DescriptionTemplate`) and shown expanded by the read-only property
- *  `Description`. Text position and alignment keep `Lyr::Left`/`Lyr::Right`, the bar's alignment `Lyr::Bottom`/`Lyr::Top`,
- *  whatever the orientation: only their reading turns with the bar. */
+/** The appearance of a colour bar legend: side and place in the view, thickness, stretch, font, colours and caption,
+ * one property each. The caption is kept as a template (`DescriptionTemplate`) and shown expanded by the read-only
+ * property `Description`. Text position and alignment keep `Lyr::Left`/`Lyr::Right`, the bar's alignment
+ * `Lyr::Bottom`/`Lyr::Top`, whatever the orientation: only their reading turns with the bar. */
 class LYS_COLORTABLE_EXPORT LyrColorLookupTableRenderSettings : public LyrObject {
 public:
     LyrColorLookupTableRenderSettings();

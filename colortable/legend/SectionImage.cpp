@@ -15,7 +15,9 @@ int toByte(float channel) {
     return scaled >= 255.0f ? 255 : scaled > 0.0f ? static_cast<int>(scaled) : 0;
 }
 
-float channelOverWhite(float channel, float alpha) { return channel * alpha + 1.0f - alpha; }
+float channelOverWhite(float channel, float alpha) {
+    return channel * alpha + 1.0f - alpha;
+}
 
 /** A rectangle of one colour in a picture of a section. */
 struct Patch {
@@ -28,7 +30,8 @@ struct Split {
     QRect black;
 };
 
-/** The two halves of the lines `from` to `to` (indices along the axis) of a picture. An odd line goes to the half over black. */
+/** The two halves of the lines `from` to `to` (indices along the axis) of a picture. An odd line goes to the half over
+ * black. */
 Split splitLines(const QRect& rect, Halves halves, int from, int to) {
     const int count = to - from + 1;
     if (halves == Halves::LeftOverWhite) {
@@ -64,7 +67,9 @@ std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vect
     return patches;
 }
 
-int lengthOf(const QSize& size, Halves halves) { return halves == Halves::LeftOverWhite ? size.height() : size.width(); }
+int lengthOf(const QSize& size, Halves halves) {
+    return halves == Halves::LeftOverWhite ? size.height() : size.width();
+}
 
 }  // namespace
 
@@ -77,10 +82,14 @@ QRgb overBlack(const LyrRGBA<float>& color) {
     return qRgb(toByte(color.red * color.alpha), toByte(color.green * color.alpha), toByte(color.blue * color.alpha));
 }
 
-QRgb opaque(const LyrRGBA<float>& color) { return qRgb(toByte(color.red), toByte(color.green), toByte(color.blue)); }
+QRgb opaque(const LyrRGBA<float>& color) {
+    return qRgb(toByte(color.red), toByte(color.green), toByte(color.blue));
+}
 
-std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, const Section* previous, const Section* next) {
-    std::vector<LyrRGBA<float>> colors(static_cast<std::size_t>(std::max(length, 0)), LyrRGBA<float>(0.0f, 0.0f, 0.0f, 0.0f));
+std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, const Section* previous,
+                                          const Section* next) {
+    std::vector<LyrRGBA<float>> colors(static_cast<std::size_t>(std::max(length, 0)),
+                                       LyrRGBA<float>(0.0f, 0.0f, 0.0f, 0.0f));
     const LyrValuePair<float> range{0.0f, static_cast<float>(length - 1)};
     for (int i = 0; i < length; ++i) {
         section.getColor(range, static_cast<float>(i), colors[static_cast<std::size_t>(i)], previous, next);
@@ -88,7 +97,8 @@ std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, co
     return colors;
 }
 
-QImage sectionImage(const QSize& size, Halves halves, const Section& section, const Section* previous, const Section* next) {
+QImage sectionImage(const QSize& size, Halves halves, const Section& section, const Section* previous,
+                    const Section* next) {
     if (size.isEmpty()) {
         return {};
     }
@@ -96,7 +106,8 @@ QImage sectionImage(const QSize& size, Halves halves, const Section& section, co
     if (image.isNull()) {
         return image;
     }
-    for (const Patch& patch : makePatches(image.rect(), halves, sampleSection(lengthOf(size, halves), section, previous, next))) {
+    for (const Patch& patch :
+         makePatches(image.rect(), halves, sampleSection(lengthOf(size, halves), section, previous, next))) {
         for (int y = patch.rect.top(); y <= patch.rect.bottom(); ++y) {
             auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
             std::fill(line + patch.rect.left(), line + patch.rect.right() + 1, patch.color);

@@ -26,7 +26,8 @@ LYS_COLORTABLE_EXPORT QRgb overBlack(const LyrRGBA<float>& color);
 /** A colour of the toolkit: red, green and blue times 255, truncated. */
 LYS_COLORTABLE_EXPORT QRgb opaque(const LyrRGBA<float>& color);
 
-/** The section's colours at the pixels 0 to length - 1 of the interval (0, length - 1); transparent black where it has none. */
+/** The section's colours at the pixels 0 to length - 1 of the interval (0, length - 1); transparent black where it has
+ * none. */
 LYS_COLORTABLE_EXPORT std::vector<LyrRGBA<float>> sampleSection(int length, const LyrColorLookupTable::Section& section,
                                                                 const LyrColorLookupTable::Section* previous,
                                                                 const LyrColorLookupTable::Section* next);

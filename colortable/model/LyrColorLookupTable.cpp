@@ -195,7 +195,7 @@ bool LyrColorLookupTable::getColors(long long count, const float* values, LyrRGB
 }
 
 bool LyrColorLookupTable::copyFrom(const LyrObject& other) {
-    return d && LyrObject::copyFrom(other);
+    return d ? LyrObject::copyFrom(other) : failCopy();
 }
 
 // The table's own news goes first, the section's message follows on its way to the owners.

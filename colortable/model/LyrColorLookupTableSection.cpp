@@ -69,11 +69,8 @@ struct LyrColorLookupTable::Section::Private : LyrPrivatePart {
             Lyrenum id;
             LyrProperty* property;
         } properties[] = {
-            {Lyr::Type, &type},
-            {Lyr::PointListRed, &red},
-            {Lyr::PointListGreen, &green},
-            {Lyr::PointListBlue, &blue},
-            {Lyr::PointListAlpha, &alpha},
+            {Lyr::Type, &type},          {Lyr::PointListRed, &red},     {Lyr::PointListGreen, &green},
+            {Lyr::PointListBlue, &blue}, {Lyr::PointListAlpha, &alpha},
         };
         bool done = true;
         for (const auto& entry : properties) {
@@ -91,7 +88,9 @@ struct LyrColorLookupTable::Section::Private : LyrPrivatePart {
     PointListAlphaAttr alpha;
 };
 
-LyrColorLookupTable::Section::Section() { build(); }
+LyrColorLookupTable::Section::Section() {
+    build();
+}
 
 LyrColorLookupTable::Section::Section(const Section& other) : LyrObject(other) {
     build();
@@ -118,7 +117,9 @@ const LyrMetaClass& LyrColorLookupTable::Section::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyrColorLookupTable::Section::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrColorLookupTable::Section::getMetaClass() const {
+    return metaClass();
+}
 
 lys::eval::SectionData LyrColorLookupTable::Section::readData() const {
     lys::eval::SectionData data;
@@ -161,4 +162,6 @@ bool LyrColorLookupTable::Section::getColor(const LyrValuePair<float>& range, fl
                                    LyrRGBA<float>::isClamped());
 }
 
-bool LyrColorLookupTable::Section::copyFrom(const LyrObject& other) { return d && LyrObject::copyFrom(other); }
+bool LyrColorLookupTable::Section::copyFrom(const LyrObject& other) {
+    return d ? LyrObject::copyFrom(other) : failCopy();
+}

@@ -20,10 +20,10 @@ public:
     static const LyrMetaClass& metaClass();
     const LyrMetaClass& getMetaClass() const override;
 
-    /** Colours a value in the interval `range` = (low, high). `previous` and `next` are the neighbours in the table or null.
-     *  Values outside the interval get the colour of its nearer end, NaN that of its start. True when a colour was written.
-     *  Where low >= high, `out` stays as it was; a type without a rule, or one that continues a neighbour that is not there,
-     *  leaves (0, 0, 0, 0). */
+    /** Colours a value in the interval `range` = (low, high). `previous` and `next` are the neighbours in the table or
+     * null. Values outside the interval get the colour of its nearer end, NaN that of its start. True when a colour was
+     * written. Where low >= high, `out` stays as it was; a type without a rule, or one that continues a neighbour that
+     * is not there, leaves (0, 0, 0, 0). */
     bool getColor(const LyrValuePair<float>& range, float value, LyrRGBA<float>& out, const Section* previous,
                   const Section* next) const;
 

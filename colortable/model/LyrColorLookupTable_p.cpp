@@ -1,5 +1,5 @@
-#include <colortable/model/LyrColorLookupTable_p.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
+#include <colortable/model/LyrColorLookupTable_p.h>
 #include <colortable/model/SectionBuilder_p.h>
 
 using Private = LyrColorLookupTable::Private;
@@ -29,7 +29,9 @@ bool Private::PositionListAttr::resetData() {
     return initArray(0, 1, ends) || PositionListOP::resetData();
 }
 
-Private::SectionListAttr::SectionListAttr() { SectionListAttr::resetData(); }
+Private::SectionListAttr::SectionListAttr() {
+    SectionListAttr::resetData();
+}
 
 bool Private::SectionListAttr::resetData() {
     const ApplyingDefault applying(*this);
@@ -49,14 +51,18 @@ bool Private::SectionListAttr::resetData() {
     return (complete && initArray(0, 2, links)) || LyrObjectParentLinkListOP::resetData();
 }
 
-Private::ExtensionColorListAttr::ExtensionColorListAttr() { ExtensionColorListAttr::resetData(); }
+Private::ExtensionColorListAttr::ExtensionColorListAttr() {
+    ExtensionColorListAttr::resetData();
+}
 
 bool Private::ExtensionColorListAttr::resetData() {
     const ApplyingDefault applying(*this);
     return initArray(0, -1, nullptr) || ColorListOP::resetData();
 }
 
-Private::ExtensionEnumListAttr::ExtensionEnumListAttr() { ExtensionEnumListAttr::resetData(); }
+Private::ExtensionEnumListAttr::ExtensionEnumListAttr() {
+    ExtensionEnumListAttr::resetData();
+}
 
 bool Private::ExtensionEnumListAttr::resetData() {
     const ApplyingDefault applying(*this);
@@ -68,21 +74,27 @@ Private::TrueAttr::TrueAttr() {
     TrueAttr::resetData();
 }
 
-bool Private::TrueAttr::resetData() { return applyDefault<LyrBooleanOP>(*this, Lyrenum(1)); }
+bool Private::TrueAttr::resetData() {
+    return applyDefault<LyrBooleanOP>(*this, Lyrenum(1));
+}
 
 Private::FiniteModeAttr::FiniteModeAttr() {
     setResetValue({0, 0});
     FiniteModeAttr::resetData();
 }
 
-bool Private::FiniteModeAttr::resetData() { return applyDefault<EnumPairOP>(*this, LyrValuePair<Lyrenum>{0, 0}); }
+bool Private::FiniteModeAttr::resetData() {
+    return applyDefault<EnumPairOP>(*this, LyrValuePair<Lyrenum>{0, 0});
+}
 
 Private::QuantityAttr::QuantityAttr() {
     setResetValue(Lyr::Length);
     QuantityAttr::resetData();
 }
 
-bool Private::QuantityAttr::resetData() { return applyDefault<EnumOP>(*this, Lyr::Length); }
+bool Private::QuantityAttr::resetData() {
+    return applyDefault<EnumOP>(*this, Lyr::Length);
+}
 
 Private::CreationParametersAttr::CreationParametersAttr() {
     setResetValue({0.0f, 0.0f, 0.0f});
@@ -98,7 +110,9 @@ Private::CreationTypeAttr::CreationTypeAttr() {
     CreationTypeAttr::resetData();
 }
 
-bool Private::CreationTypeAttr::resetData() { return applyDefault<EnumOP>(*this, Lyr::Rainbow); }
+bool Private::CreationTypeAttr::resetData() {
+    return applyDefault<EnumOP>(*this, Lyr::Rainbow);
+}
 
 Private::MaximumRangeAttr::MaximumRangeAttr() {
     setResetValue({-LARGEST, LARGEST});

@@ -70,8 +70,8 @@ Place placeLegend(const Viewport& viewport, float dotsPerInch, const Wish& wish)
 }
 
 LyrVector3<float> centreOf(const QRect& frame) {
-    return {static_cast<float>(frame.left() + frame.right()) * 0.5f, static_cast<float>(frame.top() + frame.bottom()) * 0.5f,
-            0.5f};
+    return {static_cast<float>(frame.left() + frame.right()) * 0.5f,
+            static_cast<float>(frame.top() + frame.bottom()) * 0.5f, 0.5f};
 }
 
 LyrVector3<float> widgetToDevice(const LyrVector3<float>& point, const Viewport& viewport) {

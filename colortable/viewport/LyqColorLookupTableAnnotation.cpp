@@ -15,7 +15,8 @@
 
 namespace {
 
-/** Display units are told on by one annotation at a time: an annotation that hears another's message does not start again. */
+/** Display units are told on by one annotation at a time: an annotation that hears another's message does not start
+ * again. */
 bool sRelaying = false;
 
 class AnnotationFactory : public LyrMetaClass::Factory {
@@ -89,12 +90,14 @@ LyqColorLookupTableAnnotation::~LyqColorLookupTableAnnotation() {
 
 const LyrMetaClass& LyqColorLookupTableAnnotation::metaClass() {
     static const LyrMetaClass meta("LyqColorLookupTableAnnotation", sizeof(LyqColorLookupTableAnnotation),
-                                   &LyrObject::metaClass(), new AnnotationFactory, LYS_COLORTABLE_MODULE, 0, nullptr, 0, 0, 0,
-                                   LyrObject::metaClass().isSingleton());
+                                   &LyrObject::metaClass(), new AnnotationFactory, LYS_COLORTABLE_MODULE, 0, nullptr, 0,
+                                   0, 0, LyrObject::metaClass().isSingleton());
     return meta;
 }
 
-const LyrMetaClass& LyqColorLookupTableAnnotation::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqColorLookupTableAnnotation::getMetaClass() const {
+    return metaClass();
+}
 
 void LyqColorLookupTableAnnotation::buildFrames() {
     d->frame = new LyqFrame(LyqApplication::instance().mainWidget());
@@ -107,13 +110,17 @@ void LyqColorLookupTableAnnotation::buildFrames() {
     d->annotationFrame->setBackgroundColor(QColor(KEY_COLOR));
 }
 
-LyqFrame* LyqColorLookupTableAnnotation::widget() const { return d ? d->annotationFrame.data() : nullptr; }
+LyqFrame* LyqColorLookupTableAnnotation::widget() const {
+    return d ? d->annotationFrame.data() : nullptr;
+}
 
 LyqColorLookupTableWidget* LyqColorLookupTableAnnotation::lookupTableWidget() const {
     return d ? d->lookupTableWidget.data() : nullptr;
 }
 
-LyqFrame* LyqColorLookupTableAnnotation::outerFrame() const { return d ? d->frame.data() : nullptr; }
+LyqFrame* LyqColorLookupTableAnnotation::outerFrame() const {
+    return d ? d->frame.data() : nullptr;
+}
 
 void LyqColorLookupTableAnnotation::synchronize() {
     d->application = &LyqApplication::instance().object();
@@ -127,8 +134,8 @@ void LyqColorLookupTableAnnotation::synchronize() {
 }
 
 bool LyqColorLookupTableAnnotation::iocCallback(Message& message) {
-    const bool unitsChanged = message.getSender() == &LyqApplication::instance().object() &&
-                              message.getPropertyID() == Lyr::DisplayUnitList;
+    const bool unitsChanged =
+        message.getSender() == &LyqApplication::instance().object() && message.getPropertyID() == Lyr::DisplayUnitList;
     if (unitsChanged && !sRelaying) {
         sRelaying = true;
         Message relayed(this, Lyr::PropertyHasChanged, Lyr::DisplayUnitList);

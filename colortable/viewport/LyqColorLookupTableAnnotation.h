@@ -7,11 +7,12 @@
 
 class LyqColorLookupTableWidget;
 
-/** A colour bar legend over a view. It is rendered into an image and drawn by the view's rendering driver, which also gives it
- *  its place: a user cannot drag it.
+/** A colour bar legend over a view. It is rendered into an image and drawn by the view's rendering driver, which also
+ * gives it its place: a user cannot drag it.
  *
  *  Properties: `ColorLookupTableRenderSettings` (link to the settings), `DotsPerInch` (the view's resolution, the first
- *  component counts), and the inherited link `Lyr::Object` to the table. The legend follows a change of any of them at once. */
+ *  component counts), and the inherited link `Lyr::Object` to the table. The legend follows a change of any of them at
+ * once. */
 class LYS_COLORTABLE_EXPORT LyqColorLookupTableAnnotation : public LyqAnnotation {
     Q_OBJECT
 

@@ -17,9 +17,13 @@
 
 namespace {
 
-Lyrenum annotationListId() { return Lyrenum("AnnotationList", true); }
+Lyrenum annotationListId() {
+    return Lyrenum("AnnotationList", true);
+}
 
-LyqAnnotation* asAnnotation(const LyrObjectLink& link) { return dynamic_cast<LyqAnnotation*>(link.getLink()); }
+LyqAnnotation* asAnnotation(const LyrObjectLink& link) {
+    return dynamic_cast<LyqAnnotation*>(link.getLink());
+}
 
 bool reportWrongType(const LyrObject* object) {
     LyrError::emitError(LyrError::Message(object, Lyr::WrongType));
@@ -54,8 +58,8 @@ private:
 struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
     class AnnotationListAttr : public LyrObjectHardLinkListOP {
     public:
-        // The class of the C++ object counts: annotations of plug-ins need not name the host's class as their meta class's
-        // parent.
+        // The class of the C++ object counts: annotations of plug-ins need not name the host's class as their meta
+        // class's parent.
         unsigned int checkItems(long long count, const LyrObjectLink* items) const override {
             const bool fits = std::all_of(items, items + count, [](const LyrObjectLink& link) {
                 return link.isNull() || asAnnotation(link) != nullptr;
@@ -106,8 +110,8 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
             return assignGroup();
         }
 
-        /** Puts every listed annotation into the workspace widget's group for colour bars. The list operation has succeeded
-         *  whatever comes of this. */
+        /** Puts every listed annotation into the workspace widget's group for colour bars. The list operation has
+         * succeeded whatever comes of this. */
         bool assignGroup() {
             if (!getObject()) {
                 return true;  // under construction
@@ -169,7 +173,9 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
     RenderingAttr rendering;
 };
 
-LyrColorLookupTableAnnotationContainer::LyrColorLookupTableAnnotationContainer() { build(); }
+LyrColorLookupTableAnnotationContainer::LyrColorLookupTableAnnotationContainer() {
+    build();
+}
 
 LyrColorLookupTableAnnotationContainer::LyrColorLookupTableAnnotationContainer(
     const LyrColorLookupTableAnnotationContainer& other)
@@ -197,10 +203,13 @@ void LyrColorLookupTableAnnotationContainer::build() {
 }
 
 const LyrMetaClass& LyrColorLookupTableAnnotationContainer::metaClass() {
-    static const LyrMetaClass meta("LyrColorLookupTableAnnotationContainer", sizeof(LyrColorLookupTableAnnotationContainer),
-                                   &LyrObject::metaClass(), new LyrClassFactory<LyrColorLookupTableAnnotationContainer>,
-                                   LYS_COLORTABLE_MODULE, 0, nullptr, 0, 0, 0, LyrObject::metaClass().isSingleton());
+    static const LyrMetaClass meta("LyrColorLookupTableAnnotationContainer",
+                                   sizeof(LyrColorLookupTableAnnotationContainer), &LyrObject::metaClass(),
+                                   new LyrClassFactory<LyrColorLookupTableAnnotationContainer>, LYS_COLORTABLE_MODULE,
+                                   0, nullptr, 0, 0, 0, LyrObject::metaClass().isSingleton());
     return meta;
 }
 
-const LyrMetaClass& LyrColorLookupTableAnnotationContainer::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrColorLookupTableAnnotationContainer::getMetaClass() const {
+    return metaClass();
+}

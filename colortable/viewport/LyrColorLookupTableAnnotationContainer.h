@@ -7,10 +7,10 @@
 
 /** Owns the colour bar annotations of one workspace widget.
  *
- *  `AnnotationList` holds them; only annotations are accepted, null links are allowed. Annotations in the list belong to the
- *  widget's group `ColorLookupTableAnnotationGroup`; one that leaves the list is hidden, never deleted while something else
- *  holds it. `WorkspaceWidget` is computed: the owner of the container's parent link. `Rendering` is a switch for handlers;
- *  the container itself does not read it. */
+ *  `AnnotationList` holds them; only annotations are accepted, null links are allowed. Annotations in the list belong
+ * to the widget's group `ColorLookupTableAnnotationGroup`; one that leaves the list is hidden, never deleted while
+ * something else holds it. `WorkspaceWidget` is computed: the owner of the container's parent link. `Rendering` is a
+ * switch for handlers; the container itself does not read it. */
 class LYS_COLORTABLE_EXPORT LyrColorLookupTableAnnotationContainer : public LyrObject {
 public:
     LyrColorLookupTableAnnotationContainer();

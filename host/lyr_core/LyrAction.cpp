@@ -10,7 +10,9 @@ LyrAction::~LyrAction() {
     }
 }
 
-void LyrAction::check() { ok(1); }
+void LyrAction::check() {
+    ok(1);
+}
 void LyrAction::cleanUp() {}
 
 /** One step of a run; what it throws (memory ran out) is a failure. */

@@ -6,8 +6,9 @@
 
 class LyrObject;
 
-/** An operation that is run on an object by identifier (LyrObject::runAction). A run calls check(), execute() and cleanUp() in
- *  this order; each reports by ok() or error(). execute() is skipped when check() failed, cleanUp() always runs. */
+/** An operation that is run on an object by identifier (LyrObject::runAction). A run calls check(), execute() and
+ * cleanUp() in this order; each reports by ok() or error(). execute() is skipped when check() failed, cleanUp() always
+ * runs. */
 class LYR_CORE_EXPORT LyrAction : public LyrClassMember {
 public:
     ~LyrAction() override;

@@ -9,7 +9,9 @@ LyrClass::LyrClass(const LyrClass& other) noexcept
     : LyrEmbeddedListNode(other), mFlags(other.mFlags), mProtectedFlags(other.mProtectedFlags), mScope(other.mScope) {}
 
 // Flags and scope belong to the place where an object stands, not to its value: assignment leaves them.
-LyrClass& LyrClass::operator=(const LyrClass&) noexcept { return *this; }
+LyrClass& LyrClass::operator=(const LyrClass&) noexcept {
+    return *this;
+}
 
 LyrClass::~LyrClass() {
     if (isListed()) {
@@ -18,11 +20,14 @@ LyrClass::~LyrClass() {
 }
 
 const LyrMetaClass& LyrClass::metaClass() {
-    static const LyrMetaClass meta("LyrClass", sizeof(LyrClass), nullptr, nullptr, "lyr_core", 0, nullptr, 0, 0, 0, false);
+    static const LyrMetaClass meta("LyrClass", sizeof(LyrClass), nullptr, nullptr, "lyr_core", 0, nullptr, 0, 0, 0,
+                                   false);
     return meta;
 }
 
-const LyrMetaClass& LyrClass::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrClass::getMetaClass() const {
+    return metaClass();
+}
 
 void LyrClass::setProtectedFlags(unsigned int transient, unsigned int added) noexcept {
     mTransientFlags = transient;
@@ -52,11 +57,19 @@ bool LyrClass::setFlag(const char* name, bool on) {
 void LyrClass::flagsWillChange(unsigned int, unsigned int) {}
 void LyrClass::flagsHaveChanged(unsigned int) {}
 
-void* LyrClass::operator new(std::size_t size) noexcept { return lyrMalloc(size); }
-void LyrClass::operator delete(void* memory) noexcept { lyrFree(memory); }
+void* LyrClass::operator new(std::size_t size) noexcept {
+    return lyrMalloc(size);
+}
+void LyrClass::operator delete(void* memory) noexcept {
+    lyrFree(memory);
+}
 
-void* LyrPrivatePart::operator new(std::size_t size) noexcept { return lyrMalloc(size); }
-void LyrPrivatePart::operator delete(void* memory) noexcept { lyrFree(memory); }
+void* LyrPrivatePart::operator new(std::size_t size) noexcept {
+    return lyrMalloc(size);
+}
+void LyrPrivatePart::operator delete(void* memory) noexcept {
+    lyrFree(memory);
+}
 
 LyrLocalClassFlags::LyrLocalClassFlags(LyrClass* object, unsigned int mask, unsigned int value)
     : mObject(object), mMask(mask), mBefore(object ? object->getFlags(mask) : 0) {

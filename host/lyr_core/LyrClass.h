@@ -29,14 +29,15 @@ public:
     static const LyrMetaClass& metaClass();
     virtual const LyrMetaClass& getMetaClass() const;
 
-    /** The first word replaces the transient bits (16 while a default is being applied, 0 after), the second is added to the
-     *  protected bits. They are kept for inspection; no protected bit carries behaviour. */
+    /** The first word replaces the transient bits (16 while a default is being applied, 0 after), the second is added
+     * to the protected bits. They are kept for inspection; no protected bit carries behaviour. */
     void setProtectedFlags(unsigned int transient, unsigned int added) noexcept;
     unsigned int getProtectedFlags() const noexcept { return mProtectedFlags | mTransientFlags; }
 
     /** Sets the bits of the first word, then clears those of the second. */
     void setFlags(unsigned int set, unsigned int clear);
-    /** Sets or clears the flag with this name (the host's, or one registered by the meta class). False if it is unknown. */
+    /** Sets or clears the flag with this name (the host's, or one registered by the meta class). False if it is
+     * unknown. */
     bool setFlag(const char* name, bool on);
     unsigned int getFlags(unsigned int mask = ~0u) const noexcept { return mFlags & mask; }
 

@@ -6,8 +6,8 @@
 #include <new>
 #include <type_traits>
 
-/** The factory of a class that can be default-constructed. Objects are copied by their copy constructor; properties, which
- *  have none, are made anew and take over the value. */
+/** The factory of a class that can be default-constructed. Objects are copied by their copy constructor; properties,
+ * which have none, are made anew and take over the value. */
 template <class T>
 class LyrClassFactory : public LyrMetaClass::Factory {
 public:

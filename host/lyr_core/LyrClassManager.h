@@ -8,7 +8,8 @@ class LyrClass;
  *  destruction has begun is not found any more. */
 class LYR_CORE_EXPORT LyrClassManager {
 public:
-    /** What to look for: a class by name (with the classes derived from it, unless `exact`), or all classes of a module. */
+    /** What to look for: a class by name (with the classes derived from it, unless `exact`), or all classes of a
+     * module. */
     struct SearchPattern {
         explicit SearchPattern(const char* name, bool onlyExact = false) noexcept : className(name), exact(onlyExact) {}
         static SearchPattern ofModule(const char* name) noexcept {

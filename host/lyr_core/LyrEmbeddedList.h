@@ -5,8 +5,8 @@
 template <class T, class Tag>
 class LyrEmbeddedList;
 
-/** A list node that is part of the listed object: entering and leaving a list needs no memory. An object has one node for
- *  each Tag; it leaves its list when it is destroyed. T derives from the node. */
+/** A list node that is part of the listed object: entering and leaving a list needs no memory. An object has one node
+ * for each Tag; it leaves its list when it is destroyed. T derives from the node. */
 template <class T, class Tag>
 class LyrEmbeddedListNode {
 public:

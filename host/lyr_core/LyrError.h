@@ -26,7 +26,8 @@ public:
         Lyrenum mCode;
     };
 
-    /** Hears of errors while it lives. The listener made last hears first; where it answers true nobody else hears. */
+    /** Hears of errors while it lives. The listener made last hears first; where it answers true nobody else hears.
+     * Listeners are made and destroyed while no other thread reports. */
     class LYR_CORE_EXPORT Listener : public LyrEmbeddedListNode<LyrError::Listener, LyrError::Listener> {
     public:
         Listener();
@@ -36,6 +37,7 @@ public:
         virtual bool errorEmitted(const Message& message) = 0;
     };
 
-    /** Hands a message to the listeners; without any it is one line on standard error. May be called from any thread. */
+    /** Hands a message to the listeners; without any it is one line on standard error. May be called from any thread.
+     */
     static void emitError(const Message& message) noexcept;
 };

@@ -5,47 +5,47 @@
 /** First number of the host's block of identifiers. */
 inline constexpr int LYR_HOST_BLOCK = 204800000;
 
-/** The host's identifiers: X(constant and registered name, offset in the host's block). Offsets below 1000 are promises to
- *  plug-ins and files; those from 1000 on are the host's own choice. */
-#define LYR_HOST_IDENTIFIERS(X)        \
-    X(Angle, 22)                       \
-    X(Bottom, 54)                      \
-    X(Camera, 59)                      \
-    X(Center, 61)                      \
-    X(Constant, 85)                    \
-    X(DotsPerInch, 114)                \
-    X(DriverInit, 120)                 \
-    X(DocumentScope, 161)              \
-    X(Gradient, 165)                   \
-    X(Left, 206)                       \
-    X(Length, 208)                     \
-    X(TransientScope, 226)             \
-    X(Object, 266)                     \
-    X(RenderedObjectList, 281)         \
-    X(Position, 294)                   \
-    X(PropertyHasChanged, 299)         \
-    X(RenderPlugin, 330)               \
-    X(Rendering, 335)                  \
-    X(Right, 353)                      \
-    X(Size, 387)                       \
-    X(Top, 423)                        \
-    X(Type, 427)                       \
-    X(Alignment, 1001)                 \
-    X(Area, 1002)                      \
-    X(Color, 1003)                     \
-    X(DefaultPreset, 1004)             \
-    X(Description, 1005)               \
-    X(DisplayUnitList, 1006)           \
-    X(InstalledPreset, 1007)           \
-    X(NameTemplate, 1008)              \
-    X(Number, 1009)                    \
-    X(Quantity, 1010)                  \
-    X(ResetToDefaults, 1011)           \
-    X(SceneCamera, 1012)               \
-    X(SliceCamera, 1013)               \
-    X(UserPreset, 1014)                \
-    X(Volume, 1015)                    \
-    X(Workspace, 1016)                 \
+/** The host's identifiers: X(constant and registered name, offset in the host's block). Offsets below 1000 are promises
+ * to plug-ins and files; those from 1000 on are the host's own choice. */
+#define LYR_HOST_IDENTIFIERS(X) \
+    X(Angle, 22)                \
+    X(Bottom, 54)               \
+    X(Camera, 59)               \
+    X(Center, 61)               \
+    X(Constant, 85)             \
+    X(DotsPerInch, 114)         \
+    X(DriverInit, 120)          \
+    X(DocumentScope, 161)       \
+    X(Gradient, 165)            \
+    X(Left, 206)                \
+    X(Length, 208)              \
+    X(TransientScope, 226)      \
+    X(Object, 266)              \
+    X(RenderedObjectList, 281)  \
+    X(Position, 294)            \
+    X(PropertyHasChanged, 299)  \
+    X(RenderPlugin, 330)        \
+    X(Rendering, 335)           \
+    X(Right, 353)               \
+    X(Size, 387)                \
+    X(Top, 423)                 \
+    X(Type, 427)                \
+    X(Alignment, 1001)          \
+    X(Area, 1002)               \
+    X(Color, 1003)              \
+    X(DefaultPreset, 1004)      \
+    X(Description, 1005)        \
+    X(DisplayUnitList, 1006)    \
+    X(InstalledPreset, 1007)    \
+    X(NameTemplate, 1008)       \
+    X(Number, 1009)             \
+    X(Quantity, 1010)           \
+    X(ResetToDefaults, 1011)    \
+    X(SceneCamera, 1012)        \
+    X(SliceCamera, 1013)        \
+    X(UserPreset, 1014)         \
+    X(Volume, 1015)             \
+    X(Workspace, 1016)          \
     X(WorkspaceWidget, 1017)
 
 /** Names whose numbers the host fixes, but which other modules register and export as well. */

@@ -1,6 +1,7 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrIOC.h>
+#include <lyr_core/LyrKeepAlive_p.h>
 #include <lyr_core/LyrObject.h>
 #include <lyr_core/LyrScratch.h>
 
@@ -17,8 +18,8 @@ bool isOwner(LyrIOCConnection::Kind kind) noexcept {
 
 }  // namespace
 
-/** The listeners that a message still has to reach. Lives on the stack of the sending call; connections that end meanwhile
- *  are struck from all deliveries under way. */
+/** The listeners that a message still has to reach. Lives on the stack of the sending call; connections that end
+ * meanwhile are struck from all deliveries under way. */
 class LyrIOC::Delivery {
 public:
     Delivery() noexcept : mOuter(sInnermost), mDepth(mOuter ? mOuter->mDepth + 1 : 1) { sInnermost = this; }
@@ -71,7 +72,9 @@ private:
 
 LyrIOC::Delivery* LyrIOC::Delivery::sInnermost = nullptr;
 
-LyrIOCConnection::~LyrIOCConnection() { disconnect(); }
+LyrIOCConnection::~LyrIOCConnection() {
+    disconnect();
+}
 
 void LyrIOCConnection::connect(LyrIOC* sender, LyrIOC* listener, Kind kind, Lyrenum linkId) noexcept {
     disconnect();
@@ -110,7 +113,9 @@ void LyrIOCConnection::leaveListener() noexcept {
 
 void LyrIOCConnection::senderDestroyed() {}
 
-LyrIOC::~LyrIOC() { disconnectAll(); }
+LyrIOC::~LyrIOC() {
+    disconnectAll();
+}
 
 void LyrIOC::disconnectAll() noexcept {
     while (LyrIOCConnection* outgoing = mListeners.first()) {
@@ -133,9 +138,13 @@ const LyrIOCConnection* LyrIOC::lastConnection(LyrIOCConnection::Kind kind) cons
     return last;
 }
 
-bool LyrIOC::iocCallback(Message&) { return true; }
+bool LyrIOC::iocCallback(Message&) {
+    return true;
+}
 
-void LyrIOC::iocBroadcast(Message& message) { deliver(message, false); }
+void LyrIOC::iocBroadcast(Message& message) {
+    deliver(message, false);
+}
 
 void LyrIOC::deliver(const Message& message, bool ownersOnly) noexcept {
     if (mListeners.isEmpty()) {
@@ -155,8 +164,11 @@ void LyrIOC::deliver(const Message& message, bool ownersOnly) noexcept {
         arriving.mPassedOn = message.mPassedOn;
         arriving.mLinkId = connection.getLinkID();
         arriving.mFromOwned = isOwner(connection.getKind());
+        LyrIOC* listener = connection.getListener();
+        // A receiver may let go of itself, and still has to pass the message to its base class.
+        const LyrKeepAlive keepAlive(dynamic_cast<LyrObject*>(listener));
         try {
-            connection.getListener()->iocCallback(arriving);
+            listener->iocCallback(arriving);
         } catch (...) {
             // Only memory can run out in a callback; the other listeners still hear.
             LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));

@@ -57,8 +57,8 @@ private:
     Lyrenum mLinkId;
 };
 
-/** Sends and receives messages. Delivery runs over a snapshot of the listeners: one that goes away meanwhile is not called,
- *  and the sender may be destroyed inside a callback. To be used from one thread, that of the user interface. */
+/** Sends and receives messages. Delivery runs over a snapshot of the listeners: one that goes away meanwhile is not
+ * called, and the sender may be destroyed inside a callback. To be used from one thread, that of the user interface. */
 class LYR_CORE_EXPORT LyrIOC {
 public:
     class LYR_CORE_EXPORT Message {
@@ -112,11 +112,12 @@ public:
     LyrIOC& operator=(const LyrIOC&) noexcept { return *this; }
     virtual ~LyrIOC();
 
-    /** Receives a message. Overrides end by calling the base class's. */
+    /** Receives a message. Overrides end by calling the base class's; a receiver that is a LyrObject stays alive until
+     * then. */
     virtual bool iocCallback(Message& message);
 
-    /** Sends a message to all listeners: owners (through their links) and holders of handles. Messages that cause each other
-     *  without end are cut off and reported. */
+    /** Sends a message to all listeners: owners (through their links) and holders of handles. Messages that cause each
+     * other without end are cut off and reported. */
     void iocBroadcast(Message& message);
 
 protected:

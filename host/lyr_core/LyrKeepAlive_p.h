@@ -2,8 +2,8 @@
 
 #include <lyr_core/LyrObject.h>
 
-/** Keeps an object alive for a scope in which others take and drop handles to it. Unlike a handle it leaves a new object,
- *  which nobody holds yet, as it was. */
+/** Keeps an object alive for a scope in which others take and drop handles to it. Unlike a handle it leaves a new
+ * object, which nobody holds yet, as it was. */
 class LyrKeepAlive {
 public:
     explicit LyrKeepAlive(LyrObject* object) noexcept : mObject(object), mIsNew(object && object->getRefCount() == 0) {

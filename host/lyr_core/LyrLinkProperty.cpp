@@ -1,4 +1,5 @@
 #include <lyr_core/LyrClassFactory.h>
+#include <lyr_core/LyrKeepAlive_p.h>
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrLinkSlot_p.h>
 #include <lyr_core/LyrMetaClass.h>
@@ -10,18 +11,37 @@
 
 namespace {
 
-/** A state of links: it keeps the objects, so that undo brings back the same ones. */
+/** A state of links: it keeps the objects, so that undo brings back the same ones, and all that the property needs to
+ * take them back without memory. A single link is a list of one, null for no link. */
 struct LinkState : LyrProperty::State {
-    std::vector<LyrObjectPtr> targets;
+    std::vector<std::unique_ptr<LyrLinkSlot>> slots;
+    std::vector<LyrObjectLink> links;
+
+    static LyrObject* targetOf(const std::unique_ptr<LyrLinkSlot>& slot) noexcept {
+        return slot ? slot->target() : nullptr;
+    }
 
     bool holdsObjectsOf(const char* module) const override {
-        return std::any_of(targets.begin(), targets.end(), [&](const LyrObjectPtr& target) {
+        return std::any_of(slots.begin(), slots.end(), [&](const auto& slot) {
+            const LyrObject* target = targetOf(slot);
             return target && std::strcmp(target->getMetaClass().getModule(), module) == 0;
         });
     }
+
+    /** False when memory ran out. */
+    bool park(LyrProperty& property, LyrLinkOwnership ownership, LyrObject* target) {
+        std::unique_ptr<LyrLinkSlot> slot(new LyrLinkSlot(property, ownership, target));
+        if (!slot) {
+            return false;
+        }
+        slot->park();
+        slots.push_back(std::move(slot));
+        return true;
+    }
 };
 
-/** Copies inside one another. Content is never this deep: objects that own each other in a ring would be copied without end. */
+/** Copies inside one another. Content is never this deep: objects that own each other in a ring would be copied without
+ * end. */
 constexpr int DEEPEST_COPY = 200;
 
 class CopyDepth {
@@ -49,14 +69,18 @@ LyrObjectPtr copyOf(const LyrObject& source, const LyrProperty& reporter) {
 }
 
 /** An object that is about to go takes no new links. */
-bool mayLinkTo(const LyrObject* target) noexcept { return !target || !target->isDying(); }
+bool mayLinkTo(const LyrObject* target) noexcept {
+    return !target || !target->isDying();
+}
 
 }  // namespace
 
 void LyrLinkSlot::senderDestroyed() {
     const LyrObject* gone = std::exchange(mTarget, nullptr);
-    auto* list = dynamic_cast<LyrLinkListOP*>(&mProperty);
-    if (list) {
+    if (getKind() == Kind::Handle) {
+        return;  // parked: the property has nothing to do with it
+    }
+    if (auto* list = dynamic_cast<LyrLinkListOP*>(&mProperty)) {
         list->forget(gone);
     } else {
         static_cast<LyrSingleLinkOP&>(mProperty).announceChange();
@@ -73,23 +97,48 @@ LyrSingleLinkOP::~LyrSingleLinkOP() {
     const std::unique_ptr<LyrLinkSlot> retired = std::move(mSlot);
 }
 
-LyrObject* LyrSingleLinkOP::getTarget() const noexcept { return mSlot ? mSlot->target() : nullptr; }
+LyrObject* LyrSingleLinkOP::getTarget() const noexcept {
+    return mSlot ? mSlot->target() : nullptr;
+}
 
-bool LyrSingleLinkOP::resetData() { return mResetMode == Lyr::Object || setValue(LyrObjectLink()); }
+bool LyrSingleLinkOP::resetData() {
+    return mResetMode == Lyr::Object || setValue(LyrObjectLink());
+}
 
 std::unique_ptr<LyrProperty::State> LyrSingleLinkOP::takeState() const {
     try {
         auto state = std::make_unique<LinkState>();
-        state->targets.emplace_back(getTarget());
-        return state;
+        const bool done = state->park(const_cast<LyrSingleLinkOP&>(*this), mOwnership, getTarget());
+        return done ? std::move(state) : nullptr;
     } catch (...) {
         return nullptr;
     }
 }
 
-bool LyrSingleLinkOP::restoreState(const State& state) {
-    const auto& targets = static_cast<const LinkState&>(state).targets;
-    return LyrSingleLinkOP::writeStored(LyrObjectLink(targets.front().get(), nullptr, -1));
+bool LyrSingleLinkOP::restoreState(State& state) {
+    std::unique_ptr<LyrLinkSlot>& other = static_cast<LinkState&>(state).slots.front();
+    LyrObject* target = LinkState::targetOf(other);
+    if (checkData(LyrObjectLink(target, nullptr, -1), true) != 1) {
+        return false;
+    }
+    if (target == getTarget()) {
+        return true;
+    }
+    const LyrKeepAlive keepAlive(getObject());
+    const bool done = write([&] {
+        mSlot.swap(other);
+        if (other) {
+            other->park();
+        }
+        if (mSlot) {
+            mSlot->activate();
+        }
+        return true;
+    });
+    if (done && mSlot) {
+        mSlot->dropParkedReference();
+    }
+    return done;
 }
 
 bool LyrSingleLinkOP::copyValueFrom(const LyrProperty& source) {
@@ -287,7 +336,8 @@ bool LyrLinkListOP::insertArrayItems(long long first, long long last, const LyrO
     try {
         auto wanted = targets();
         const auto place = wanted.insert(wanted.begin() + first, static_cast<std::size_t>(last - first + 1), nullptr);
-        std::transform(items, items + (last - first + 1), place, [](const LyrObjectLink& link) { return link.getLink(); });
+        std::transform(items, items + (last - first + 1), place,
+                       [](const LyrObjectLink& link) { return link.getLink(); });
         return replaceAll(wanted);
     } catch (...) {
         return emitError(Lyr::AllocationFailed);
@@ -331,14 +381,19 @@ LyrProperty* LyrLinkListOP::clone(Lyrenum id) const {
     return copy.release();
 }
 
-bool LyrLinkListOP::resetData() { return mResetMode == Lyr::Object || initArray(0, -1, nullptr); }
+bool LyrLinkListOP::resetData() {
+    return mResetMode == Lyr::Object || initArray(0, -1, nullptr);
+}
 
 std::unique_ptr<LyrProperty::State> LyrLinkListOP::takeState() const {
     try {
         auto state = std::make_unique<LinkState>();
-        state->targets.reserve(mLinks.size());
+        state->links = mLinks;
+        state->slots.reserve(mLinks.size());
         for (const LyrObjectLink& link : mLinks) {
-            state->targets.emplace_back(link.getLink());
+            if (!state->park(const_cast<LyrLinkListOP&>(*this), mOwnership, link.getLink())) {
+                return nullptr;
+            }
         }
         return state;
     } catch (...) {
@@ -346,16 +401,37 @@ std::unique_ptr<LyrProperty::State> LyrLinkListOP::takeState() const {
     }
 }
 
-bool LyrLinkListOP::restoreState(const State& state) {
-    try {
-        std::vector<LyrObjectLink> links;
-        for (const LyrObjectPtr& target : static_cast<const LinkState&>(state).targets) {
-            links.emplace_back(target.get(), nullptr, -1);
-        }
-        return initArray(0, static_cast<long long>(links.size()) - 1, links.data());
-    } catch (...) {
-        return emitError(Lyr::AllocationFailed);
+bool LyrLinkListOP::restoreState(State& state) {
+    auto& [slots, links] = static_cast<LinkState&>(state);
+    for (std::size_t i = 0; i < links.size(); ++i) {
+        links[i] = LyrObjectLink(slots[i]->target(), getObject(), getPropertyID());
     }
+    if (!mayWrite(static_cast<long long>(links.size()), links.data())) {
+        return false;
+    }
+    if (links == mLinks) {
+        return true;
+    }
+    if (mLocks.load(std::memory_order_acquire) != 0) {
+        return emitError(Lyr::Locked);
+    }
+    const LyrKeepAlive keepAlive(getObject());
+    const bool done = write([&] {
+        mSlots.swap(slots);
+        mLinks.swap(links);
+        for (auto& slot : slots) {
+            slot->park();
+        }
+        for (auto& slot : mSlots) {
+            slot->activate();
+        }
+        return true;
+    });
+    // Listeners may have written the list again, and the end of a target may let them do so here.
+    for (std::size_t i = 0; done && i < mSlots.size(); ++i) {
+        mSlots[i]->dropParkedReference();
+    }
+    return done;
 }
 
 bool LyrLinkListOP::copyValueFrom(const LyrProperty& source) {
@@ -401,8 +477,8 @@ namespace {
 
 template <class Link>
 const LyrMetaClass& describeLink(const char* name, const LyrMetaClass& parent) {
-    static const LyrMetaClass meta(name, sizeof(Link), &parent, new LyrClassFactory<Link>, "lyr_core", 0, nullptr, 0, 0, 0,
-                                   false);
+    static const LyrMetaClass meta(name, sizeof(Link), &parent, new LyrClassFactory<Link>, "lyr_core", 0, nullptr, 0, 0,
+                                   0, false);
     return meta;
 }
 
@@ -411,29 +487,41 @@ const LyrMetaClass& describeLink(const char* name, const LyrMetaClass& parent) {
 const LyrMetaClass& LyrObjectHardLinkOP::metaClass() {
     return describeLink<LyrObjectHardLinkOP>("LyrObjectHardLinkOP", LyrProperty::metaClass());
 }
-const LyrMetaClass& LyrObjectHardLinkOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectHardLinkOP::getMetaClass() const {
+    return metaClass();
+}
 
 const LyrMetaClass& LyrObjectSoftLinkOP::metaClass() {
     return describeLink<LyrObjectSoftLinkOP>("LyrObjectSoftLinkOP", LyrProperty::metaClass());
 }
-const LyrMetaClass& LyrObjectSoftLinkOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectSoftLinkOP::getMetaClass() const {
+    return metaClass();
+}
 
 const LyrMetaClass& LyrObjectParentLinkOP::metaClass() {
     return describeLink<LyrObjectParentLinkOP>("LyrObjectParentLinkOP", LyrProperty::metaClass());
 }
-const LyrMetaClass& LyrObjectParentLinkOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectParentLinkOP::getMetaClass() const {
+    return metaClass();
+}
 
 const LyrMetaClass& LyrObjectHardLinkListOP::metaClass() {
     return describeLink<LyrObjectHardLinkListOP>("LyrObjectHardLinkListOP", LyrProperty::metaClass());
 }
-const LyrMetaClass& LyrObjectHardLinkListOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectHardLinkListOP::getMetaClass() const {
+    return metaClass();
+}
 
 const LyrMetaClass& LyrObjectSoftLinkListOP::metaClass() {
     return describeLink<LyrObjectSoftLinkListOP>("LyrObjectSoftLinkListOP", LyrProperty::metaClass());
 }
-const LyrMetaClass& LyrObjectSoftLinkListOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectSoftLinkListOP::getMetaClass() const {
+    return metaClass();
+}
 
 const LyrMetaClass& LyrObjectParentLinkListOP::metaClass() {
     return describeLink<LyrObjectParentLinkListOP>("LyrObjectParentLinkListOP", LyrObjectHardLinkListOP::metaClass());
 }
-const LyrMetaClass& LyrObjectParentLinkListOP::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObjectParentLinkListOP::getMetaClass() const {
+    return metaClass();
+}

@@ -19,9 +19,10 @@ enum class LyrLinkOwnership {
 using LyrSingleLinkIF = LyrSingleValuePropertyIF<LyrObjectLink>;
 using LyrLinkListIF = LyrValueArrayPropertyIF<LyrObjectLink>;
 
-/** A link to one object. Messages of the object reach the owner with the property's identifier as link identifier. Copying an
- *  owning link (hard, parent) copies its object; copying a soft one copies the reference. The link of an object that is
- *  destroyed becomes null, which is told like a write; an object whose destruction has begun cannot be linked any more. */
+/** A link to one object. Messages of the object reach the owner with the property's identifier as link identifier.
+ * Copying an owning link (hard, parent) copies its object; copying a soft one copies the reference. The link of an
+ * object that is destroyed becomes null, which is told like a write; an object whose destruction has begun cannot be
+ * linked any more. */
 class LYR_CORE_EXPORT LyrSingleLinkOP : public LyrSingleLinkIF {
 public:
     ~LyrSingleLinkOP() override;
@@ -38,7 +39,7 @@ public:
     LyrObjectLink getResetValue() const override { return {}; }
     bool resetData() override;
     std::unique_ptr<State> takeState() const override;
-    bool restoreState(const State& state) override;
+    bool restoreState(State& state) override;
     bool copyValueFrom(const LyrProperty& source) override;
 
 protected:
@@ -104,7 +105,7 @@ public:
 
     bool resetData() override;
     std::unique_ptr<State> takeState() const override;
-    bool restoreState(const State& state) override;
+    bool restoreState(State& state) override;
     bool copyValueFrom(const LyrProperty& source) override;
 
 protected:

@@ -4,8 +4,10 @@
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObject.h>
 
-/** One link of a link property: the reference and the line to the owner. A slot is filled first (it then only holds its
- *  reference) and takes effect with activate(). */
+#include <utility>
+
+/** One link of a link property: the reference and the line to the owner. It takes effect with activate(); parked in a
+ * state it keeps its target alive, also where the property does not. */
 class LyrLinkSlot : public LyrIOCConnection {
 public:
     LyrLinkSlot(LyrProperty& property, LyrLinkOwnership ownership, LyrObject* target) noexcept
@@ -17,7 +19,7 @@ public:
 
     ~LyrLinkSlot() override {
         disconnect();
-        if (mTarget && isOwning()) {
+        if (mTarget && (isOwning() || mWasParked)) {
             mTarget->decRef();
         }
     }
@@ -28,10 +30,21 @@ public:
     LyrObject* target() const noexcept { return mTarget; }
 
     /** Connects the target to the property's owner, as it is now. */
-    void activate() noexcept {
-        disconnect();
-        if (mTarget) {
-            connect(mTarget, mProperty.getObject(), lineKind(), mProperty.getPropertyID());
+    void activate() noexcept { connect(mTarget, mProperty.getObject(), lineKind(), mProperty.getPropertyID()); }
+
+    /** Puts the link aside for a state. Should the target be destroyed all the same, the link is null afterwards. */
+    void park() noexcept {
+        if (mTarget && !isOwning() && !mWasParked) {
+            mTarget->incRef();
+            mWasParked = true;
+        }
+        connect(mTarget, nullptr, Kind::Handle, -1);
+    }
+
+    /** Drops the reference that only parking added; the target may die of it. */
+    void dropParkedReference() noexcept {
+        if (std::exchange(mWasParked, false) && mTarget) {
+            mTarget->decRef();
         }
     }
 
@@ -53,5 +66,6 @@ private:
 
     LyrProperty& mProperty;
     LyrLinkOwnership mOwnership;
+    bool mWasParked = false;
     LyrObject* mTarget;
 };

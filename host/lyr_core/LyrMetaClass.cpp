@@ -101,9 +101,9 @@ LyrMetaClass::FactoryHook::~FactoryHook() {
     std::erase_if(registry.hooks, [](const auto& entry) { return entry.second.empty(); });
 }
 
-LyrMetaClass::LyrMetaClass(const char* className, std::size_t instanceSize, const LyrMetaClass* parent, Factory* factory,
-                           const char* module, unsigned int classFlags, const NamedFlag* namedFlags, int namedFlagCount,
-                           unsigned int defaultSet, unsigned int defaultClear, bool singleton)
+LyrMetaClass::LyrMetaClass(const char* className, std::size_t instanceSize, const LyrMetaClass* parent,
+                           Factory* factory, const char* module, unsigned int classFlags, const NamedFlag* namedFlags,
+                           int namedFlagCount, unsigned int defaultSet, unsigned int defaultClear, bool singleton)
     : mInstanceSize(instanceSize),
       mParent(parent),
       mFactory(factory),
@@ -197,7 +197,7 @@ LyrClass* LyrMetaClass::clone(const LyrClass* from) const {
     return from->getMetaClass().make([&](const Factory& factory) {
         LyrClass* copied = factory.createCopy(from, nullptr);
         const auto* object = dynamic_cast<const LyrObject*>(copied);
-        if (object && object->mCopyIncomplete) {
+        if (object && (object->mCopyIncomplete || object->mLacksProperty)) {
             destruct(copied, true);
             copied = nullptr;
         }

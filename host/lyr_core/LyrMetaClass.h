@@ -13,8 +13,8 @@ class LyrClass;
  *  registers its name when constructed and takes it back when destroyed. */
 class LYR_CORE_EXPORT LyrMetaClass {
 public:
-    /** Makes, copies and assigns objects of one class. `storage` is null for an object of its own on the heap, else a place of
-     *  at least the instance size to construct in. Null means that memory ran out. */
+    /** Makes, copies and assigns objects of one class. `storage` is null for an object of its own on the heap, else a
+     * place of at least the instance size to construct in. Null means that memory ran out. */
     class LYR_CORE_EXPORT Factory {
     public:
         virtual ~Factory();
@@ -25,9 +25,9 @@ public:
         virtual bool assign(LyrClass* to, const LyrClass* from) const = 0;
     };
 
-    /** Hears of objects of a class, and of classes derived from it, that the framework creates and destroys: called after the
-     *  most derived constructor and before the most derived destructor, hooks of the class first, then those of its parents.
-     *  A hook that is added meanwhile hears of later objects only. */
+    /** Hears of objects of a class, and of classes derived from it, that the framework creates and destroys: called
+     * after the most derived constructor and before the most derived destructor, hooks of the class first, then those
+     * of its parents. A hook that is added meanwhile hears of later objects only. */
     class LYR_CORE_EXPORT FactoryHook {
     public:
         FactoryHook() = default;
@@ -72,16 +72,16 @@ public:
     LyrClass* create() const;
     /** As above, by class name. An unknown name gives null, silently. */
     static LyrClass* create(const char* className);
-    /** A copy of an object of exactly this class or one derived from it, made by the class of the object. Null if the object
-     *  is not of this class; null, and an error, if it could not be copied. */
+    /** A copy of an object of exactly this class or one derived from it, made by the class of the object. Null if the
+     * object is not of this class; null, and an error, if it could not be copied. */
     LyrClass* clone(const LyrClass* from) const;
     /** Assigns. Both must be of this class (else false). An object assigned to itself is left alone. */
     bool copy(LyrClass* to, const LyrClass* from) const;
-    /** Ends an object: roles, hooks, destructor; frees its memory if asked. Null is allowed. False, and an error, for an object
-     *  that somebody holds a reference to: it lives on. */
+    /** Ends an object: roles, hooks, destructor; frees its memory if asked. Null is allowed. False, and an error, for
+     * an object that somebody holds a reference to: it lives on. */
     static bool destruct(LyrClass* object, bool freeMemory);
-    /** The first part of destruct(): gives up the object's roles and calls the hooks, once. For objects that something other
-     *  than the framework deletes, say a widget by its parent: their most derived destructor calls it first. */
+    /** The first part of destruct(): gives up the object's roles and calls the hooks, once. For objects that something
+     * other than the framework deletes, say a widget by its parent: their most derived destructor calls it first. */
     static void prepareDestruction(LyrClass* object) noexcept;
 
     void applyDefaultFlags(LyrClass* object) const;
@@ -93,8 +93,8 @@ public:
     /** How many classes a module has registered. */
     static int moduleClassCount(const char* module) noexcept;
 
-    /** Adds a hook for a class by name (the class need not exist yet). The hook is not called for objects that exist. False if
-     *  it is there already. */
+    /** Adds a hook for a class by name (the class need not exist yet). The hook is not called for objects that exist.
+     * False if it is there already. */
     static bool addFactoryHook(const char* className, FactoryHook* hook) noexcept;
     static bool removeFactoryHook(const char* className, FactoryHook* hook) noexcept;
 

@@ -24,7 +24,9 @@ bool LyrObjectLink::linkIsOfType(const char* className) const noexcept {
     return mTarget && mTarget->getMetaClass().isOfType(className);
 }
 
-LyrObject::LyrObject() { LyrClassManager::enter(this); }
+LyrObject::LyrObject() {
+    LyrClassManager::enter(this);
+}
 
 LyrObject::LyrObject(const LyrObject& other) : LyrClass(other), LyrIOC(other), mUnknownData(other.mUnknownData) {
     if (other.mNameTemplate) {
@@ -52,14 +54,18 @@ LyrObject::~LyrObject() {
 }
 
 const LyrMetaClass& LyrObject::metaClass() {
-    static const LyrMetaClass meta("LyrObject", sizeof(LyrObject), &LyrClass::metaClass(), new LyrClassFactory<LyrObject>,
-                                   "lyr_core", 0, nullptr, 0, 0, 0, false);
+    static const LyrMetaClass meta("LyrObject", sizeof(LyrObject), &LyrClass::metaClass(),
+                                   new LyrClassFactory<LyrObject>, "lyr_core", 0, nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& LyrObject::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrObject::getMetaClass() const {
+    return metaClass();
+}
 
-void LyrObject::incRef() const noexcept { mRefCount.fetch_add(1, std::memory_order_relaxed); }
+void LyrObject::incRef() const noexcept {
+    mRefCount.fetch_add(1, std::memory_order_relaxed);
+}
 
 bool LyrObject::decRef() const noexcept {
     if (mRefCount.fetch_sub(1, std::memory_order_acq_rel) != 1 || mDying) {
@@ -69,7 +75,9 @@ bool LyrObject::decRef() const noexcept {
     return true;
 }
 
-std::int64_t LyrObject::getRefCount() const noexcept { return mRefCount.load(std::memory_order_relaxed); }
+std::int64_t LyrObject::getRefCount() const noexcept {
+    return mRefCount.load(std::memory_order_relaxed);
+}
 
 void LyrObject::beginDestruction() {
     mDying = true;
@@ -82,9 +90,13 @@ void LyrObject::giveUpRoles() {
     }
 }
 
-LyrTimestamp LyrObject::getModificationTimestamp() const noexcept { return mModified; }
+LyrTimestamp LyrObject::getModificationTimestamp() const noexcept {
+    return mModified;
+}
 
-void LyrObject::stampModification() noexcept { mModified = LyrTimestamp::getCurrentTimestamp(); }
+void LyrObject::stampModification() noexcept {
+    mModified = LyrTimestamp::getCurrentTimestamp();
+}
 
 // Roles
 
@@ -171,6 +183,7 @@ bool LyrObject::addProperty(Lyrenum id, LyrProperty* property, bool owned) {
         const bool isNamed = mNameTemplate && mNameTemplate->getObject();
         mProperties.insert(mProperties.end() - (isNamed ? 1 : 0), property);
     } catch (...) {
+        mLacksProperty = true;
         LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
         return false;
     }
@@ -204,7 +217,9 @@ LyrProperty* LyrObject::getProperty(Lyrenum id) const noexcept {
     return nullptr;
 }
 
-std::int64_t LyrObject::getPropertyCount() const noexcept { return static_cast<std::int64_t>(mProperties.size()); }
+std::int64_t LyrObject::getPropertyCount() const noexcept {
+    return static_cast<std::int64_t>(mProperties.size());
+}
 
 LyrProperty* LyrObject::getPropertyAt(std::int64_t index) const noexcept {
     return index >= 0 && index < getPropertyCount() ? mProperties[static_cast<std::size_t>(index)] : nullptr;
@@ -290,9 +305,13 @@ bool LyrObject::setNameTemplate(const char* name) {
     return added && mNameTemplate->setValue(name);
 }
 
-const char* LyrObject::getNameTemplate() const noexcept { return mNameTemplate ? mNameTemplate->stored().utf8() : ""; }
+const char* LyrObject::getNameTemplate() const noexcept {
+    return mNameTemplate ? mNameTemplate->stored().utf8() : "";
+}
 
-const LyrObjectUnknownData* LyrObject::getUnknownData() const noexcept { return mUnknownData.get(); }
+const LyrObjectUnknownData* LyrObject::getUnknownData() const noexcept {
+    return mUnknownData.get();
+}
 
 void LyrObject::setUnknownData(std::shared_ptr<const LyrObjectUnknownData> data) noexcept {
     mUnknownData = std::move(data);

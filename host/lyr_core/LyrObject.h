@@ -18,8 +18,9 @@ class LyrObjectUnknownData;
 
 /** An object of the host's object graph: reference counted, with properties, actions and roles.
  *
- *  A new object has no references; the first handle or owning link that takes it keeps it alive, and it dies with the last.
- *  An object on the stack, or a member, must outlive every handle: give it a reference of its own with incRef(). */
+ *  A new object has no references; the first handle or owning link that takes it keeps it alive, and it dies with the
+ * last. An object on the stack, or a member, must outlive every handle: give it a reference of its own with incRef().
+ */
 class LYR_CORE_EXPORT LyrObject : public LyrClass, public LyrIOC {
 public:
     class RoleHook;
@@ -55,12 +56,13 @@ public:
     bool activateRole(Lyrenum role);
     bool deactivateRole(Lyrenum role);
 
-    /** This object as seen from the owner that stands as its parent; a null owner if it has none. Of several owners it is the
-     *  one whose parent link was written last. */
+    /** This object as seen from the owner that stands as its parent; a null owner if it has none. Of several owners it
+     * is the one whose parent link was written last. */
     LyrObjectLink getParentLink() const noexcept;
 
-    /** Adds a property under an identifier; from then on its changes are told and stamped. With `owned` the object deletes it
-     *  in the end. False, and an error, if the identifier or the property is taken, or the identifier is -1. */
+    /** Adds a property under an identifier; from then on its changes are told and stamped. With `owned` the object
+     * deletes it in the end. False, and an error, if the identifier or the property is taken, or the identifier is -1.
+     */
     bool addProperty(Lyrenum id, LyrProperty* property, bool owned = false);
     /** Takes a property out (and deletes an owned one). */
     bool removeProperty(Lyrenum id);
@@ -70,12 +72,14 @@ public:
     /** Properties in the order of registration. */
     LyrProperty* getPropertyAt(std::int64_t index) const noexcept;
 
-    /** Adds an action under an identifier; the action leaves by itself when it is destroyed. False if either is taken. */
+    /** Adds an action under an identifier; the action leaves by itself when it is destroyed. False if either is taken.
+     */
     bool addAction(Lyrenum id, LyrAction* action);
     bool removeAction(Lyrenum id);
     /** The action entry: runs the action with this identifier. Returns its success; an unknown one fails. */
     bool runAction(Lyrenum id, LyrObject* parameter = nullptr);
-    /** Applies the default of every stored property: what the action Lyr::ResetToDefaults does unless a class brings its own. */
+    /** Applies the default of every stored property: what the action Lyr::ResetToDefaults does unless a class brings
+     * its own. */
     bool resetToDefaults();
 
     /** Sets the naming template: the property Lyr::NameTemplate, which exists once it has been set. */
@@ -83,11 +87,19 @@ public:
     /** The naming template, empty if it was never set. */
     const char* getNameTemplate() const noexcept;
 
-    /** Takes over every property value of another object that is neither computed nor read-only, in this object's order, and
-     *  its naming template. Properties that either lacks are left alone. True if every value could be copied; an object whose
-     *  copy constructor could not is given up by LyrMetaClass::clone(). */
+    /** Takes over every property value of another object that is neither computed nor read-only, in this object's
+     * order, and its naming template. Properties that either lacks are left alone. True if every value could be copied;
+     * an object whose copy constructor could not is given up by LyrMetaClass::clone(). */
     virtual bool copyFrom(const LyrObject& other);
 
+protected:
+    /** For a copyFrom() that cannot even begin: the object is no complete copy. Returns false. */
+    bool failCopy() noexcept {
+        mCopyIncomplete = true;
+        return false;
+    }
+
+public:
     /** Passes property changes of owned objects on to the owners of this one. */
     bool iocCallback(Message& message) override;
 
@@ -112,6 +124,7 @@ private:
 
     mutable std::atomic<std::int64_t> mRefCount{0};
     std::atomic<bool> mDying{false};
+    bool mLacksProperty = false;
     bool mCopyIncomplete = false;
     LyrTimestamp mModified;
     std::vector<LyrProperty*> mProperties;

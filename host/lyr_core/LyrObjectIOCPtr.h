@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <list>
 
-/** Holds a reference to an object and has its messages sent to a listener. Either may go first: the handle then has no object,
- *  or no listener, any more. */
+/** Holds a reference to an object and has its messages sent to a listener. Either may go first: the handle then has no
+ * object, or no listener, any more. */
 class LYR_CORE_EXPORT LyrObjectIOCPtr {
 public:
     explicit LyrObjectIOCPtr(LyrIOC* listener = nullptr, LyrObject* object = nullptr) noexcept;

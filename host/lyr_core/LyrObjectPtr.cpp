@@ -14,7 +14,8 @@ namespace {
 LyrObject* findSingleton(const LyrMetaClass& meta) noexcept {
     for (const bool exact : {true, false}) {
         LyrClass* existing = nullptr;
-        if (LyrClassManager::findObjects(&existing, 1, LyrClassManager::SearchPattern(meta.getClassName(), exact)) > 0) {
+        if (LyrClassManager::findObjects(&existing, 1, LyrClassManager::SearchPattern(meta.getClassName(), exact)) >
+            0) {
             return dynamic_cast<LyrObject*>(existing);
         }
     }
@@ -53,7 +54,9 @@ LyrObjectIOCPtr::LyrObjectIOCPtr(LyrIOC* listener, LyrObject* object) noexcept :
 LyrObjectIOCPtr::LyrObjectIOCPtr(const LyrObjectIOCPtr& other) noexcept
     : LyrObjectIOCPtr(other.getListener(), other.get()) {}
 
-LyrObjectIOCPtr& LyrObjectIOCPtr::operator=(const LyrObjectIOCPtr& other) noexcept { return *this = other.get(); }
+LyrObjectIOCPtr& LyrObjectIOCPtr::operator=(const LyrObjectIOCPtr& other) noexcept {
+    return *this = other.get();
+}
 
 LyrObjectIOCPtr& LyrObjectIOCPtr::operator=(LyrObject* object) noexcept {
     if (object != mObject) {
@@ -77,7 +80,9 @@ LyrObjectIOCPtr::~LyrObjectIOCPtr() {
     }
 }
 
-void LyrObjectIOCPtr::setListener(LyrIOC* listener) noexcept { reconnect(listener); }
+void LyrObjectIOCPtr::setListener(LyrIOC* listener) noexcept {
+    reconnect(listener);
+}
 
 void LyrObjectIOCPtr::reconnect(LyrIOC* listener) noexcept {
     mLine.connect(mObject, listener, LyrIOCConnection::Kind::Handle, -1);
@@ -133,7 +138,8 @@ bool LyrObjectPath::append(const LyrObjectLink& link) noexcept {
 LyrObjectPath LyrObjectPath::toRoot(LyrObject* object) noexcept {
     LyrObjectPath path;
     const auto isOnPath = [&](const LyrObject* wanted) {
-        return std::any_of(path.mLinks.begin(), path.mLinks.end(), [&](const Step& step) { return step.target == wanted; });
+        return std::any_of(path.mLinks.begin(), path.mLinks.end(),
+                           [&](const Step& step) { return step.target == wanted; });
     };
     for (LyrObject* at = object; at && !isOnPath(at);) {  // owners may own each other in a ring
         const LyrObjectLink link = at->getParentLink();

@@ -37,9 +37,9 @@ private:
     LyrObject* mObject = nullptr;
 };
 
-/** Makes a new object of a named class in a scope and holds it; of a singleton class, finds the one that is there (of the
- *  class itself, else of one derived from it) and leaves its scope. Null when the class is unknown, no LyrObject, or the object
- *  could not be made. */
+/** Makes a new object of a named class in a scope and holds it; of a singleton class, finds the one that is there (of
+ * the class itself, else of one derived from it) and leaves its scope. Null when the class is unknown, no LyrObject, or
+ * the object could not be made. */
 class LYR_CORE_EXPORT LyrObjectRefPtr {
 public:
     LyrObjectRefPtr() noexcept = default;

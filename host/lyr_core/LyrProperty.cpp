@@ -6,10 +6,12 @@
 #include <lyr_core/LyrUndoJournal.h>
 
 LyrProperty::State::~State() = default;
-bool LyrProperty::State::holdsObjectsOf(const char*) const { return false; }
+bool LyrProperty::State::holdsObjectsOf(const char*) const {
+    return false;
+}
 
-/** The way of a call along the extensions of a property. Lives on the stack of the call; extensions that leave meanwhile,
- *  and the property's own end, are noted in all walks under way. */
+/** The way of a call along the extensions of a property. Lives on the stack of the call; extensions that leave
+ * meanwhile, and the property's own end, are noted in all walks under way. */
 class LyrProperty::ExtensionWalk {
 public:
     explicit ExtensionWalk(LyrProperty& property) noexcept
@@ -76,12 +78,14 @@ bool LyrProperty::forEachExtension(Call call) {
 }
 
 const LyrMetaClass& LyrProperty::metaClass() {
-    static const LyrMetaClass meta("LyrProperty", sizeof(LyrProperty), &LyrClass::metaClass(), nullptr, "lyr_core", 0, nullptr,
-                                   0, 0, 0, false);
+    static const LyrMetaClass meta("LyrProperty", sizeof(LyrProperty), &LyrClass::metaClass(), nullptr, "lyr_core", 0,
+                                   nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& LyrProperty::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrProperty::getMetaClass() const {
+    return metaClass();
+}
 
 bool LyrProperty::emitError(Lyrenum code) const noexcept {
     const LyrClass* source = mOwner;
@@ -117,7 +121,9 @@ void LyrProperty::endWrite(std::unique_ptr<State> before) {
     announceChange();
 }
 
-bool LyrProperty::reportFailedWrite() const noexcept { return emitError(Lyr::AllocationFailed); }
+bool LyrProperty::reportFailedWrite() const noexcept {
+    return emitError(Lyr::AllocationFailed);
+}
 
 void LyrProperty::announceChange() {
     const bool alive = forEachExtension([](Extension& extension) { extension.propertyHasChangedHook(); });

@@ -27,9 +27,9 @@ enum class LyrValueType : std::uint8_t {
 
 /** One value, or list of values, of an object. It knows its owner and identifier, never a widget.
  *
- *  A write that changes nothing (LyrSameValue.h) is silent. Any other is recorded for undo where the flags say so, stamps the
- *  owner and sends Lyr::PropertyHasChanged to the owner's listeners. Before the property is added to an owner, writes only
- *  store. */
+ *  A write that changes nothing (LyrSameValue.h) is silent. Any other is recorded for undo where the flags say so,
+ * stamps the owner and sends Lyr::PropertyHasChanged to the owner's listeners. Before the property is added to an
+ * owner, writes only store. */
 class LYR_CORE_EXPORT LyrProperty : public LyrClassMember {
 public:
     class Extension;
@@ -73,8 +73,9 @@ public:
 
     /** The present value. Null when memory ran out. */
     virtual std::unique_ptr<State> takeState() const = 0;
-    /** Writes a value taken from this property. It is told and stamped like any write. */
-    virtual bool restoreState(const State& state) = 0;
+    /** Exchanges the value with one taken from this property: `state` then holds what was there before. Told and
+     * stamped like any write; needs no memory unless it is recorded. */
+    virtual bool restoreState(State& state) = 0;
     /** Takes over the value of a property of the same type. Owning link properties copy their objects. */
     virtual bool copyValueFrom(const LyrProperty& source) = 0;
 
@@ -84,18 +85,18 @@ public:
     void removeAllPropertyExtensions();
     Extension* firstExtension() const noexcept { return mExtensions; }
 
-    /** True if a write now would be recorded: inside a user action, and the property carries exactly the data flags of its
-     *  owner, at least one. Writes to an owner that nobody holds yet, or that is dying, are not recorded: they belong to its
-     *  making or its end. */
+    /** True if a write now would be recorded: inside a user action, and the property carries exactly the data flags of
+     * its owner, at least one. Writes to an owner that nobody holds yet, or that is dying, are not recorded: they
+     * belong to its making or its end. */
     bool isRecorded() const noexcept;
 
 protected:
     void flagsWillChange(unsigned int set, unsigned int clear) override;
     void flagsHaveChanged(unsigned int before) override;
 
-    /** What every write does around the change: refuses a read-only property, hands the old value to the undo journal, lets
-     *  `change` do the work and tells of it. `change` returns bool and leaves the value alone when it fails; std::bad_alloc
-     *  from it is reported. */
+    /** What every write does around the change: refuses a read-only property, hands the old value to the undo journal,
+     * lets `change` do the work and tells of it. `change` returns bool and leaves the value alone when it fails;
+     * std::bad_alloc from it is reported. */
     template <class Change>
     bool write(Change change);
 

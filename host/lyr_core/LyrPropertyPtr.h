@@ -6,8 +6,8 @@
 
 #include <vector>
 
-/** Finds the property of an object by identifier and gives its typed interface; null if the object is null, or lacks it, or
- *  the property is of another type. IF is LyrSingleValuePropertyIF<T> or LyrValueArrayPropertyIF<T>. */
+/** Finds the property of an object by identifier and gives its typed interface; null if the object is null, or lacks
+ * it, or the property is of another type. IF is LyrSingleValuePropertyIF<T> or LyrValueArrayPropertyIF<T>. */
 template <class IF>
 class LyrPropertyPtr {
 public:

@@ -26,7 +26,8 @@ struct LyrPropertyTraits;
 template <>
 struct LyrPropertyTraits<Lyrenum> : LyrPlainPropertyTraits<Lyrenum, LyrValueType::Enum> {};
 template <>
-struct LyrPropertyTraits<LyrValuePair<Lyrenum>> : LyrPlainPropertyTraits<LyrValuePair<Lyrenum>, LyrValueType::EnumPair> {};
+struct LyrPropertyTraits<LyrValuePair<Lyrenum>>
+    : LyrPlainPropertyTraits<LyrValuePair<Lyrenum>, LyrValueType::EnumPair> {};
 template <>
 struct LyrPropertyTraits<float> : LyrPlainPropertyTraits<float, LyrValueType::Float> {};
 template <>
@@ -48,8 +49,12 @@ struct LyrPropertyTraits<const char*> {
     static constexpr LyrValueType type = LyrValueType::String;
     using Storage = LyrString;
     static LyrString toStorage(const char* value) { return LyrString::fromUtf8(value); }
-    static const char* fromStorage(const LyrString& stored) noexcept { return stored.isNull() ? nullptr : stored.utf8(); }
-    static bool same(const LyrString& stored, const char* value) noexcept { return lyrSameValue(fromStorage(stored), value); }
+    static const char* fromStorage(const LyrString& stored) noexcept {
+        return stored.isNull() ? nullptr : stored.utf8();
+    }
+    static bool same(const LyrString& stored, const char* value) noexcept {
+        return lyrSameValue(fromStorage(stored), value);
+    }
 };
 
 /** The type of the interface through which a property of a value type is read: a boolean is read as an identifier. */

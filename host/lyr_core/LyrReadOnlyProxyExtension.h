@@ -5,8 +5,8 @@
 #include <lyr_core/LyrSingleValueProperty.h>
 
 /** Makes a property show a value that lives elsewhere: the value of a property of another object, or whatever refresh()
- *  computes. The property cannot be written; it is refreshed each time it is read, and computed while the proxy is attached.
- *  The mirrored object is only listened to, not kept alive: it may be the property's own owner. */
+ *  computes. The property cannot be written; it is refreshed each time it is read, and computed while the proxy is
+ * attached. The mirrored object is only listened to, not kept alive: it may be the property's own owner. */
 template <class T>
 class LyrReadOnlyProxyExtensionIF : public LyrSingleValuePropertyExtensionIF<T>, public LyrIOC {
 public:
@@ -20,8 +20,8 @@ public:
         }
     }
 
-    /** Mirrors a property of an object from now on and listens to that object. Gives the property; null, and `*ok` false (`ok`
-     *  may be null), if there is none of this type. */
+    /** Mirrors a property of an object from now on and listens to that object. Gives the property; null, and `*ok`
+     * false (`ok` may be null), if there is none of this type. */
     LyrProperty* requestProperty(LyrObject* object, Lyrenum id, bool* ok) {
         auto* typed = object ? LyrSingleValuePropertyIF<T>::getInterface(object->getProperty(id)) : nullptr;
         mSource = typed ? object : nullptr;
@@ -33,10 +33,10 @@ public:
         return typed;
     }
 
-    /** Hooks the proxy to another property, after it has left its present one; null: to none. It is not deleted on the way,
-     *  and auto-delete comes back only where it ends without a property: on a new one it belongs to who moved it. Flagged
-     *  LyrFlags::COMPATIBILITY_SAVE, it takes the flag "CompatibilitySave" from the old property to the new one. False if the
-     *  new property cannot be had. */
+    /** Hooks the proxy to another property, after it has left its present one; null: to none. It is not deleted on the
+     * way, and auto-delete comes back only where it ends without a property: on a new one it belongs to who moved it.
+     * Flagged LyrFlags::COMPATIBILITY_SAVE, it takes the flag "CompatibilitySave" from the old property to the new one.
+     * False if the new property cannot be had. */
     bool moveTo(LyrProperty* property) {
         LyrProperty* const old = this->getProperty();
         if (property == old) {

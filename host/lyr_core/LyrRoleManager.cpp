@@ -92,7 +92,8 @@ bool callHooks(Lyrenum role, Call call) noexcept {
         Roles& roles = Roles::instance();
         const std::lock_guard lock(roles.mutex);
         if (const Role* entry = roles.find(role)) {
-            complete = std::all_of(entry->hooks.begin(), entry->hooks.end(), [&](Hook* hook) { return hooks.append(hook); });
+            complete =
+                std::all_of(entry->hooks.begin(), entry->hooks.end(), [&](Hook* hook) { return hooks.append(hook); });
         }
     }
     for (Hook* hook : hooks) {
@@ -139,9 +140,8 @@ bool LyrObject::RoleManager::isRole(Lyrenum role) noexcept {
 }
 
 bool LyrObject::RoleManager::addDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept {
-    return changeRole(role, Missing::Make, [&](Role& entry) {
-        return appendNew(entry.defaultClasses, std::string(meta.getClassName()));
-    });
+    return changeRole(role, Missing::Make,
+                      [&](Role& entry) { return appendNew(entry.defaultClasses, std::string(meta.getClassName())); });
 }
 
 bool LyrObject::RoleManager::removeDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept {

@@ -16,7 +16,8 @@ public:
     RoleHook& operator=(const RoleHook&) = delete;
     /** Removes the hook from all roles; nobody leaves a role by that. */
     virtual ~RoleHook();
-    /** An object takes on the role. False: something could not be set up (the object takes on the role all the same). */
+    /** An object takes on the role. False: something could not be set up (the object takes on the role all the same).
+     */
     virtual bool enterRoleHook(const LyrObjectLink& object) = 0;
     virtual void leaveRoleHook(const LyrObjectLink& object) = 0;
 };
@@ -40,7 +41,8 @@ public:
     static bool removeRole(Lyrenum role) noexcept;
     static bool isRole(Lyrenum role) noexcept;
 
-    /** Objects of the class, and of classes derived from it, take on the role in prepareRoles(). False if it is one already. */
+    /** Objects of the class, and of classes derived from it, take on the role in prepareRoles(). False if it is one
+     * already. */
     static bool addDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept;
     static bool removeDefaultRole(const LyrMetaClass& meta, Lyrenum role) noexcept;
 

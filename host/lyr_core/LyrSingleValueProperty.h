@@ -4,6 +4,7 @@
 #include <lyr_core/LyrPropertyTraits.h>
 
 #include <memory>
+#include <utility>
 
 template <class T>
 class LyrSingleValuePropertyExtensionIF;
@@ -116,8 +117,18 @@ public:
             return nullptr;
         }
     }
-    bool restoreState(const LyrProperty::State& state) override {
-        return writeStored(Traits::fromStorage(static_cast<const ValueState&>(state).value));
+    bool restoreState(LyrProperty::State& state) override {
+        Storage& other = static_cast<ValueState&>(state).value;
+        if (this->checkData(Traits::fromStorage(other), true) != 1) {
+            return false;
+        }
+        if (Traits::same(mValue, Traits::fromStorage(other))) {
+            return true;
+        }
+        return this->write([&] {
+            std::swap(mValue, other);
+            return true;
+        });
     }
 
     /** The stored value itself, extensions left out. */

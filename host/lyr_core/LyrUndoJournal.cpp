@@ -35,15 +35,7 @@ bool LyrUndoStep::swap(Entry& entry) noexcept {
         return true;  // taken out of its object since: there is nothing to bring back
     }
     try {
-        std::unique_ptr<LyrProperty::State> present = property->takeState();
-        if (!present) {
-            return property->emitError(Lyr::AllocationFailed);
-        }
-        if (!property->restoreState(*entry.other)) {
-            return false;
-        }
-        entry.other = std::move(present);
-        return true;
+        return property->restoreState(*entry.other);
     } catch (...) {
         return property->emitError(Lyr::AllocationFailed);
     }

@@ -11,8 +11,8 @@
 #include <type_traits>
 #include <vector>
 
-/** A property that holds a list of values of type T, indexed from 0. Ranges are given by their first and last index, both
- *  inclusive; the empty range is (0, -1). Every operation either happens whole or not at all. */
+/** A property that holds a list of values of type T, indexed from 0. Ranges are given by their first and last index,
+ * both inclusive; the empty range is (0, -1). Every operation either happens whole or not at all. */
 template <class T>
 class LyrValueArrayPropertyIF : public LyrProperty {
 public:
@@ -38,13 +38,14 @@ public:
     virtual bool insertArrayItems(long long first, long long last, const T* items) = 0;
     virtual bool removeArrayItems(long long first, long long last) = 0;
 
-    /** Direct read access; the list cannot be written until every lock is given back. Null, and no lock, for an empty list. */
+    /** Direct read access; the list cannot be written until every lock is given back. Null, and no lock, for an empty
+     * list. */
     virtual const T* lockArrayPtr() const = 0;
     /** Gives back a lock; null, or a pointer that came from elsewhere, does nothing. */
     virtual void unlockArrayPtr(const T* items) const = 0;
 
-    /** A new property of this type that holds the same items, without owner, its identifier set. The caller owns it; null when
-     *  memory ran out. */
+    /** A new property of this type that holds the same items, without owner, its identifier set. The caller owns it;
+     * null when memory ran out. */
     virtual LyrProperty* clone(Lyrenum id) const = 0;
 
     /** The verdict on items that are about to be written: 1 accepts them. */
@@ -181,8 +182,8 @@ public:
                 return copy.release();
             }
         } catch (...) {
-            this->emitError(Lyr::AllocationFailed);
         }
+        this->emitError(Lyr::AllocationFailed);
         return nullptr;
     }
 
@@ -201,9 +202,19 @@ public:
             return nullptr;
         }
     }
-    bool restoreState(const LyrProperty::State& state) override {
-        const auto& items = static_cast<const ListState&>(state).items;
-        return this->initArray(0, static_cast<long long>(items.size()) - 1, items.data());
+    bool restoreState(LyrProperty::State& state) override {
+        std::vector<T>& items = static_cast<ListState&>(state).items;
+        const auto count = static_cast<long long>(items.size());
+        if (!mayWrite(count, items.data())) {
+            return false;
+        }
+        if (count == size() && isSame(mItems, items.data())) {
+            return true;
+        }
+        return isUnlocked() && this->write([&] {
+            mItems.swap(items);
+            return true;
+        });
     }
 
     bool copyValueFrom(const LyrProperty& source) override {
@@ -248,9 +259,7 @@ private:
     bool mayWrite(long long count, const T* items) const {
         return !this->isReadOnly() && this->checkItems(count, items) == 1;
     }
-    bool isUnlocked() const {
-        return mLocks.load(std::memory_order_acquire) == 0 || this->emitError(Lyr::Locked);
-    }
+    bool isUnlocked() const { return mLocks.load(std::memory_order_acquire) == 0 || this->emitError(Lyr::Locked); }
 
     std::vector<T> mItems;
     std::vector<T> mResetItems;

@@ -99,7 +99,9 @@ private:
     int mNext = FIRST_FREE_NUMBER;
 };
 
-std::string_view viewOf(const char* text) { return text ? std::string_view(text) : std::string_view(); }
+std::string_view viewOf(const char* text) {
+    return text ? std::string_view(text) : std::string_view();
+}
 
 }  // namespace
 
@@ -109,7 +111,9 @@ Lyrenum::Lyrenum(const char* name, bool mustExist) : mNumber(LyrIdentifierRegist
     }
 }
 
-std::string Lyrenum::getName() const noexcept { return LyrIdentifierRegistry::nameOf(mNumber); }
+std::string Lyrenum::getName() const noexcept {
+    return LyrIdentifierRegistry::nameOf(mNumber);
+}
 
 int LyrIdentifierRegistry::registerName(const char* name, const char* module) noexcept {
     try {
@@ -178,4 +182,6 @@ LyrRegisteredEnum::~LyrRegisteredEnum() {
     }
 }
 
-bool __lyr_enum_init() { return LyrIdentifierRegistry::find("Type") == int(Lyr::Type); }
+bool __lyr_enum_init() {
+    return LyrIdentifierRegistry::find("Type") == int(Lyr::Type);
+}

@@ -10,7 +10,8 @@
 class LYR_CORE_EXPORT Lyrenum {
 public:
     constexpr Lyrenum() noexcept = default;
-    constexpr Lyrenum(int number) noexcept : mNumber(number) {}  // NOLINT(google-explicit-constructor): numbers are identifiers
+    constexpr Lyrenum(int number) noexcept
+        : mNumber(number) {}  // NOLINT(google-explicit-constructor): numbers are identifiers
     /** The identifier registered under a name. An unknown name gives -1; with `mustExist` it is reported as
      *  Lyr::UnknownIdentifier as well. */
     Lyrenum(const char* name, bool mustExist);

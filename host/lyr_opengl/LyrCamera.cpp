@@ -13,7 +13,9 @@ bool registerRole() {
 
 }  // namespace
 
-LyrCamera::LyrCamera() { build(); }
+LyrCamera::LyrCamera() {
+    build();
+}
 
 LyrCamera::LyrCamera(const LyrCamera& other) : LyrObject(other) {
     build();
@@ -28,9 +30,11 @@ void LyrCamera::build() {
 }
 
 const LyrMetaClass& LyrCamera::metaClass() {
-    static const LyrMetaClass meta("LyrCamera", sizeof(LyrCamera), &LyrObject::metaClass(), new LyrClassFactory<LyrCamera>,
-                                   "lyr_opengl", 0, nullptr, 0, 0, 0, false);
+    static const LyrMetaClass meta("LyrCamera", sizeof(LyrCamera), &LyrObject::metaClass(),
+                                   new LyrClassFactory<LyrCamera>, "lyr_opengl", 0, nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& LyrCamera::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrCamera::getMetaClass() const {
+    return metaClass();
+}

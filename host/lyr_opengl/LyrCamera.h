@@ -7,8 +7,8 @@
 
 /** What a view looks through. Takes on the role Lyr::Camera in prepareRoles().
  *
- *  `RenderedObjectList` holds what is drawn for the camera; who puts an object in takes it out again, so the list is neither
- *  copied nor stored. `DotsPerInch` is the resolution of the view's screen, (0, 0) if it is not known. */
+ *  `RenderedObjectList` holds what is drawn for the camera; who puts an object in takes it out again, so the list is
+ * neither copied nor stored. `DotsPerInch` is the resolution of the view's screen, (0, 0) if it is not known. */
 class LYR_OPENGL_EXPORT LyrCamera : public LyrObject {
 public:
     LyrCamera();

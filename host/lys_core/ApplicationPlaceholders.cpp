@@ -28,7 +28,9 @@ const Entry* findBy(QString Entry::*field, QStringView value) {
     return found != entries().end() ? &*found : nullptr;
 }
 
-QString toQt(const LyrString& text) { return text.isNull() ? QString() : QString::fromUtf8(text.utf8()); }
+QString toQt(const LyrString& text) {
+    return text.isNull() ? QString() : QString::fromUtf8(text.utf8());
+}
 
 bool isProper(const QString& text) {
     return !text.isEmpty() && !text.contains(QLatin1Char('{')) && !text.contains(QLatin1Char('}'));
@@ -72,10 +74,13 @@ bool Placeholders::add(const LyrString& key, const LyrString& name, const LyrStr
 }
 
 int Placeholders::removeAllFrom(const char* module) {
-    return static_cast<int>(std::erase_if(entries(), [&](const Entry& entry) { return module && entry.module == module; }));
+    return static_cast<int>(
+        std::erase_if(entries(), [&](const Entry& entry) { return module && entry.module == module; }));
 }
 
-bool Placeholders::contains(const LyrString& key) { return findBy(&Entry::key, toQt(key)) != nullptr; }
+bool Placeholders::contains(const LyrString& key) {
+    return findBy(&Entry::key, toQt(key)) != nullptr;
+}
 
 QString Placeholders::internalToDisplayText(const QString& text, const LyrObject* object, bool* error) {
     bool unknown = false;

@@ -9,15 +9,16 @@ class LyrObject;
 
 namespace ly::i18n {
 
-/** Placeholders in texts that users write. A template holds them as `%{key}`; an editor shows `{Name}` with the translated
- *  name; the displayed text has what the placeholder's resolver gives for the object that the text belongs to. Placeholders
- *  that nobody registered stay as they are in all three forms. */
+/** Placeholders in texts that users write. A template holds them as `%{key}`; an editor shows `{Name}` with the
+ * translated name; the displayed text has what the placeholder's resolver gives for the object that the text belongs
+ * to. Placeholders that nobody registered stay as they are in all three forms. */
 class LYS_CORE_EXPORT Placeholders {
 public:
     /** Gives the text for a placeholder; a null string stands for nothing. `object` may be null. */
     using Resolver = LyrString (*)(const LyrString& key, const LyrObject* object);
 
-    /** Registers a placeholder. All texts are copied. False if the key or name is empty or holds a brace, or the key is taken. */
+    /** Registers a placeholder. All texts are copied. False if the key or name is empty or holds a brace, or the key is
+     * taken. */
     static bool add(const LyrString& key, const LyrString& name, const LyrString& description, Resolver resolver,
                     const char* module);
     /** Takes out all placeholders of a module; returns how many they were. */

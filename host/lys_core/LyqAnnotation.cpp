@@ -6,27 +6,36 @@
 
 #include <QPainter>
 
-LyqAnnotation::LyqAnnotation(LyqAnnotationGroup* group, const char* name) : mName(QString::fromUtf8(name)), mGroup(group) {
+LyqAnnotation::LyqAnnotation(LyqAnnotationGroup* group, const char* name)
+    : mName(QString::fromUtf8(name)), mGroup(group) {
     addProperty(Lyr::Object, &mObject);
 }
 
 LyqAnnotation::~LyqAnnotation() = default;
 
 const LyrMetaClass& LyqAnnotation::metaClass() {
-    static const LyrMetaClass meta("LyqAnnotation", sizeof(LyqAnnotation), &LyrObject::metaClass(), nullptr, "lys_core", 0,
-                                   nullptr, 0, 0, 0, false);
+    static const LyrMetaClass meta("LyqAnnotation", sizeof(LyqAnnotation), &LyrObject::metaClass(), nullptr, "lys_core",
+                                   0, nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& LyqAnnotation::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqAnnotation::getMetaClass() const {
+    return metaClass();
+}
 
-LyqAnnotation::RenderingModeEnum LyqAnnotation::getRenderingMode() const { return LiveWidget; }
+LyqAnnotation::RenderingModeEnum LyqAnnotation::getRenderingMode() const {
+    return LiveWidget;
+}
 
 void LyqAnnotation::beginUserMove() {}
 
-void LyqAnnotation::setGroup(LyqAnnotationGroup* group) { mGroup = group; }
+void LyqAnnotation::setGroup(LyqAnnotationGroup* group) {
+    mGroup = group;
+}
 
-LyqAnnotationGroup* LyqAnnotation::getGroup() const { return mGroup; }
+LyqAnnotationGroup* LyqAnnotation::getGroup() const {
+    return mGroup;
+}
 
 void LyqAnnotation::setVisible(bool on) {
     mVisible = on;
@@ -51,7 +60,9 @@ void LyqAnnotation::setFixedSize(const QSize& size) {
     }
 }
 
-LyqFrame* LyqAnnotation::outerFrame() const { return widget(); }
+LyqFrame* LyqAnnotation::outerFrame() const {
+    return widget();
+}
 
 QWidget* LyqAnnotation::innerWidget() const {
     const LyqFrame* frame = widget();

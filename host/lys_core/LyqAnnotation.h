@@ -14,8 +14,9 @@
 class LyqAnnotationGroup;
 class LyqFrame;
 
-/** Something that stands over a view: a legend, a note. Its widget is either shown over the view or, out of sight, rendered
- *  into an image that a rendering driver draws. Place and size are the annotation's own numbers, in pixels of the view. */
+/** Something that stands over a view: a legend, a note. Its widget is either shown over the view or, out of sight,
+ * rendered into an image that a rendering driver draws. Place and size are the annotation's own numbers, in pixels of
+ * the view. */
 class LYS_CORE_EXPORT LyqAnnotation : public QObject, public LyrObject {
     Q_OBJECT
 
@@ -57,8 +58,8 @@ public:
     QSize sizeHint() const;
     QSize minimumSizeHint() const;
 
-    /** The widget as 32-bit RGB image on the key colour, of the annotation's size, at least 1 by 1; null once the frame is gone.
-     *  Rendered when it was never before, or for another size. */
+    /** The widget as 32-bit RGB image on the key colour, of the annotation's size, at least 1 by 1; null once the frame
+     * is gone. Rendered when it was never before, or for another size. */
     QImage getImage();
     /** Renders the image anew. */
     void updateImage();

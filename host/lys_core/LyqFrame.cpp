@@ -4,7 +4,9 @@
 #include <QPalette>
 #include <QResizeEvent>
 
-LyqFrame::LyqFrame(QWidget* parent, const char* name) : QFrame(parent) { setObjectName(QString::fromUtf8(name)); }
+LyqFrame::LyqFrame(QWidget* parent, const char* name) : QFrame(parent) {
+    setObjectName(QString::fromUtf8(name));
+}
 
 void LyqFrame::setContent(QWidget* content) {
     mContent = content;

@@ -6,8 +6,8 @@
 #include <QFrame>
 #include <QPointer>
 
-/** A frame that holds one widget and gives it all of its place. It uses no layout: layouts of hidden widgets answer late, and
- *  frames of annotations stay hidden. */
+/** A frame that holds one widget and gives it all of its place. It uses no layout: layouts of hidden widgets answer
+ * late, and frames of annotations stay hidden. */
 class LYS_CORE_EXPORT LyqFrame : public QFrame {
     Q_OBJECT
 
@@ -21,7 +21,8 @@ public:
     /** Background for all states of the widget, so that it is the same while the window is disabled or inactive. */
     void setBackgroundColor(const QColor& color);
 
-    /** Sets the size of this frame and of what it holds, frames in it included, at once. Hidden widgets hear of it too. */
+    /** Sets the size of this frame and of what it holds, frames in it included, at once. Hidden widgets hear of it too.
+     */
     void resizeAtOnce(const QSize& size);
 
 protected:

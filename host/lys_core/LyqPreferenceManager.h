@@ -10,7 +10,9 @@ class LYS_CORE_EXPORT LyqPreferenceManager {
 public:
     static LyqPreferenceManager& instance();
 
-    QVariant value(const QString& key, const QVariant& fallback = QVariant()) const { return mSettings.value(key, fallback); }
+    QVariant value(const QString& key, const QVariant& fallback = QVariant()) const {
+        return mSettings.value(key, fallback);
+    }
     void setValue(const QString& key, const QVariant& value) { mSettings.setValue(key, value); }
 
 private:

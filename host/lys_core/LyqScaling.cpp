@@ -16,7 +16,9 @@ double scaled(float dotsPerInch, double pixels) {
            static_cast<double>(LyqScaling::DEFAULT_DOTS_PER_INCH);
 }
 
-int roundedHalfUp(double value) { return static_cast<int>(std::floor(std::clamp(value, -LARGEST_LENGTH, LARGEST_LENGTH) + 0.5)); }
+int roundedHalfUp(double value) {
+    return static_cast<int>(std::floor(std::clamp(value, -LARGEST_LENGTH, LARGEST_LENGTH) + 0.5));
+}
 
 }  // namespace
 
@@ -33,7 +35,9 @@ int LyqScaling::getScaledPixeli(float dotsPerInch, int pixels) {
     return pixels >= 1 ? std::max(length, 1) : length;
 }
 
-int LyqScaling::getScaledPixelip(float dotsPerInch, int pixels) { return getScaledPixeli(dotsPerInch, pixels); }
+int LyqScaling::getScaledPixelip(float dotsPerInch, int pixels) {
+    return getScaledPixeli(dotsPerInch, pixels);
+}
 
 QFont LyqScaling::getScaledFont(const QFont& font, float dotsPerInch) {
     const double pixels = font.pointSizeF() > 0.0

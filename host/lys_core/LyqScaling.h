@@ -4,8 +4,8 @@
 
 #include <QFont>
 
-/** Lengths given for a screen of 96 dots per inch, scaled to another resolution. A resolution that is not a positive finite
- *  number stands for the application's default, 96. */
+/** Lengths given for a screen of 96 dots per inch, scaled to another resolution. A resolution that is not a positive
+ * finite number stands for the application's default, 96. */
 class LYS_CORE_EXPORT LyqScaling {
 public:
     static constexpr float DEFAULT_DOTS_PER_INCH = 96.0f;

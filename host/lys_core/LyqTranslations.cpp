@@ -30,7 +30,8 @@ QString LyqTranslations::folder() {
 bool LyqTranslations::install(const QLocale& locale) {
     remove();
     auto translator = std::make_unique<QTranslator>();
-    if (!QCoreApplication::instance() || !translator->load(locale, QStringLiteral("lys"), QStringLiteral("_"), folder())) {
+    if (!QCoreApplication::instance() ||
+        !translator->load(locale, QStringLiteral("lys"), QStringLiteral("_"), folder())) {
         return false;
     }
     QCoreApplication::installTranslator(translator.get());

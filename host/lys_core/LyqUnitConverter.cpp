@@ -27,7 +27,9 @@ bool readNumber(const QString& text, double& out) {
     return ok && std::isfinite(out);
 }
 
-LyrString toHostString(const QString& text) { return LyrString::fromUtf8(text.toUtf8().constData()); }
+LyrString toHostString(const QString& text) {
+    return LyrString::fromUtf8(text.toUtf8().constData());
+}
 
 }  // namespace
 
@@ -64,7 +66,8 @@ double LyqUnitConverter::displayToInternal(double value) const {
 }
 
 QString LyqUnitConverter::internalToDisplayString(double value, int displayMode, int precision) const {
-    const QString number = typingLocale(QLocale()).toString(internalToDisplay(value), 'g', precision < 0 ? SIGNIFICANT_DIGITS : precision);
+    const QString number =
+        typingLocale(QLocale()).toString(internalToDisplay(value), 'g', precision < 0 ? SIGNIFICANT_DIGITS : precision);
     const QString unit = getDisplayUnitAbbr();
     return displayMode == WithUnit && !unit.isEmpty() ? number + QLatin1Char(' ') + unit : number;
 }

@@ -33,9 +33,9 @@ public:
 
     /** A value as text: general format with `precision` significant digits (6 for -1), trailing zeros dropped. */
     QString internalToDisplayString(double value, int displayMode = NumberOnly, int precision = -1) const;
-    /** Reads a number in the user's locale, else in C, with an optional unit of the quantity behind it. Without a unit the
-     *  display unit is meant. `ok` (may be null) becomes false, and the result 0, for anything else and for numbers that are
-     *  not finite. */
+    /** Reads a number in the user's locale, else in C, with an optional unit of the quantity behind it. Without a unit
+     * the display unit is meant. `ok` (may be null) becomes false, and the result 0, for anything else and for numbers
+     * that are not finite. */
     double unitStringToInternal(const QString& text, bool* ok = nullptr) const;
 
     bool iocCallback(Message& message) override;

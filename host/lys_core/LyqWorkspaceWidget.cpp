@@ -20,7 +20,9 @@ public:
 
 }  // namespace
 
-LyqWorkspaceWidget::LyqWorkspaceWidget() { incRef(); }
+LyqWorkspaceWidget::LyqWorkspaceWidget() {
+    incRef();
+}
 
 LyqWorkspaceWidget::~LyqWorkspaceWidget() = default;
 
@@ -30,11 +32,13 @@ const LyrMetaClass& LyqWorkspaceWidget::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyqWorkspaceWidget::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqWorkspaceWidget::getMetaClass() const {
+    return metaClass();
+}
 
 LyqAnnotationGroup* LyqWorkspaceWidget::getAnnotationGroup(Lyrenum id) const {
-    const auto found =
-        std::find_if(mGroups.begin(), mGroups.end(), [&](const LyqAnnotationGroup* group) { return group->getID() == id; });
+    const auto found = std::find_if(mGroups.begin(), mGroups.end(),
+                                    [&](const LyqAnnotationGroup* group) { return group->getID() == id; });
     return found != mGroups.end() ? *found : nullptr;
 }
 
@@ -56,7 +60,9 @@ LyqCameraWidget::LyqCameraWidget(Lyrenum cameraProperty) {
 LyqSliceWidget::LyqSliceWidget() : LyqCameraWidget(Lyr::SliceCamera) {}
 
 // Whoever deletes a view, hooks hear of it while it is still whole.
-LyqSliceWidget::~LyqSliceWidget() { LyrMetaClass::prepareDestruction(this); }
+LyqSliceWidget::~LyqSliceWidget() {
+    LyrMetaClass::prepareDestruction(this);
+}
 
 const LyrMetaClass& LyqSliceWidget::metaClass() {
     static const LyrMetaClass meta("LyqSliceWidget", sizeof(LyqSliceWidget), &LyqWorkspaceWidget::metaClass(),
@@ -64,11 +70,15 @@ const LyrMetaClass& LyqSliceWidget::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyqSliceWidget::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqSliceWidget::getMetaClass() const {
+    return metaClass();
+}
 
 LyqSceneWidget::LyqSceneWidget() : LyqCameraWidget(Lyr::SceneCamera) {}
 
-LyqSceneWidget::~LyqSceneWidget() { LyrMetaClass::prepareDestruction(this); }
+LyqSceneWidget::~LyqSceneWidget() {
+    LyrMetaClass::prepareDestruction(this);
+}
 
 const LyrMetaClass& LyqSceneWidget::metaClass() {
     static const LyrMetaClass meta("LyqSceneWidget", sizeof(LyqSceneWidget), &LyqWorkspaceWidget::metaClass(),
@@ -76,4 +86,6 @@ const LyrMetaClass& LyqSceneWidget::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyqSceneWidget::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqSceneWidget::getMetaClass() const {
+    return metaClass();
+}

@@ -10,8 +10,9 @@
 
 class LyqAnnotationGroup;
 
-/** A view of the workspace, as a widget and as an object of the host's graph. Plug-ins equip views through factory hooks on
- *  this class, so views are made by their meta classes. They end like any widget: deleted, or with their parent.
+/** A view of the workspace, as a widget and as an object of the host's graph. Plug-ins equip views through factory
+ * hooks on this class, so views are made by their meta classes. They end like any widget: deleted, or with their
+ * parent.
  *
  *  The widget owns itself: references keep it from nothing. */
 class LYS_CORE_EXPORT LyqWorkspaceWidget : public QWidget, public LyrObject {

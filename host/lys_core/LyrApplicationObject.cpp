@@ -22,14 +22,18 @@ LyrDisplayUnits::UnitListAttr::UnitListAttr() {
     resetData();
 }
 
-LyrDisplayUnits::LyrDisplayUnits() { build(); }
+LyrDisplayUnits::LyrDisplayUnits() {
+    build();
+}
 
 LyrDisplayUnits::LyrDisplayUnits(const LyrDisplayUnits& other) : LyrObject(other) {
     build();
     copyFrom(other);
 }
 
-void LyrDisplayUnits::build() { addProperty(Lyr::DisplayUnitList, &mUnits); }
+void LyrDisplayUnits::build() {
+    addProperty(Lyr::DisplayUnitList, &mUnits);
+}
 
 const LyrMetaClass& LyrDisplayUnits::metaClass() {
     static const LyrMetaClass meta("LyrDisplayUnits", sizeof(LyrDisplayUnits), &LyrObject::metaClass(),
@@ -37,7 +41,9 @@ const LyrMetaClass& LyrDisplayUnits::metaClass() {
     return meta;
 }
 
-const LyrMetaClass& LyrDisplayUnits::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrDisplayUnits::getMetaClass() const {
+    return metaClass();
+}
 
 Lyrenum LyrDisplayUnits::getDisplayUnit(Lyrenum quantity) const {
     for (const Lyrenum unit : mUnits.view()) {
@@ -76,12 +82,14 @@ LyrApplicationObject::LyrApplicationObject() {
 }
 
 const LyrMetaClass& LyrApplicationObject::metaClass() {
-    static const LyrMetaClass meta("LyrApplicationObject", sizeof(LyrApplicationObject), &LyrObject::metaClass(), nullptr,
-                                   "lys_core", 0, nullptr, 0, 0, 0, true);
+    static const LyrMetaClass meta("LyrApplicationObject", sizeof(LyrApplicationObject), &LyrObject::metaClass(),
+                                   nullptr, "lys_core", 0, nullptr, 0, 0, 0, true);
     return meta;
 }
 
-const LyrMetaClass& LyrApplicationObject::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyrApplicationObject::getMetaClass() const {
+    return metaClass();
+}
 
 bool LyrApplicationObject::iocCallback(Message& message) {
     if (message.getLinkID() == Lyr::DisplayUnitList && message.getPropertyID() == Lyr::DisplayUnitList) {

@@ -31,8 +31,8 @@ private:
     UnitListAttr mUnits;
 };
 
-/** The application as an object of the host's graph: links `DisplayUnitList` (the holder of the display units, owned) and
- *  `Workspace`. Its listeners hear of changed display units as a change of its `DisplayUnitList`. */
+/** The application as an object of the host's graph: links `DisplayUnitList` (the holder of the display units, owned)
+ * and `Workspace`. Its listeners hear of changed display units as a change of its `DisplayUnitList`. */
 class LYS_CORE_EXPORT LyrApplicationObject : public LyrObject {
 public:
     LyrApplicationObject();

@@ -18,9 +18,15 @@ constexpr Lyrenum PAINT = 6001;
 class Scripted : public LyrActionAttr {
 public:
     Scripted() : LyrActionAttr(0, 0) {}
-    void check() override { step("check", onCheck, [&] { LyrActionAttr::check(); }); }
-    void execute() override { step("execute", onExecute, [&] { ok(1); }); }
-    void cleanUp() override { step("cleanUp", onCleanUp, [] {}); }
+    void check() override {
+        step("check", onCheck, [&] { LyrActionAttr::check(); });
+    }
+    void execute() override {
+        step("execute", onExecute, [&] { ok(1); });
+    }
+    void cleanUp() override {
+        step("cleanUp", onCleanUp, [] {});
+    }
 
     using LyrAction::error;
     using LyrAction::ok;

@@ -15,8 +15,8 @@ namespace {
 class Widget : public LyrClass {
 public:
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestWidget", sizeof(Widget), &LyrClass::metaClass(), new LyrClassFactory<Widget>, MODULE,
-                                       0, nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta("TestWidget", sizeof(Widget), &LyrClass::metaClass(),
+                                       new LyrClassFactory<Widget>, MODULE, 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -35,7 +35,8 @@ TEST(LyrClassManager, finds_the_objects_of_a_class_and_of_derived_classes_oldest
     const Held<> first;
     const Held<SpecialNode> second;
     const Node third;
-    EXPECT_EQ(find(Pattern("TestNode")), (std::vector<LyrClass*>{first.get(), second.get(), const_cast<Node*>(&third)}));
+    EXPECT_EQ(find(Pattern("TestNode")),
+              (std::vector<LyrClass*>{first.get(), second.get(), const_cast<Node*>(&third)}));
     EXPECT_EQ(LyrClassManager::getObjectCount(Pattern("TestNode")), 3);
     EXPECT_EQ(find(Pattern("TestSpecialNode")), std::vector<LyrClass*>{second.get()});
 }

@@ -15,8 +15,8 @@ constexpr LyrMetaClass::NamedFlag NAMED[] = {{"Loud", 0x1}, {"Quiet", 0x6}};
 class Flagged : public LyrClass {
 public:
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestFlagged", sizeof(Flagged), &LyrClass::metaClass(), nullptr, MODULE, 0, NAMED, 2, 0, 0,
-                                       false);
+        static const LyrMetaClass meta("TestFlagged", sizeof(Flagged), &LyrClass::metaClass(), nullptr, MODULE, 0,
+                                       NAMED, 2, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -32,8 +32,8 @@ protected:
 class DerivedFlagged : public Flagged {
 public:
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestDerivedFlagged", sizeof(DerivedFlagged), &Flagged::metaClass(), nullptr, MODULE, 0,
-                                       nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta("TestDerivedFlagged", sizeof(DerivedFlagged), &Flagged::metaClass(), nullptr,
+                                       MODULE, 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }

@@ -27,8 +27,12 @@ std::vector<int> numbers(const Listed& list) {
     return result;
 }
 
-bool isInFirst(const Item& item) { return static_cast<const LyrEmbeddedListNode<Item, First>&>(item).isListed(); }
-bool isInSecond(const Item& item) { return static_cast<const LyrEmbeddedListNode<Item, Second>&>(item).isListed(); }
+bool isInFirst(const Item& item) {
+    return static_cast<const LyrEmbeddedListNode<Item, First>&>(item).isListed();
+}
+bool isInSecond(const Item& item) {
+    return static_cast<const LyrEmbeddedListNode<Item, Second>&>(item).isListed();
+}
 
 }  // namespace
 

@@ -15,7 +15,8 @@ namespace {
 /** Notes its name and answers as told. */
 class Listener : public LyrError::Listener {
 public:
-    Listener(std::vector<std::string>& words, std::string name, bool takes) : mWords(words), mName(std::move(name)), mTakes(takes) {}
+    Listener(std::vector<std::string>& words, std::string name, bool takes)
+        : mWords(words), mName(std::move(name)), mTakes(takes) {}
     bool errorEmitted(const LyrError::Message& message) override {
         mWords.push_back(mName + " " + std::to_string(int(message.getCode())));
         if (onError) {
@@ -31,7 +32,9 @@ private:
     bool mTakes;
 };
 
-void emit(int code) { LyrError::emitError(LyrError::Message(Lyrenum(code))); }
+void emit(int code) {
+    LyrError::emitError(LyrError::Message(Lyrenum(code)));
+}
 
 class LyrErrorTest : public testing::Test {
 protected:

@@ -32,7 +32,9 @@ public:
     }
 };
 
-void change(Node& node) { node.weight.setValue(node.weight.stored() + 1.0f); }
+void change(Node& node) {
+    node.weight.setValue(node.weight.stored() + 1.0f);
+}
 
 using Ids = std::vector<int>;
 
@@ -238,17 +240,24 @@ TEST(LyrIOC, survives_a_listener_that_destroys_another_listener) {
 }
 
 TEST(LyrIOC, survives_a_listener_that_destroys_itself) {
-    const Held<> node;
-    auto first = std::make_unique<Listening>(node.get());
-    Listening second(node.get());
-    first->ear.onMessage = [&](auto&) {
-        // The function that runs here goes with the listener.
-        auto gone = std::move(first->ear.onMessage);
-        first.reset();
+    struct Brief : LyrIOC {
+        Brief(LyrObject* object, int& ends) : mEnds(ends), mHandle(this, object) {}
+        ~Brief() override { ++mEnds; }
+        bool iocCallback(Message&) override {
+            delete this;
+            return true;
+        }
+        int& mEnds;
+        LyrObjectIOCPtr mHandle;
     };
+    const Held<> node;
+    int ends = 0;
+    new Brief(node.get(), ends);
+    Listening second(node.get());
     change(*node);
-    EXPECT_FALSE(first);
-    EXPECT_EQ(second.ear.heard.size(), 1u);
+    change(*node);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(second.ear.heard.size(), 2u);
 }
 
 TEST(LyrIOC, ends_the_delivery_when_a_listener_destroys_the_sender) {
@@ -288,9 +297,17 @@ TEST(LyrIOC, survives_an_owner_that_is_destroyed_while_its_child_tells) {
     const Held<> child;
     (*owner)->owned.setValue(linkTo(child.get()));
     Listening after(child.get());
-    (*owner)->onMessage = [&](auto&) { owner.reset(); };
+    bool gone = false;
+    bool goneTooEarly = true;
+    (*owner)->onDestroyed = [&] { gone = true; };
+    (*owner)->onMessage = [&](auto&) {
+        owner.reset();
+        goneTooEarly = gone;
+    };
     change(*child);
     EXPECT_FALSE(owner);
+    EXPECT_FALSE(goneTooEarly);
+    EXPECT_TRUE(gone);
     EXPECT_EQ(after.ear.heard.size(), 1u);
 }
 

@@ -44,8 +44,8 @@ private:
 class Plain : public LyrClass {
 public:
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestPlain", sizeof(Plain), &LyrClass::metaClass(), new LyrClassFactory<Plain>, MODULE, 0,
-                                       nullptr, 0, 0x4, 0x1, false);
+        static const LyrMetaClass meta("TestPlain", sizeof(Plain), &LyrClass::metaClass(), new LyrClassFactory<Plain>,
+                                       MODULE, 0, nullptr, 0, 0x4, 0x1, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -61,8 +61,8 @@ public:
         copyFrom(other);
     }
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestStubborn", sizeof(Stubborn), &Node::metaClass(), new LyrClassFactory<Stubborn>, MODULE,
-                                       0, nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta("TestStubborn", sizeof(Stubborn), &Node::metaClass(),
+                                       new LyrClassFactory<Stubborn>, MODULE, 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -282,8 +282,8 @@ TEST_F(LyrMetaClassHooks, of_a_base_class_hear_of_derived_objects_after_those_of
     LyrMetaClass::addFactoryHook("TestNode", &base);
     LyrMetaClass::addFactoryHook("TestSpecialNode", &own);
     LyrMetaClass::destruct(LyrMetaClass::create("TestSpecialNode"), true);
-    EXPECT_EQ(words, (Words{"own+TestSpecialNode", "base+TestSpecialNode", "root+TestSpecialNode", "own-TestSpecialNode",
-                            "base-TestSpecialNode", "root-TestSpecialNode"}));
+    EXPECT_EQ(words, (Words{"own+TestSpecialNode", "base+TestSpecialNode", "root+TestSpecialNode",
+                            "own-TestSpecialNode", "base-TestSpecialNode", "root-TestSpecialNode"}));
     words.clear();
     LyrMetaClass::destruct(LyrMetaClass::create("TestNode"), true);
     EXPECT_EQ(words, (Words{"base+TestNode", "root+TestNode", "base-TestNode", "root-TestNode"}));
@@ -364,8 +364,8 @@ TEST_F(LyrMetaClassHooks, of_two_classes_of_one_object_are_called_once) {
 TEST_F(LyrMetaClassHooks, wait_for_a_class_that_does_not_exist_yet) {
     Hook hook(words);
     EXPECT_TRUE(LyrMetaClass::addFactoryHook("TestLate", &hook));
-    const LyrMetaClass late("TestLate", sizeof(LyrClass), nullptr, new LyrClassFactory<LyrClass>, MODULE, 0, nullptr, 0, 0, 0,
-                            false);
+    const LyrMetaClass late("TestLate", sizeof(LyrClass), nullptr, new LyrClassFactory<LyrClass>, MODULE, 0, nullptr, 0,
+                            0, 0, false);
     // The object itself tells the class of its C++ type.
     LyrMetaClass::destruct(LyrMetaClass::create("TestLate"), true);
     EXPECT_EQ(words, Words{"+LyrClass"});

@@ -372,6 +372,58 @@ TEST(LyrObject, copies_no_further_than_a_ring_of_owners_can_be_followed) {
     first->owned.resetData();
 }
 
+// Defaults
+
+TEST(LyrObject, applies_the_default_of_every_stored_property) {
+    class Settings : public Node {
+    public:
+        Settings() {
+            addProperty(8002, &thickness);
+            setNameTemplate("Settings1");
+        }
+        struct Thickness : Single<long long> {
+            Thickness() { setResetValue(12); }
+        } thickness;
+    };
+    const Held<Settings> object;
+    const auto disturb = [&] {
+        object->weight.setValue(1.0f);
+        object->thickness.setValue(5);
+        setList(object->children, {new Node});
+        setList(object->numbers, {1.0f});
+    };
+    const auto expectDefaults = [&] {
+        EXPECT_EQ(object->weight.stored(), 0.0f);
+        EXPECT_EQ(object->thickness.stored(), 12);
+        EXPECT_EQ(object->children.getArraySize(), 0);
+        EXPECT_EQ(object->numbers.getArraySize(), 0);
+        EXPECT_STREQ(object->getNameTemplate(), "Settings1");
+    };
+    disturb();
+    EXPECT_TRUE(object->resetToDefaults());
+    expectDefaults();
+    disturb();
+    EXPECT_TRUE(object->runAction(Lyr::ResetToDefaults));
+    expectDefaults();
+    disturb();
+    object->weight.setComputed(true);
+    object->thickness.setReadOnly(true);
+    EXPECT_TRUE(object->resetToDefaults());
+    EXPECT_EQ(object->weight.stored(), 1.0f);
+    EXPECT_EQ(object->thickness.stored(), 5);
+}
+
+TEST(LyrObject, says_that_a_default_could_not_be_applied_and_applies_the_others) {
+    const Held<> object;
+    setList(object->numbers, {1.0f});
+    object->onOff.setValue(1);
+    const float* items = object->numbers.lockArrayPtr();
+    Errors errors;
+    EXPECT_FALSE(object->resetToDefaults());
+    EXPECT_EQ(object->onOff.stored(), 0);
+    object->numbers.unlockArrayPtr(items);
+}
+
 // Parents
 
 TEST(LyrObject, has_the_owner_of_a_parent_link_as_parent) {

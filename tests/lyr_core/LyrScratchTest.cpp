@@ -59,8 +59,9 @@ TEST(LyrScratch, is_resized_to_any_count) {
 TEST(LyrScratch, refuses_sizes_that_no_memory_holds_and_stays_as_it_was) {
     LyrScratch<int, 4> scratch;
     ASSERT_TRUE(scratch.append(3));
-    for (const std::size_t count : {std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max() / 4,
-                                    std::numeric_limits<std::size_t>::max() / 8}) {
+    for (const std::size_t count :
+         {std::numeric_limits<std::size_t>::max(), std::numeric_limits<std::size_t>::max() / 4,
+          std::numeric_limits<std::size_t>::max() / 8}) {
         EXPECT_FALSE(scratch.reserve(count));
         EXPECT_FALSE(scratch.resize(count));
     }

@@ -58,8 +58,8 @@ public:
     }
 
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestNode", sizeof(Node), &LyrObject::metaClass(), new LyrClassFactory<Node>, MODULE, 0,
-                                       nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta("TestNode", sizeof(Node), &LyrObject::metaClass(), new LyrClassFactory<Node>,
+                                       MODULE, 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -99,9 +99,9 @@ private:
             Lyrenum id;
             LyrProperty* property;
         } properties[] = {
-            {WEIGHT, &weight},       {TITLE, &title},       {NUMBERS, &numbers},   {OWNED, &owned},
-            {PARENTED, &parented},   {FRIEND, &softFriend}, {CHILDREN, &children}, {SHARED, &shared},
-            {FRIENDS, &friends},     {SWITCH, &onOff},
+            {WEIGHT, &weight},     {TITLE, &title},       {NUMBERS, &numbers},   {OWNED, &owned},
+            {PARENTED, &parented}, {FRIEND, &softFriend}, {CHILDREN, &children}, {SHARED, &shared},
+            {FRIENDS, &friends},   {SWITCH, &onOff},
         };
         for (const auto& entry : properties) {
             addProperty(entry.id, entry.property);
@@ -142,7 +142,9 @@ private:
     LyrObjectPtr mHandle;
 };
 
-inline LyrObjectLink linkTo(LyrObject* object) { return LyrObjectLink(object, nullptr, -1); }
+inline LyrObjectLink linkTo(LyrObject* object) {
+    return LyrObjectLink(object, nullptr, -1);
+}
 
 inline bool setList(LyrLinkListIF& list, std::initializer_list<LyrObject*> objects) {
     std::vector<LyrObjectLink> links;
@@ -164,7 +166,9 @@ inline bool setList(LyrValueArrayPropertyIF<float>& list, std::initializer_list<
     return list.initArray(0, static_cast<long long>(items.size()) - 1, items.begin());
 }
 
-inline std::vector<float> itemsOf(const List<float>& list) { return {list.view().begin(), list.view().end()}; }
+inline std::vector<float> itemsOf(const List<float>& list) {
+    return {list.view().begin(), list.view().end()};
+}
 
 /** Notes what it hears. */
 class Ear : public LyrIOC {
@@ -178,8 +182,8 @@ public:
     };
 
     bool iocCallback(Message& message) override {
-        heard.push_back({message.getSender(), message.getInitialSender(), message.getMessageType(), message.getPropertyID(),
-                         message.getLinkID()});
+        heard.push_back({message.getSender(), message.getInitialSender(), message.getMessageType(),
+                         message.getPropertyID(), message.getLinkID()});
         if (onMessage) {
             onMessage(message);
         }
@@ -201,6 +205,11 @@ public:
 /** Takes the errors that a case expects. */
 class Errors : public LyrError::Listener {
 public:
+    Errors() {
+        // Room before memory gets scarce.
+        codes.reserve(64);
+        sources.reserve(64);
+    }
     bool errorEmitted(const LyrError::Message& message) override {
         codes.push_back(message.getCode());
         sources.push_back(message.getSource());

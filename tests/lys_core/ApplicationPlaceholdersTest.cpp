@@ -4,10 +4,16 @@
 
 namespace {
 
-LyrString text(const char* utf8) { return LyrString::fromUtf8(utf8); }
+LyrString text(const char* utf8) {
+    return LyrString::fromUtf8(utf8);
+}
 
-LyrString answer(const LyrString& key, const LyrObject*) { return text("<") + key + text(">"); }
-LyrString nothing(const LyrString&, const LyrObject*) { return {}; }
+LyrString answer(const LyrString& key, const LyrObject*) {
+    return text("<") + key + text(">");
+}
+LyrString nothing(const LyrString&, const LyrObject*) {
+    return {};
+}
 
 class Placeholders : public testing::Test {
 protected:
@@ -23,7 +29,9 @@ protected:
         return ApplicationPlaceholders::internalToDisplayText(QString::fromUtf8(given), nullptr, error);
     }
     static QString edit(const QString& given) { return ApplicationPlaceholders::internalToEditText(given, nullptr); }
-    static QString internal(const QString& given) { return ApplicationPlaceholders::editToInternalText(given, nullptr); }
+    static QString internal(const QString& given) {
+        return ApplicationPlaceholders::editToInternalText(given, nullptr);
+    }
 };
 
 }  // namespace

@@ -10,10 +10,10 @@
 TEST(LyqScaling, lengths_grow_with_the_resolution_and_halves_round_up) {
     EXPECT_EQ(LyqScaling::getScaledPixelip(96.0f, 12), 12);
     EXPECT_EQ(LyqScaling::getScaledPixelip(192.0f, 12), 24);
-    EXPECT_EQ(LyqScaling::getScaledPixelip(144.0f, 3), 5);   // 4.5
+    EXPECT_EQ(LyqScaling::getScaledPixelip(144.0f, 3), 5);  // 4.5
     EXPECT_EQ(LyqScaling::getScaledPixelip(72.0f, 12), 9);
-    EXPECT_EQ(LyqScaling::getScaledPixelip(72.0f, 6), 5);    // 4.5
-    EXPECT_EQ(LyqScaling::getScaledPixelip(110.0f, 10), 11); // 11.458
+    EXPECT_EQ(LyqScaling::getScaledPixelip(72.0f, 6), 5);     // 4.5
+    EXPECT_EQ(LyqScaling::getScaledPixelip(110.0f, 10), 11);  // 11.458
     EXPECT_EQ(LyqScaling::getScaledPixelf(110.0f, 10.0f), 11.458333f);
 }
 

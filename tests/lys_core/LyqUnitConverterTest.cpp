@@ -57,7 +57,8 @@ TEST_F(UnitConverter, reads_numbers_in_the_users_locale_else_in_c_with_any_unit)
 
 TEST_F(UnitConverter, refuses_what_is_no_finite_number_of_the_quantity) {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    for (const char* text : {"", " ", "mm", "abc", "1,5", "1 kg", "1 deg", "nan", "inf", "-inf", "1e999", "1 2", "1 mm mm"}) {
+    for (const char* text :
+         {"", " ", "mm", "abc", "1,5", "1 kg", "1 deg", "nan", "inf", "-inf", "1e999", "1 2", "1 mm mm"}) {
         EXPECT_EQ(read(QString::fromLatin1(text), false), 0.0);
     }
 }
@@ -68,7 +69,8 @@ TEST_F(UnitConverter, what_it_shows_can_be_typed_back) {
     for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French)}) {
         QLocale::setDefault(locale);
         for (int i = 0; i < 200; ++i) {
-            const QString shown = lengths.internalToDisplayString((i % 2 ? 1.0 : -1.0) * std::pow(10.0, exponent(random)));
+            const QString shown =
+                lengths.internalToDisplayString((i % 2 ? 1.0 : -1.0) * std::pow(10.0, exponent(random)));
             bool ok = false;
             const double back = lengths.unitStringToInternal(shown, &ok);
             EXPECT_TRUE(ok) << shown.toStdString();

@@ -93,8 +93,8 @@ TEST(LegendLayout, without_automatic_labels_every_boundary_has_one) {
 TEST(LegendLayout, a_range_that_is_empty_or_not_finite_has_no_automatic_labels_and_maps_to_zero) {
     const float inf = std::numeric_limits<float>::infinity();
     const float largest = std::numeric_limits<float>::max();
-    for (const std::vector<float>& positions : {std::vector<float>{2.0f, 2.0f}, {3.0f, 1.0f}, {-inf, 0.0f},
-                                                {0.0f, std::nanf("")}, {-largest, largest}}) {
+    for (const std::vector<float>& positions :
+         {std::vector<float>{2.0f, 2.0f}, {3.0f, 1.0f}, {-inf, 0.0f}, {0.0f, std::nanf("")}, {-largest, largest}}) {
         const Input input = vertical({100, 200}, positions);
         EXPECT_TRUE(labelValues(input, 200, HEIGHT).empty());
         EXPECT_EQ(valueToCoordinate(input, layOut(input, letters(3)), 2.0f), 0);
@@ -120,7 +120,8 @@ TEST(LegendLayout, a_vertical_bar_with_labels_left_hugs_the_right_edge) {
     Layout layout = layOut(input, letters(0));
     input.positions = {0.0f, 1.0f};
     // Labels 30 wide: bar from 33, 67 wide, shifted by 55.
-    layout = layOut(input, {[](const QString&) { return QRect(0, -12, 30, HEIGHT); }, [](float) { return QString("1"); }});
+    layout =
+        layOut(input, {[](const QString&) { return QRect(0, -12, 30, HEIGHT); }, [](float) { return QString("1"); }});
     EXPECT_EQ(layout.bar.left(), 88);
     EXPECT_EQ(layout.labels.left(), 55);
     EXPECT_EQ(layout.labels.right(), 30 + 55);
@@ -212,8 +213,8 @@ TEST(LegendLayout, a_horizontal_legend_with_labels_below_has_its_caption_on_top)
 
 TEST(LegendLayout, boxes_beyond_the_range_of_a_horizontal_bar_lie_at_its_ends) {
     const Input input = horizontal({300, 80});
-    const Layout layout = layOut(input, {[](const QString&) { return QRect(0, -12, 40, HEIGHT); },
-                                         [](float) { return QString("1"); }});
+    const Layout layout =
+        layOut(input, {[](const QString&) { return QRect(0, -12, 40, HEIGHT); }, [](float) { return QString("1"); }});
     EXPECT_EQ(layout.bar.left(), 20);
     EXPECT_EQ(layout.bar.right(), 279);
     EXPECT_EQ(upperExtensionBox(input, layout), QRect(QPoint(267, 21), QPoint(278, 32)));

@@ -309,7 +309,8 @@ TEST_F(LegendWidget, all_kinds_of_sections_look_as_they_evaluate) {
     for (const Lyrenum type : {Lyr::Rainbow, Lyr::HueCycle, Lyr::Gradient, Lyr::Constant}) {
         lyrSetValue(section(1), Lyr::Type, type);
         const LyrVector2<float> alpha[] = {{0.0f, 0.25f}, {1.0f, 0.75f}};
-        LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrVector2<float>>>(section(1), Lyr::PointListAlpha)->initArray(0, 1, alpha);
+        LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrVector2<float>>>(section(1), Lyr::PointListAlpha)
+            ->initArray(0, 1, alpha);
         for (const bool horizontal : {false, true}) {
             lyrSetValue(settings.get(), Lyr::Position, horizontal ? Lyr::Bottom : Lyr::Left);
             widget.resize(horizontal ? QSize(200, 60) : QSize(100, 200));
@@ -327,7 +328,9 @@ TEST_F(LegendWidget, all_kinds_of_sections_look_as_they_evaluate) {
                 const double a = static_cast<double>(color.alpha);
                 const double channels[] = {double(color.red), double(color.green), double(color.blue)};
                 // Labels on top: the bar's rows follow the label rectangle; column and row in the middle of each half.
-                const int top = horizontal ? widget.getScaledPixelip(3) * 2 + QFontMetrics(widget.getScaledFont()).boundingRect("-1").height() - 1 : 0;
+                const int top = horizontal ? widget.getScaledPixelip(3) * 2 +
+                                                 QFontMetrics(widget.getScaledFont()).boundingRect("-1").height() - 1
+                                           : 0;
                 const QRgb overWhite = horizontal ? image.pixel(first + 1 + i, top + 8) : image.pixel(3, first - 1 - i);
                 const QRgb overBlack = horizontal ? image.pixel(first + 1 + i, top + 3) : image.pixel(8, first - 1 - i);
                 const int white[] = {qRed(overWhite), qGreen(overWhite), qBlue(overWhite)};

@@ -12,7 +12,9 @@
 
 namespace {
 
-Lyrenum templateId() { return Lyrenum("DescriptionTemplate", true); }
+Lyrenum templateId() {
+    return Lyrenum("DescriptionTemplate", true);
+}
 
 std::string textOf(const LyrObject* object, Lyrenum id) {
     const char* text = lyrGetValue<const char*>(object, id, "(none)");
@@ -24,8 +26,8 @@ class ThicknessSettings : public LyrColorLookupTableRenderSettings {
 public:
     static const LyrMetaClass& metaClass() {
         static const LyrMetaClass meta("LyrWallThicknessColorLookupTableRenderSettings", sizeof(ThicknessSettings),
-                                       &LyrColorLookupTableRenderSettings::metaClass(), new LyrClassFactory<ThicknessSettings>,
-                                       "tests", 0, nullptr, 0, 0, 0, false);
+                                       &LyrColorLookupTableRenderSettings::metaClass(),
+                                       new LyrClassFactory<ThicknessSettings>, "tests", 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -34,8 +36,8 @@ public:
 class DerivedSettings : public ThicknessSettings {
 public:
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta("TestDerivedSettings", sizeof(DerivedSettings), &ThicknessSettings::metaClass(), nullptr,
-                                       "tests", 0, nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta("TestDerivedSettings", sizeof(DerivedSettings), &ThicknessSettings::metaClass(),
+                                       nullptr, "tests", 0, nullptr, 0, 0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -49,8 +51,9 @@ public:
                                             "LyrMatchingColorLookupTableRenderSettings",
                                             "LyrDefectDetectionColorLookupTableRenderSettings"};
     static const LyrMetaClass& metaClass() {
-        static const LyrMetaClass meta(NAMES[WHICH], sizeof(OtherSettings), &LyrColorLookupTableRenderSettings::metaClass(),
-                                       nullptr, "tests", 0, nullptr, 0, 0, 0, false);
+        static const LyrMetaClass meta(NAMES[WHICH], sizeof(OtherSettings),
+                                       &LyrColorLookupTableRenderSettings::metaClass(), nullptr, "tests", 0, nullptr, 0,
+                                       0, 0, false);
         return meta;
     }
     const LyrMetaClass& getMetaClass() const override { return metaClass(); }
@@ -92,9 +95,10 @@ TEST_F(RenderSettings, have_their_defaults_when_new) {
 }
 
 TEST_F(RenderSettings, list_their_properties_in_the_order_of_registration) {
-    const Lyrenum expected[] = {Lyr::Color,     Lyr::OutlineColor, Lyr::Font,         Lyr::HasOutline,    Lyr::Rendering,
-                                Lyr::Thickness, Lyr::Size,         Lyr::Position,     Lyr::Alignment,     Lyr::TextPosition,
-                                Lyr::TextAlignment, templateId(),  Lyr::Description};
+    const Lyrenum expected[] = {Lyr::Color,      Lyr::OutlineColor, Lyr::Font,          Lyr::HasOutline,
+                                Lyr::Rendering,  Lyr::Thickness,    Lyr::Size,          Lyr::Position,
+                                Lyr::Alignment,  Lyr::TextPosition, Lyr::TextAlignment, templateId(),
+                                Lyr::Description};
     ASSERT_EQ(settings->getPropertyCount(), 13);
     for (int i = 0; i < 13; ++i) {
         const LyrProperty* property = settings->getPropertyAt(i);
@@ -145,7 +149,8 @@ TEST_F(RenderSettings, expand_type_and_unit_by_their_class) {
     const char* const written = "%{value.type} %{value.unit}";
     lyrSetValue<const char*>(settings.get(), templateId(), written);
     EXPECT_EQ(textOf(settings.get(), Lyr::Description), " ");
-    for (LyrObject* object : {static_cast<LyrObject*>(new ThicknessSettings), static_cast<LyrObject*>(new DerivedSettings)}) {
+    for (LyrObject* object :
+         {static_cast<LyrObject*>(new ThicknessSettings), static_cast<LyrObject*>(new DerivedSettings)}) {
         const LyrObjectPtr held(object);
         lyrSetValue<const char*>(object, templateId(), written);
         EXPECT_EQ(textOf(object, Lyr::Description), "Wall thickness [%l]");
@@ -183,8 +188,9 @@ TEST_F(RenderSettings, name_the_values_of_all_four_kinds_and_nothing_else) {
         EXPECT_EQ(textOf(objects[i].get(), Lyr::Description), expected[i]);
     }
     bool error = true;
-    EXPECT_EQ(ApplicationPlaceholders::internalToDisplayText(QStringLiteral("<%{value.type}%{value.unit}>"), nullptr, &error),
-              QStringLiteral("<>"));
+    EXPECT_EQ(
+        ApplicationPlaceholders::internalToDisplayText(QStringLiteral("<%{value.type}%{value.unit}>"), nullptr, &error),
+        QStringLiteral("<>"));
     EXPECT_FALSE(error);
     const LyrObjectRefPtr table("LyrColorLookupTable", Lyr::DocumentScope);
     EXPECT_EQ(ApplicationPlaceholders::internalToDisplayText(QStringLiteral("<%{value.type}>"), table.get()),

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "ModelTools.h"
-#include "ScarceMemory.h"
+#include "scarce/ScarceMemory.h"
 
 using namespace model;
 using testing::ElementsAre;

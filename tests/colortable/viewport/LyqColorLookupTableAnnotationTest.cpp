@@ -33,7 +33,9 @@ protected:
     LyqColorLookupTableAnnotation& annotation = static_cast<LyqColorLookupTableAnnotation&>(*held.get());
 };
 
-bool isKey(QRgb pixel) { return (pixel & 0xffffffu) == 0x000008u; }
+bool isKey(QRgb pixel) {
+    return (pixel & 0xffffffu) == 0x000008u;
+}
 
 /** Hears of display units. */
 struct UnitEar : LyrIOC {
@@ -126,4 +128,6 @@ TEST_F(LegendAnnotation, survives_its_frames) {
     EXPECT_TRUE(annotation.getImage().isNull());
 }
 
-TEST_F(LegendAnnotation, has_no_copy) { EXPECT_FALSE(LyrMetaClass::find("LyqColorLookupTableAnnotation")->copy(held.get(), table.get())); }
+TEST_F(LegendAnnotation, has_no_copy) {
+    EXPECT_FALSE(LyrMetaClass::find("LyqColorLookupTableAnnotation")->copy(held.get(), table.get()));
+}

@@ -46,7 +46,9 @@ protected:
     static LyqAnnotation& at(const LyrObjectPtr& object) { return dynamic_cast<LyqAnnotation&>(*object); }
     static LyrObjectLink link(const LyrObjectPtr& object) { return LyrObjectLink(object.get(), nullptr, -1); }
     LyrValueArrayPropertyIF<LyrObjectLink>& list() {
-        return *LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>>(container.get(), Lyrenum("AnnotationList", true)).get();
+        return *LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>>(container.get(),
+                                                                           Lyrenum("AnnotationList", true))
+                    .get();
     }
     bool init(const std::vector<LyrObjectLink>& links) {
         return list().initArray(0, static_cast<long long>(links.size()) - 1, links.data());
@@ -144,7 +146,8 @@ TEST_F(AnnotationContainer, holds_its_annotations_and_lets_others_hold_them) {
 TEST_F(AnnotationContainer, lists_without_a_workspace_widget_but_says_so) {
     const LyrObjectRefPtr loose("LyrColorLookupTableAnnotationContainer", Lyr::TransientScope);
     const LyrObjectLink one = link(a);
-    LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> annotationList(loose.get(), Lyrenum("AnnotationList", true));
+    LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> annotationList(loose.get(),
+                                                                              Lyrenum("AnnotationList", true));
     EXPECT_TRUE(annotationList->initArray(0, 0, &one));
     EXPECT_EQ(errors.codes, std::vector<int>{WRONG_TYPE});
     EXPECT_EQ(at(a).getGroup(), nullptr);

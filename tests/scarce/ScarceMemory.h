@@ -1,9 +1,12 @@
 #pragma once
 
-/** Makes one allocation of this thread fail while it lives: the n-th from now on, counted from 0. */
+/** Makes allocations of this thread fail while it lives: the n-th from now on, counted from 0, and perhaps all after
+ * it. */
 class ScarceMemory {
 public:
-    explicit ScarceMemory(long long failing) noexcept;
+    enum class Failing { Once, ForGood };
+
+    explicit ScarceMemory(long long failing, Failing how = Failing::Once) noexcept;
     ~ScarceMemory();
     ScarceMemory(const ScarceMemory&) = delete;
     ScarceMemory& operator=(const ScarceMemory&) = delete;

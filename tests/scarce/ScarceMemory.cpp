@@ -1,4 +1,4 @@
-#include "ScarceMemory.h"
+#include "scarce/ScarceMemory.h"
 
 #include <lyr_core/LyrMemory.h>
 
@@ -12,13 +12,14 @@ namespace {
 
 constexpr long long PLENTY = -1;
 thread_local long long sLeft = PLENTY;
+thread_local bool sForGood = false;
 thread_local bool sFailed = false;
 
 bool mayAllocate() {
     if (sLeft == PLENTY || --sLeft >= 0) {
         return true;
     }
-    sLeft = PLENTY;
+    sLeft = sForGood ? 0 : PLENTY;
     sFailed = true;
     return false;
 }
@@ -37,8 +38,9 @@ void* allocateOrThrow(std::size_t size) {
 
 }  // namespace
 
-ScarceMemory::ScarceMemory(long long failing) noexcept {
+ScarceMemory::ScarceMemory(long long failing, Failing how) noexcept {
     sFailed = false;
+    sForGood = how == Failing::ForGood;
     sLeft = failing;
 }
 ScarceMemory::~ScarceMemory() {
