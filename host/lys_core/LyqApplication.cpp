@@ -145,8 +145,13 @@ bool LyqApplication::userActionAborted(UserActionToken token) {
     return LyrUndoJournal::instance().abort(token);
 }
 
-void LyqApplication::gestureBegin() {
+int LyqApplication::gestureBegin() {
     d->gesture = ++d->lastGesture;
+    return d->gesture;
+}
+
+void LyqApplication::gestureResume(int gesture) {
+    d->gesture = gesture;
 }
 
 void LyqApplication::gestureEnd() {

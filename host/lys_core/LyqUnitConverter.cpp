@@ -6,7 +6,9 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -45,8 +47,16 @@ void LyqUnitConverter::setQuantity(Lyrenum quantity) {
     }
 }
 
+void LyqUnitConverter::setFixedUnit(Lyrenum unit) {
+    mFixedUnit = unit;
+    updateDisplayUnit();
+}
+
 void LyqUnitConverter::updateDisplayUnit() {
-    const Lyrenum unit = static_cast<const LyrDisplayUnits&>(*mUnits.get()).getDisplayUnit(mQuantity);
+    const std::vector<Lyrenum> units = LyrQuantity::getUnits(mQuantity);
+    const bool fixed = std::find(units.begin(), units.end(), mFixedUnit) != units.end();
+    const Lyrenum unit =
+        fixed ? mFixedUnit : static_cast<const LyrDisplayUnits&>(*mUnits.get()).getDisplayUnit(mQuantity);
     if (unit != mDisplayUnit) {
         mDisplayUnit = unit;
         Q_EMIT displayUnitChanged(unit);

@@ -23,6 +23,10 @@ public:
     /** Changes the quantity; tells displayUnitChanged if the unit is another then. */
     void setQuantity(Lyrenum quantity);
 
+    /** Shows values in this unit of the quantity, whatever the user chose; -1 follows the user again. A unit that is none of
+     *  the quantity is as good as -1. */
+    void setFixedUnit(Lyrenum unit);
+
     /** The unit that values are shown in, -1 for a quantity without units. */
     Lyrenum getDisplayUnit() const { return mDisplayUnit; }
     /** Its abbreviation, such as "mm"; empty without a unit. */
@@ -49,5 +53,6 @@ private:
 
     LyrObjectIOCPtr mUnits;
     Lyrenum mQuantity;
+    Lyrenum mFixedUnit;
     Lyrenum mDisplayUnit;
 };

@@ -1,0 +1,154 @@
+#include <lyr_core/LyrMetaClass.h>
+#include <lys_core/LyqColorWidget.h>
+#include <lys_core/LyqComboBox.h>
+#include <lys_core/LyqLineEdit.h>
+#include <lys_core/LyqObjectEditorHandler.h>
+
+#include <QColorDialog>
+#include <QCoreApplication>
+#include <QKeyEvent>
+
+#include <gtest/gtest.h>
+
+#include <ToolkitApplication.h>
+
+#include <limits>
+#include <vector>
+
+namespace {
+
+class ThemedWidgets : private ToolkitApplication, public testing::Test {
+protected:
+    ThemedWidgets() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
+};
+
+/** A colour widget whose dialog is open, and what it told. */
+struct Choosing {
+    explicit Choosing(const LyrRGBAf& color) {
+        widget.setRgba(color);
+        QObject::connect(&widget, &LyqColorWidget::rgbaChanged, [this](const LyrRGBAf& told) { colors.push_back(told); });
+        QObject::connect(&widget, &LyqColorWidget::choosingStarted, [this] { ++started; });
+        QObject::connect(&widget, &LyqColorWidget::choosingFinished, [this] { ++finished; });
+        widget.click();
+    }
+    QColorDialog* dialog() { return widget.findChild<QColorDialog*>(); }
+
+    LyqColorWidget widget;
+    std::vector<LyrRGBAf> colors;
+    int started = 0;
+    int finished = 0;
+};
+
+}  // namespace
+
+TEST_F(ThemedWidgets, colours_are_truncated_to_bytes_and_all_bytes_survive_a_round_trip) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(LyqColorWidget::toQColor({0.5f, 1.0f, nan, -2.0f}), QColor(127, 255, 0, 0));
+    EXPECT_EQ(LyqColorWidget::toQColor({3.0e38f, 0.999f, 0.0f, 1.0f}), QColor(255, 254, 0, 255));
+    for (int byte = 0; byte < 256; ++byte) {
+        const QColor color(byte, 255 - byte, byte, byte);
+        EXPECT_EQ(LyqColorWidget::toQColor(LyqColorWidget::fromQColor(color)), color);
+    }
+}
+
+TEST_F(ThemedWidgets, a_colour_that_is_set_is_kept_exactly_and_silently) {
+    LyqColorWidget widget(nullptr, "mColor");
+    int told = 0;
+    QObject::connect(&widget, &LyqColorWidget::rgbaChanged, [&] { ++told; });
+    widget.setRgba({0.5f, 2.0f, 0.25f, 0.125f});
+    EXPECT_EQ(widget.rgba(), LyrRGBAf(0.5f, 2.0f, 0.25f, 0.125f));
+    EXPECT_EQ(told, 0);
+    EXPECT_EQ(widget.objectName(), "mColor");
+}
+
+TEST_F(ThemedWidgets, colours_that_are_tried_are_told_at_once) {
+    Choosing choosing({0.5f, 0.5f, 0.5f, 1.0f});
+    ASSERT_NE(choosing.dialog(), nullptr);
+    EXPECT_TRUE(choosing.dialog()->testOption(QColorDialog::ShowAlphaChannel));
+    EXPECT_EQ(choosing.dialog()->currentColor(), QColor(127, 127, 127));
+    choosing.dialog()->setCurrentColor(QColor(255, 0, 0));
+    choosing.dialog()->setCurrentColor(QColor(0, 51, 0, 102));
+    choosing.dialog()->accept();
+    ASSERT_GE(choosing.colors.size(), 2u);
+    EXPECT_EQ(choosing.colors.front(), LyrRGBAf(255 * 0.003921569f, 0.0f, 0.0f, 255 * 0.003921569f));
+    EXPECT_EQ(choosing.colors.back(), LyrRGBAf(0.0f, 51 * 0.003921569f, 0.0f, 102 * 0.003921569f));
+    EXPECT_EQ(choosing.widget.rgba(), choosing.colors.back());
+    EXPECT_EQ(choosing.started, 1);
+    EXPECT_EQ(choosing.finished, 1);
+}
+
+TEST_F(ThemedWidgets, cancelling_brings_the_exact_first_colour_back) {
+    const LyrRGBAf first(0.501f, 0.1f, 1.5f, 0.75f);
+    Choosing choosing(first);
+    choosing.dialog()->setCurrentColor(QColor(255, 0, 0));
+    choosing.dialog()->reject();
+    ASSERT_GE(choosing.colors.size(), 2u);
+    EXPECT_EQ(choosing.colors.back(), first);
+    EXPECT_EQ(choosing.widget.rgba(), first);
+}
+
+TEST_F(ThemedWidgets, confirming_without_a_choice_changes_nothing) {
+    Choosing choosing({0.501f, 0.1f, 0.9f, 0.75f});
+    choosing.dialog()->accept();
+    EXPECT_TRUE(choosing.colors.empty());
+    EXPECT_EQ(choosing.finished, 1);
+}
+
+TEST_F(ThemedWidgets, a_colour_widget_may_go_while_its_dialog_is_open) {
+    auto* widget = new LyqColorWidget;
+    widget->click();
+    delete widget;
+    QCoreApplication::sendPostedEvents();
+    QCoreApplication::processEvents();
+}
+
+TEST_F(ThemedWidgets, the_space_bar_opens_the_colour_dialog) {
+    LyqColorWidget widget;
+    EXPECT_EQ(widget.focusPolicy(), Qt::StrongFocus);
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent space(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
+        QCoreApplication::sendEvent(&widget, &space);
+    }
+    EXPECT_NE(widget.findChild<QColorDialog*>(), nullptr);
+}
+
+TEST_F(ThemedWidgets, a_combo_box_is_filled_silently_and_only_when_its_items_differ) {
+    LyqComboBox box(nullptr, "mBox");
+    int told = 0;
+    int rows = 0;
+    QObject::connect(&box, &QComboBox::currentIndexChanged, [&] { ++told; });
+    box.setItems({"a", "b", "c"});
+    EXPECT_EQ(box.currentIndex(), 0);
+    QObject::connect(box.model(), &QAbstractItemModel::rowsRemoved, [&] { ++rows; });
+    box.setCurrentSilently(2);
+    box.setItems({"a", "b", "c"});
+    EXPECT_EQ(box.currentIndex(), 2);
+    EXPECT_EQ(rows, 0);
+    box.setItems({"x", "y"});
+    EXPECT_EQ(box.currentIndex(), 1);
+    EXPECT_EQ(box.items(), (QStringList{"x", "y"}));
+    EXPECT_EQ(told, 0);
+}
+
+TEST_F(ThemedWidgets, a_line_keeps_its_cursor_and_its_own_history) {
+    LyqLineEdit line;
+    int told = 0;
+    QObject::connect(&line, &QLineEdit::textChanged, [&] { ++told; });
+    line.insert("abcdef");
+    told = 0;
+    line.setCursorPosition(2);
+    line.showText("abcdef");
+    EXPECT_TRUE(line.isUndoAvailable()) << "the same text was left alone";
+    EXPECT_EQ(line.cursorPosition(), 2);
+    line.showText("uvwxyz");
+    EXPECT_EQ(line.cursorPosition(), 2);
+    line.showText("u");
+    EXPECT_EQ(line.cursorPosition(), 1);
+    EXPECT_EQ(told, 0);
+}
+
+TEST_F(ThemedWidgets, an_object_editor_is_made_by_name_only_if_it_is_one) {
+    EXPECT_EQ(LyqObjectEditorHandler::create("LyrObject"), nullptr);
+    EXPECT_EQ(LyqObjectEditorHandler::create("NoSuchClass"), nullptr);
+    EXPECT_EQ(LyqObjectEditorHandler::create("LyqObjectEditorHandler"), nullptr) << "there is nothing to edit with";
+}
