@@ -2,6 +2,21 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>LyqSpinBox</name>
+    <message>
+        <source>&quot;%1&quot; is no number.</source>
+        <translation>„%1“ ist keine Zahl.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no number in %2 or in a unit like it.</source>
+        <translation>„%1“ ist keine Zahl in %2 oder einer verwandten Einheit.</translation>
+    </message>
+    <message>
+        <source>%1 is not between %2 and %3.</source>
+        <translation>%1 liegt nicht zwischen %2 und %3.</translation>
+    </message>
+</context>
+<context>
     <name>Placeholder</name>
     <message>
         <source>Wall thickness</source>
