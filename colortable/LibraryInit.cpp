@@ -6,6 +6,7 @@
 #include <colortable/model/LyrColorLookupTableSection.h>
 #include <colortable/viewport/LyqColorLookupTableAnnotation.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationContainer.h>
+#include <colortable/viewport/LyrColorLookupTableAnnotationHandler.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/ApplicationPlaceholders.h>
@@ -73,6 +74,7 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sSectionClass = LyrColorLookupTable::Section::metaClass();
 [[maybe_unused]] const LyrMetaClass& sAnnotationClass = LyqColorLookupTableAnnotation::metaClass();
 [[maybe_unused]] const LyrMetaClass& sContainerClass = LyrColorLookupTableAnnotationContainer::metaClass();
+[[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrColorLookupTableAnnotationHandler::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
 
 LYQCOLORTABLE::LibraryInit sInstance;

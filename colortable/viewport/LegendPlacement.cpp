@@ -13,6 +13,7 @@ constexpr float SMALLEST_SIZE = 0.01f;
 constexpr float LARGEST_SIZE = 1.0f;
 constexpr int SHORTEST_LENGTH = 2;
 constexpr QRgb KEY = 0x000008u;
+constexpr QRgb RGB_MASK = 0xffffffu;
 
 struct FreeArea {
     float left, top, right, bottom;
@@ -24,9 +25,16 @@ FreeArea freeArea(const Viewport& viewport, float dotsPerInch) {
             viewport.y + viewport.height - margin};
 }
 
+/** Toward zero; no view comes near the bounds, which keep the conversion defined. */
+int truncated(double value) {
+    constexpr double FARTHEST = 1 << 28;
+    return static_cast<int>(std::clamp(value, -FARTHEST, FARTHEST));
+}
+
 /** A fraction of a length, the product in single precision. */
 int fractionOf(float length, float size) {
-    return std::max(SHORTEST_LENGTH, static_cast<int>(std::clamp(size, SMALLEST_SIZE, LARGEST_SIZE) * length));
+    return std::max(SHORTEST_LENGTH,
+                    truncated(static_cast<double>(std::clamp(size, SMALLEST_SIZE, LARGEST_SIZE) * length)));
 }
 
 /** The start of something centred between two edges, formed in double precision. */
@@ -43,7 +51,7 @@ Place placeVertical(const FreeArea& area, const Wish& wish) {
     } else if (wish.alignment == Lyr::Bottom) {
         y = static_cast<double>(area.bottom - static_cast<float>(size.height()));
     }
-    return {QPoint(static_cast<int>(x), static_cast<int>(y)), size};
+    return {QPoint(truncated(static_cast<double>(x)), truncated(y)), size};
 }
 
 // The three ways of alignment are read along the bar: the top of a vertical bar is the right end of a horizontal one.
@@ -56,7 +64,7 @@ Place placeHorizontal(const FreeArea& area, const Wish& wish) {
     } else if (wish.alignment == Lyr::Bottom || wish.alignment == Lyr::Left) {
         x = static_cast<double>(area.left);
     }
-    return {QPoint(static_cast<int>(x), static_cast<int>(y)), size};
+    return {QPoint(truncated(x), truncated(static_cast<double>(y))), size};
 }
 
 }  // namespace
@@ -102,15 +110,18 @@ int textureLength(int length) {
 }
 
 std::vector<unsigned char> keyedPixels(const QImage& image) {
-    std::vector<unsigned char> bytes;
-    bytes.reserve(static_cast<std::size_t>(image.width()) * static_cast<std::size_t>(image.height()) * 4);
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb pixel = image.pixel(x, y);
-            bytes.push_back(static_cast<unsigned char>(qRed(pixel)));
-            bytes.push_back(static_cast<unsigned char>(qGreen(pixel)));
-            bytes.push_back(static_cast<unsigned char>(qBlue(pixel)));
-            bytes.push_back((pixel & 0xffffffu) == KEY ? 0 : 255);
+    const QImage source = image.format() == QImage::Format_RGB32 ? image : image.convertToFormat(QImage::Format_RGB32);
+    const auto width = static_cast<std::size_t>(std::max(source.width(), 0));
+    const auto height = static_cast<std::size_t>(std::max(source.height(), 0));
+    std::vector<unsigned char> bytes(width * height * 4);
+    unsigned char* to = bytes.data();
+    for (std::size_t y = 0; y < height; ++y) {
+        const auto* from = reinterpret_cast<const QRgb*>(source.constScanLine(static_cast<int>(y)));
+        for (const QRgb* const end = from + width; from != end; ++from, to += 4) {
+            to[0] = static_cast<unsigned char>(qRed(*from));
+            to[1] = static_cast<unsigned char>(qGreen(*from));
+            to[2] = static_cast<unsigned char>(qBlue(*from));
+            to[3] = (*from & RGB_MASK) == KEY ? 0 : 255;
         }
     }
     return bytes;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <colortable/viewport/LegendPlacement.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_opengl/LyrViewportObjectNode.h>
+
+#include <cmath>
+
+/** What the two halves of the render driver share. */
+namespace lys::viewport {
+
+inline void reportWrongType(const LyrClass* object) {
+    LyrError::emitError(LyrError::Message(object, Lyr::WrongType));
+}
+
+/** The widget pixels of a node's view. */
+inline Viewport viewportOf(const LyrSceneGraph::ViewportObjectNode& node) {
+    const LyrSceneGraph::CameraTransform& transform = node.getCameraTransform();
+    const LyrVector2<float> min = transform.getViewportMin();
+    const LyrVector2<float> size = transform.getViewportSize();
+    return {min.x, min.y, size.x, size.y};
+}
+
+inline bool isFinite(const Viewport& viewport) {
+    return std::isfinite(viewport.x) && std::isfinite(viewport.y) && std::isfinite(viewport.width) &&
+           std::isfinite(viewport.height);
+}
+
+}  // namespace lys::viewport
