@@ -46,7 +46,12 @@ inline constexpr int LYR_HOST_BLOCK = 204800000;
     X(UserPreset, 1014)         \
     X(Volume, 1015)             \
     X(Workspace, 1016)          \
-    X(WorkspaceWidget, 1017)
+    X(WorkspaceWidget, 1017)    \
+    X(CrossPosition, 1018)      \
+    X(SceneMin, 1019)           \
+    X(SceneMax, 1020)           \
+    X(SceneStep, 1021)          \
+    X(LayerList, 1022)
 
 /** Names whose numbers the host fixes, but which other modules register and export as well. */
 #define LYR_HOST_NAMES(X) \

@@ -32,6 +32,8 @@ public:
 
     /** Prepares the next frame. False: the driver is not drawn in it. */
     virtual bool init();
+    /** The view's OpenGL context, which is current, goes, or the driver does: frees what belongs to the context. init()
+     * and renderObject() may follow with another context. Not called for a driver whose view never had a context. */
     virtual void cleanup();
 
     /** What the driver covers in a pass; nothing by default. */

@@ -21,6 +21,11 @@ public:
     CameraNode* getCameraNode() const noexcept;
     const CameraTransform& getCameraTransform() const noexcept;
 
+    /** Bits of the update flags: something changed, what lies in the scene did, what stands over the view did. */
+    static constexpr unsigned int CHANGED = 1;
+    static constexpr unsigned int SCENE_CHANGED = CHANGED | 2;
+    static constexpr unsigned int OVERLAY_CHANGED = CHANGED | 4;
+
     /** What has to be drawn anew: bits, 0 for nothing. The host clears them after the frame. */
     unsigned int getUpdateFlags() const noexcept { return mUpdateFlags; }
     void addUpdateFlags(unsigned int flags) noexcept { mUpdateFlags |= flags; }

@@ -2,12 +2,14 @@
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrI18n.h>
 #include <lyr_core/LyrModuleLoader.h>
+#include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqAnnotation.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqUndoCommand_p.h>
 #include <lys_core/LyqWorkspaceWidget.h>
 #include <lys_core/LyrApplicationObject.h>
+#include <lys_core/LyrWorkspace.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -87,6 +89,7 @@ struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGu
 
     Translator translator;
     LyrObjectPtr object{new LyrApplicationObject};
+    LyrObjectPtr workspace{new LyrWorkspace};
     QPointer<QWidget> mainWidget;
     QUndoStack history;
     int gesture = NO_GESTURE;
@@ -97,6 +100,7 @@ LyqApplication::LyqApplication() : d(new Private) {
     LyrUndoJournal::instance().setSink(d.get());
     LyrModuleLoader::addUnloadGuard(d.get());
     LyrI18n::setTranslator(&d->translator);
+    lyrSetValue(d->object.get(), Lyr::Workspace, LyrObjectLink(d->workspace.get(), nullptr, -1));
     // Views and annotations are known by name from here on.
     LyqAnnotation::metaClass();
     LyqSliceWidget::metaClass();
@@ -119,6 +123,10 @@ LyqApplication& LyqApplication::instance() {
 
 LyrObject& LyqApplication::object() {
     return *d->object;
+}
+
+LyrWorkspace* LyqApplication::workspace() {
+    return dynamic_cast<LyrWorkspace*>(lyrGetValue(d->object.get(), Lyr::Workspace, LyrObjectLink()).getLink());
 }
 
 QWidget* LyqApplication::mainWidget() const {

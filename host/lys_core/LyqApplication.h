@@ -10,6 +10,7 @@
 
 class LyrDisplayUnits;
 class LyrObject;
+class LyrWorkspace;
 class QUndoStack;
 class QWidget;
 
@@ -31,6 +32,10 @@ public:
     LyrObject& object();
     /** The holder of the display units: its property `DisplayUnitList` says in which units values are shown. */
     LyrDisplayUnits& displayUnits();
+
+    /** What the views of the workspace show: the object that the application's property `Workspace` links. The
+     * application brings one; null if that link was taken away or leads to something else. */
+    LyrWorkspace* workspace();
 
     /** The window that owns widgets without a place of their own; null before there is one and after it is gone. */
     QWidget* mainWidget() const;
