@@ -2,6 +2,194 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>LyqColorLookupTableCreateSmoothDialog</name>
+    <message>
+        <source>Create smooth colortable</source>
+        <translation>Stetige Farbtabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Invalid parameters</source>
+        <translation>Ungültige Parameter</translation>
+    </message>
+    <message>
+        <source>Could not create lookup table.
+Invalid parameters given.</source>
+        <translation>Die Farbtabelle konnte nicht erzeugt werden.
+Die angegebenen Parameter sind ungültig.</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSmoothDialogUI</name>
+    <message>
+        <source>Create smooth table</source>
+        <translation>Stetige Tabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Create continuous lookup-table with</source>
+        <translation>Stetige Farbtabelle erzeugen mit</translation>
+    </message>
+    <message>
+        <source>from</source>
+        <translation>von</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>bis</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Reverse Rainbow</source>
+        <translation>Umgekehrter Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hue Cycle</source>
+        <translation>Farbkreis</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSphereSegmentSteppedDialog</name>
+    <message>
+        <source>Create stepped colortable</source>
+        <translation>Gestufte Farbtabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Invalid parameters</source>
+        <translation>Ungültige Parameter</translation>
+    </message>
+    <message>
+        <source>Could not create lookup table.
+Invalid parameters given.</source>
+        <translation>Die Farbtabelle konnte nicht erzeugt werden.
+Die angegebenen Parameter sind ungültig.</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSphereSegmentSteppedDialogUI</name>
+    <message>
+        <source>Create stepped table</source>
+        <translation>Gestufte Tabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Create stepped lookup-table with</source>
+        <translation>Gestufte Farbtabelle erzeugen mit</translation>
+    </message>
+    <message>
+        <source>from</source>
+        <translation>von</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>bis</translation>
+    </message>
+    <message>
+        <source>step</source>
+        <translation>Schritt</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Reverse Rainbow</source>
+        <translation>Umgekehrter Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hue Cycle</source>
+        <translation>Farbkreis</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSteppedDialog</name>
+    <message>
+        <source>Create stepped colortable</source>
+        <translation>Gestufte Farbtabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Invalid parameters</source>
+        <translation>Ungültige Parameter</translation>
+    </message>
+    <message>
+        <source>Could not create lookup table.
+Invalid parameters given.</source>
+        <translation>Die Farbtabelle konnte nicht erzeugt werden.
+Die angegebenen Parameter sind ungültig.</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSteppedDialogUI</name>
+    <message>
+        <source>Create stepped table</source>
+        <translation>Gestufte Tabelle erzeugen</translation>
+    </message>
+    <message>
+        <source>Create stepped lookup-table with</source>
+        <translation>Gestufte Farbtabelle erzeugen mit</translation>
+    </message>
+    <message>
+        <source>from</source>
+        <translation>von</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>bis</translation>
+    </message>
+    <message>
+        <source>step</source>
+        <translation>Schritt</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Reverse Rainbow</source>
+        <translation>Umgekehrter Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hue Cycle</source>
+        <translation>Farbkreis</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
     <name>LyqSpinBox</name>
     <message>
         <source>&quot;%1&quot; is no number.</source>

@@ -1,0 +1,52 @@
+#include <colortable/editor/CreateDialogForm_p.h>
+#include <colortable/editor/LyqColorLookupTableCreateSmoothDialog.h>
+#include <colortable/model/LyrColorLookupTable.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqComboBox.h>
+#include <lys_core/LyqMessageBox.h>
+#include <lys_core/LyqSpinBox.h>
+
+#include <QPointer>
+#include <QPushButton>
+
+LyqColorLookupTableCreateSmoothDialog::LyqColorLookupTableCreateSmoothDialog(QWidget* parent, const char* name,
+                                                                             bool modal, unsigned int flags)
+    : LyqColorLookupTableCreateSmoothDialogUI(parent, name, modal, flags) {
+    for (LyqSpinBox* box : {mFromSpinBox, mToSpinBox}) {
+        lys::editor::prepareSpinBox(*box, Lyr::Length, -std::numeric_limits<float>::max());
+    }
+    connect(mOkPushButton, &QPushButton::clicked, this, &LyqColorLookupTableCreateSmoothDialog::applySlot);
+    connect(mCancelPushButton, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+LyqColorLookupTableCreateSmoothDialog::~LyqColorLookupTableCreateSmoothDialog() = default;
+
+void LyqColorLookupTableCreateSmoothDialog::setTable(LyrObject* table) {
+    mTable = LyrObjectPtr(table);
+    for (LyqSpinBox* box : {mFromSpinBox, mToSpinBox}) {
+        box->setQuantity(lys::editor::quantityOf(table));
+        lys::editor::limitToMaximumRange(*box, table);
+    }
+}
+
+void LyqColorLookupTableCreateSmoothDialog::applySlot() {
+    if (!mTable) {
+        reject();
+        return;
+    }
+    const float from = lys::editor::enteredValue(*mFromSpinBox);
+    const float to = lys::editor::enteredValue(*mToSpinBox);
+    const Lyrenum type = lys::editor::schemeOf(mTypeComboBox->currentIndex());
+    const QPointer<QDialog> self = this;
+    const LyqApplication::UserActionScope action(tr("Create smooth colortable"));
+    if (!LyrColorLookupTable::createSmooth(mTable.get(), from, to, type)) {
+        LyqMessageBox::warning(this, tr("Invalid parameters"),
+                               tr("Could not create lookup table.\nInvalid parameters given."));
+    }
+    if (!self) {
+        return;
+    }
+    // Refused parameters close the dialog as well: to its caller it has been accepted.
+    accept();
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <colortable/LysColortableExport.h>
+#include <colortable/editor/LyqColorLookupTableCreateSmoothDialogUI.h>
+#include <lyr_core/LyrObjectPtr.h>
+
+/** Asks for range and colour scheme of a table with one section, and builds it. */
+class LYS_COLORTABLE_EXPORT LyqColorLookupTableCreateSmoothDialog : public LyqColorLookupTableCreateSmoothDialogUI {
+    Q_OBJECT
+
+public:
+    explicit LyqColorLookupTableCreateSmoothDialog(QWidget* parent = nullptr, const char* name = nullptr,
+                                                   bool modal = false, unsigned int flags = 0);
+    ~LyqColorLookupTableCreateSmoothDialog() override;
+
+    /** The table that is rebuilt, null for none. The fields keep their values, brought between the table's limits. */
+    void setTable(LyrObject* table);
+
+public Q_SLOTS:
+    /** Rebuilds the table in one undo step and closes the dialog, warning of parameters that the generator refuses.
+     * Without a table the dialog is rejected. */
+    void applySlot();
+
+private:
+    LyrObjectPtr mTable;
+};
