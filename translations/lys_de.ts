@@ -2,6 +2,17 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>LyqBackgroundJob</name>
+    <message>
+        <source>There is not enough memory. Close other programs or take a part of the data.</source>
+        <translation>Der Speicher reicht nicht. Schließen Sie andere Programme oder nehmen Sie nur einen Teil der Daten.</translation>
+    </message>
+    <message>
+        <source>No further thread can be started. Close other programs and try again.</source>
+        <translation>Es kann kein weiterer Thread gestartet werden. Schließen Sie andere Programme und versuchen Sie es noch einmal.</translation>
+    </message>
+</context>
+<context>
     <name>LyqColorLookupTableCreateSmoothDialog</name>
     <message>
         <source>Create smooth colortable</source>

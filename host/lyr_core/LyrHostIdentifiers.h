@@ -51,7 +51,8 @@ inline constexpr int LYR_HOST_BLOCK = 204800000;
     X(SceneMin, 1019)           \
     X(SceneMax, 1020)           \
     X(SceneStep, 1021)          \
-    X(LayerList, 1022)
+    X(LayerList, 1022)          \
+    X(Opacity, 1023)
 
 /** Names whose numbers the host fixes, but which other modules register and export as well. */
 #define LYR_HOST_NAMES(X) \

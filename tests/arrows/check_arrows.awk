@@ -52,6 +52,7 @@ function library_of(header) {
     if (header ~ /^CLI\//) return "cli11"
     if (header ~ /^hwy\//) return "hwy"
     if (header ~ /^(itk|gdcm)[A-Za-z0-9]*\.h$/) return "itk"
+    if (header ~ /^openvdb\//) return "openvdb"
     if (header ~ /^zlib\.h$/) return "zlib"
     if (header ~ /^png\.h$/) return "png"
     if (header ~ /^GL\// || header ~ /^QOpenGL/ || header ~ /^QtOpenGL\//) return "gl"

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <lyr_core/LyrObjectPtr.h>
+#include <lys_core/LyqExtension.h>
+#include <lys_core/LyqReport.h>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/** One run of an analysis over one document. Made and asked for its results by the thread of the user interface;
+ * compute() runs in another thread and must not touch the host's objects: what it reads is taken in the constructor. */
+class LYS_CORE_EXPORT LyqAnalysisRun {
+public:
+    /** Told now and then which part is done, 0 to 1. False: the run was cancelled and has to return soon. */
+    using Progress = std::function<bool(double)>;
+
+    LyqAnalysisRun() = default;
+    virtual ~LyqAnalysisRun();
+    LyqAnalysisRun(const LyqAnalysisRun&) = delete;
+    LyqAnalysisRun& operator=(const LyqAnalysisRun&) = delete;
+
+    /** Does the work. False, and a message for users, when it failed; false without one when it was cancelled. */
+    virtual bool compute(const Progress& progress, QString& message) = 0;
+
+    /** After a compute() that succeeded: new layers (LyqLayer) that show the result. */
+    virtual std::vector<LyrObjectPtr> createLayers();
+    /** After a compute() that succeeded: the numbers. */
+    virtual LyqReport report() const;
+};
+
+/** An analysis that users start from a menu or by `--analysis`. */
+class LYS_CORE_EXPORT LyqAnalysisExtension : public LyqExtension {
+public:
+    using LyqExtension::LyqExtension;
+    ~LyqAnalysisExtension() override;
+
+    virtual bool accepts(const LyrObject* document) const = 0;
+    /** A run over the document. Null, and a message for users, if there is nothing to analyse. */
+    virtual std::unique_ptr<LyqAnalysisRun> createRun(LyrObject* document, QString& message) = 0;
+};

@@ -1,0 +1,7 @@
+#include <lys_core/LyqLayerExtension.h>
+
+LyqLayerExtension::~LyqLayerExtension() = default;
+
+bool LyqLayerExtension::isShownAtFirst() const {
+    return true;
+}
