@@ -7,6 +7,10 @@
 #include <colortable/viewport/LyqColorLookupTableAnnotation.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationContainer.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationHandler.h>
+#include <colortable/viewport/LyrColorLookupTableRenderObject.h>
+#include <colortable/viewport/LyrColorLookupTableRenderPlugin.h>
+#include <colortable/viewport/LyrColorTableCameraRoleHook.h>
+#include <colortable/viewport/LyrColorTableWorkspaceWidgetPreparations.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/ApplicationPlaceholders.h>
@@ -14,6 +18,7 @@
 #include <lys_core/LyqPreferenceManager.h>
 
 #include <iterator>
+#include <memory>
 #include <optional>
 
 // The whole load order of the library lies in this source, top to bottom: names, constants, classes, the initialiser's
@@ -75,7 +80,26 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sAnnotationClass = LyqColorLookupTableAnnotation::metaClass();
 [[maybe_unused]] const LyrMetaClass& sContainerClass = LyrColorLookupTableAnnotationContainer::metaClass();
 [[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrColorLookupTableAnnotationHandler::metaClass();
+[[maybe_unused]] const LyrMetaClass& sRenderObjectClass = LyrColorLookupTableRenderObject::metaClass();
+[[maybe_unused]] const LyrMetaClass& sRenderPluginClass = LyrColorLookupTableRenderPlugin::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
+
+/** The render plug-in's role, for as long as the library is loaded. */
+struct RenderPluginRole {
+    RenderPluginRole() { LyrColorLookupTableRenderPlugin::registerRole(); }
+    ~RenderPluginRole() { LyrColorLookupTableRenderPlugin::unregisterRole(); }
+};
+[[maybe_unused]] const RenderPluginRole sRenderPluginRole;
+
+/** Makes an object of the whole application. Null when memory ran out. */
+template <class T>
+std::unique_ptr<T> install() {
+    try {
+        return std::make_unique<T>();
+    } catch (...) {
+        return nullptr;
+    }
+}
 
 LYQCOLORTABLE::LibraryInit sInstance;
 }  // namespace
@@ -88,6 +112,8 @@ LibraryInit::LibraryInit() : mUseCount(0) {
 
 LibraryInit::~LibraryInit() {
     mGuarded.clear();
+    mCameraRoleHook.reset();
+    mPreparations.reset();
     if (mUseCount > 0) {
         // Unloaded without a last cleanup(): what points into this library must not stay behind.
         ly::i18n::Placeholders::removeAllFrom(LYS_COLORTABLE_MODULE);
@@ -108,6 +134,8 @@ void LibraryInit::_init() {
     }
     LyqApplication::instance();
     LyqPreferenceManager::instance();
+    mPreparations = install<LyrColorTableWorkspaceWidgetPreparations>();
+    mCameraRoleHook = install<LyrColorTableCameraRoleHook>();
     lysAddLegendPlaceholders();
 }
 
@@ -117,6 +145,8 @@ void LibraryInit::_cleanup() {
     }
     LyqPreferenceManager::instance();
     ly::i18n::Placeholders::removeAllFrom(LYS_COLORTABLE_MODULE);
+    mPreparations.reset();
+    mCameraRoleHook.reset();
 }
 
 }  // namespace LYQCOLORTABLE

@@ -8,6 +8,9 @@
 #include <cstdint>
 #include <memory>
 
+class LyrColorTableCameraRoleHook;
+class LyrColorTableWorkspaceWidgetPreparations;
+
 namespace LYQCOLORTABLE {
 
 /** Brings the library to life inside a host. Loading the library registers its identifiers and classes; init(), called
@@ -30,6 +33,8 @@ private:
     void _cleanup();
 
     std::int64_t mUseCount;
+    std::unique_ptr<LyrColorTableWorkspaceWidgetPreparations> mPreparations;
+    std::unique_ptr<LyrColorTableCameraRoleHook> mCameraRoleHook;
     QGuardedPtr<QObject> mGuarded;
 };
 
