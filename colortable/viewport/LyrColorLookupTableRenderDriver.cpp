@@ -166,7 +166,7 @@ bool LyrColorLookupTableRenderDriver::updateEntryList(LyrValueList<Entry>& entri
     for (Entry& entry : entries) {
         if (auto* legend = expect<LyqColorLookupTableAnnotation>(entry.annotation.get())) {
             legend->setVisible(entry.visible);
-            if (entry.visible && isFinite(viewport)) {
+            if (entry.visible && isPlausible(viewport)) {
                 place(*legend, viewport, dotsPerInch);
             }
         }
@@ -183,7 +183,7 @@ LyrVector3<float> LyrColorLookupTableRenderDriver::widgetToDevice(const LyrVecto
 LyrRendering::DeviceRect LyrColorLookupTableRenderDriver::getDeviceCoverageRect(long long pass) {
     LyrRendering::DeviceRect covered = LyrRendering::emptyRect();
     const Viewport viewport = viewportOf(*mViewportNode);
-    if (pass != mViewportNode->getOverlayPass(this) || !isFinite(viewport) || viewport.isEmpty()) {
+    if (pass != mViewportNode->getOverlayPass(this) || !isPlausible(viewport) || viewport.isEmpty()) {
         return covered;
     }
     for (const Entry& entry : mEntries) {

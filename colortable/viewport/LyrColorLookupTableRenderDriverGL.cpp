@@ -68,7 +68,7 @@ bool LyrColorLookupTableRenderDriver::renderObject(long long pass, void*) {
         return true;
     }
     const Viewport viewport = viewportOf(*mViewportNode);
-    const bool drawable = isFinite(viewport) && !viewport.isEmpty();
+    const bool drawable = isPlausible(viewport) && !viewport.isEmpty();
     LegendGlScope scope;
     bool done = scope.isReady();
     try {

@@ -22,9 +22,12 @@ inline Viewport viewportOf(const LyrSceneGraph::ViewportObjectNode& node) {
     return {min.x, min.y, size.x, size.y};
 }
 
-inline bool isFinite(const Viewport& viewport) {
+/** Whether a view is one that can exist; OpenGL's viewports are at most 32768 pixels long. Nothing is placed in others:
+ * no memory is taken for images of such a length. */
+inline bool isPlausible(const Viewport& viewport) {
+    constexpr float LONGEST = 65536.0f;
     return std::isfinite(viewport.x) && std::isfinite(viewport.y) && std::isfinite(viewport.width) &&
-           std::isfinite(viewport.height);
+           std::isfinite(viewport.height) && viewport.width <= LONGEST && viewport.height <= LONGEST;
 }
 
 }  // namespace lys::viewport
