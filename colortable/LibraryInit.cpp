@@ -1,5 +1,6 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/LibraryInit.h>
+#include <colortable/editor/LyqColorLookupTableRenderSettingsEditorWidget.h>
 #include <colortable/legend/LegendPlaceholders_p.h>
 #include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/LyrColorLookupTable.h>
@@ -83,6 +84,7 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sRenderObjectClass = LyrColorLookupTableRenderObject::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderPluginClass = LyrColorLookupTableRenderPlugin::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
+[[maybe_unused]] const LyrMetaClass& sSettingsEditorClass = LyqColorLookupTableRenderSettingsEditorWidget::metaClass();
 
 /** The render plug-in's role, for as long as the library is loaded. */
 struct RenderPluginRole {

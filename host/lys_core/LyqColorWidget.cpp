@@ -63,25 +63,27 @@ void LyqColorWidget::take(const LyrRGBAf& color) {
 
 void LyqColorWidget::choose() {
     if (mDialog) {
-        mDialog->raise();
         return;
     }
     const LyrRGBAf first = mColor;
     const QColor shown = toQColor(first);
-    mDialog = new QColorDialog(shown, this);
-    mDialog->setAttribute(Qt::WA_DeleteOnClose);
-    mDialog->setOption(QColorDialog::ShowAlphaChannel);
+    // On the heap: this widget may go while the dialog is open, and takes it along.
+    const QPointer<QColorDialog> dialog = new QColorDialog(shown, this);
+    mDialog = dialog;
+    dialog->setOption(QColorDialog::ShowAlphaChannel);
     // The dialog knows 8 bits a channel: the colour it began with stands for the exact one.
-    connect(mDialog, &QColorDialog::currentColorChanged, this,
+    connect(dialog, &QColorDialog::currentColorChanged, this,
             [this, first, shown](const QColor& color) { take(color.rgba() == shown.rgba() ? first : fromQColor(color)); });
-    connect(mDialog, &QDialog::finished, this, [this, first](int result) {
-        if (result != QDialog::Accepted) {
-            take(first);
-        }
-        Q_EMIT choosingFinished();
-    });
     Q_EMIT choosingStarted();
-    mDialog->open();
+    const bool confirmed = dialog->exec() == QDialog::Accepted;
+    if (!dialog) {
+        return;
+    }
+    if (!confirmed) {
+        take(first);
+    }
+    Q_EMIT choosingFinished();
+    delete dialog;
 }
 
 QSize LyqColorWidget::sizeHint() const {

@@ -7,11 +7,14 @@
 #include <QColorDialog>
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QPointer>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
 #include <ToolkitApplication.h>
 
+#include <functional>
 #include <limits>
 #include <vector>
 
@@ -22,16 +25,20 @@ protected:
     ThemedWidgets() { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); }
 };
 
-/** A colour widget whose dialog is open, and what it told. */
+/** A colour widget whose user does something in its dialog, and what it told. */
 struct Choosing {
-    explicit Choosing(const LyrRGBAf& color) {
+    Choosing(const LyrRGBAf& color, const std::function<void(QColorDialog&)>& act) {
         widget.setRgba(color);
         QObject::connect(&widget, &LyqColorWidget::rgbaChanged, [this](const LyrRGBAf& told) { colors.push_back(told); });
         QObject::connect(&widget, &LyqColorWidget::choosingStarted, [this] { ++started; });
         QObject::connect(&widget, &LyqColorWidget::choosingFinished, [this] { ++finished; });
+        QTimer::singleShot(0, &widget, [&] {
+            auto* dialog = widget.findChild<QColorDialog*>();
+            ASSERT_NE(dialog, nullptr);
+            act(*dialog);
+        });
         widget.click();
     }
-    QColorDialog* dialog() { return widget.findChild<QColorDialog*>(); }
 
     LyqColorWidget widget;
     std::vector<LyrRGBAf> colors;
@@ -62,14 +69,17 @@ TEST_F(ThemedWidgets, a_colour_that_is_set_is_kept_exactly_and_silently) {
 }
 
 TEST_F(ThemedWidgets, colours_that_are_tried_are_told_at_once) {
-    Choosing choosing({0.5f, 0.5f, 0.5f, 1.0f});
-    ASSERT_NE(choosing.dialog(), nullptr);
-    EXPECT_TRUE(choosing.dialog()->testOption(QColorDialog::ShowAlphaChannel));
-    EXPECT_EQ(choosing.dialog()->currentColor(), QColor(127, 127, 127));
-    choosing.dialog()->setCurrentColor(QColor(255, 0, 0));
-    choosing.dialog()->setCurrentColor(QColor(0, 51, 0, 102));
-    choosing.dialog()->accept();
-    ASSERT_GE(choosing.colors.size(), 2u);
+    std::size_t toldMeanwhile = 0;
+    Choosing choosing({0.5f, 0.5f, 0.5f, 1.0f}, [&](QColorDialog& dialog) {
+        EXPECT_TRUE(dialog.testOption(QColorDialog::ShowAlphaChannel));
+        EXPECT_EQ(dialog.currentColor(), QColor(127, 127, 127));
+        dialog.setCurrentColor(QColor(255, 0, 0));
+        dialog.setCurrentColor(QColor(0, 51, 0, 102));
+        toldMeanwhile = choosing.colors.size();
+        dialog.accept();
+    });
+    EXPECT_GE(toldMeanwhile, 2u);
+    EXPECT_EQ(choosing.colors.size(), toldMeanwhile);
     EXPECT_EQ(choosing.colors.front(), LyrRGBAf(255 * 0.003921569f, 0.0f, 0.0f, 255 * 0.003921569f));
     EXPECT_EQ(choosing.colors.back(), LyrRGBAf(0.0f, 51 * 0.003921569f, 0.0f, 102 * 0.003921569f));
     EXPECT_EQ(choosing.widget.rgba(), choosing.colors.back());
@@ -79,37 +89,45 @@ TEST_F(ThemedWidgets, colours_that_are_tried_are_told_at_once) {
 
 TEST_F(ThemedWidgets, cancelling_brings_the_exact_first_colour_back) {
     const LyrRGBAf first(0.501f, 0.1f, 1.5f, 0.75f);
-    Choosing choosing(first);
-    choosing.dialog()->setCurrentColor(QColor(255, 0, 0));
-    choosing.dialog()->reject();
+    const Choosing choosing(first, [](QColorDialog& dialog) {
+        dialog.setCurrentColor(QColor(255, 0, 0));
+        dialog.reject();
+    });
     ASSERT_GE(choosing.colors.size(), 2u);
     EXPECT_EQ(choosing.colors.back(), first);
     EXPECT_EQ(choosing.widget.rgba(), first);
+    EXPECT_EQ(choosing.finished, 1);
 }
 
 TEST_F(ThemedWidgets, confirming_without_a_choice_changes_nothing) {
-    Choosing choosing({0.501f, 0.1f, 0.9f, 0.75f});
-    choosing.dialog()->accept();
+    const Choosing choosing({0.501f, 0.1f, 0.9f, 0.75f}, [](QColorDialog& dialog) { dialog.accept(); });
     EXPECT_TRUE(choosing.colors.empty());
     EXPECT_EQ(choosing.finished, 1);
 }
 
 TEST_F(ThemedWidgets, a_colour_widget_may_go_while_its_dialog_is_open) {
-    auto* widget = new LyqColorWidget;
+    const QPointer<LyqColorWidget> widget = new LyqColorWidget;
+    QTimer::singleShot(0, [&] { delete widget; });
     widget->click();
-    delete widget;
-    QCoreApplication::sendPostedEvents();
-    QCoreApplication::processEvents();
+    EXPECT_TRUE(widget.isNull());
 }
 
 TEST_F(ThemedWidgets, the_space_bar_opens_the_colour_dialog) {
     LyqColorWidget widget;
     EXPECT_EQ(widget.focusPolicy(), Qt::StrongFocus);
+    bool opened = false;
+    QTimer::singleShot(0, &widget, [&] {
+        auto* dialog = widget.findChild<QColorDialog*>();
+        opened = dialog != nullptr;
+        if (dialog) {
+            dialog->reject();
+        }
+    });
     for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
         QKeyEvent space(type, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" "));
         QCoreApplication::sendEvent(&widget, &space);
     }
-    EXPECT_NE(widget.findChild<QColorDialog*>(), nullptr);
+    EXPECT_TRUE(opened);
 }
 
 TEST_F(ThemedWidgets, a_combo_box_is_filled_silently_and_only_when_its_items_differ) {

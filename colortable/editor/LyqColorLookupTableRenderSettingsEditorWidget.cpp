@@ -1,0 +1,393 @@
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/editor/LyqColorLookupTableRenderSettingsEditorWidget.h>
+#include <colortable/legend/LegendPicture.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_core/LyrObjectIOCPtr.h>
+#include <lyr_core/LyrPropertyPtr.h>
+#include <lys_core/ApplicationPlaceholders.h>
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqColorWidget.h>
+#include <lys_core/LyqComboBox.h>
+#include <lys_core/LyqLineEdit.h>
+#include <lys_core/LyqSpinBox.h>
+
+#include <QElapsedTimer>
+#include <QFont>
+#include <QFontDialog>
+#include <QFontInfo>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPointer>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <vector>
+
+namespace {
+
+using Editor = LyqColorLookupTableRenderSettingsEditorWidget;
+
+constexpr const char* SETTINGS_CLASS = "LyrColorLookupTableRenderSettings";
+/** Notches of a wheel that follow each other faster belong together. In ms. */
+constexpr qint64 WHEEL_PAUSE = 500;
+/** Whole numbers up to here are exact in double. */
+constexpr double LARGEST_THICKNESS = 9007199254740992.0;
+
+Lyrenum descriptionTemplateId() { return Lyrenum("DescriptionTemplate", true); }
+
+class EditorFactory : public LyrMetaClass::Factory {
+public:
+    LyrClass* create(void* storage) const override { return storage ? new (storage) Editor() : new Editor(); }
+    // A widget has an identity: it is neither copied nor assigned.
+    LyrClass* createCopy(const LyrClass*, void*) const override { return nullptr; }
+    bool assign(LyrClass*, const LyrClass*) const override { return false; }
+};
+
+LyrObject* lastObjectOf(const LyrObjectPath& path) { return path.getLink(-1).getLink(); }
+
+Lyrenum choose(int index, std::initializer_list<Lyrenum> values, Lyrenum other) {
+    const bool inside = index >= 0 && static_cast<std::size_t>(index) < values.size();
+    return inside ? *(values.begin() + index) : other;
+}
+
+/** "On" is true, "Off" is false, anything else true. */
+Lyrenum choiceOfOnOff(int index) { return choose(index, {1, 0}, 1); }
+
+int indexOfOnOff(const LyrObject* object, Lyrenum property) { return lyrGetValue<Lyrenum>(object, property, 1) != 0 ? 0 : 1; }
+
+QFont fontOf(const LyrObject* object) {
+    return lys::legend::fontFromString(QString::fromUtf8(lyrGetValue<const char*>(object, Lyr::Font, "")));
+}
+
+}  // namespace
+
+struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
+    std::vector<LyrObjectPath> paths;
+    LyrObjectIOCPtrList objects;
+    LyrObjectPtr current;
+
+    /** The control whose writes merge with its next ones, and the number of that gesture; null when a gesture has ended. */
+    const QWidget* gestureOwner = nullptr;
+    int gesture = 0;
+    QElapsedTimer lastWheel;
+
+    void endGesture() { gestureOwner = nullptr; }
+
+    /** Lets the steps that follow merge with those before if they are of the same control. */
+    void enterGesture(const QWidget* owner) {
+        LyqApplication& application = LyqApplication::instance();
+        if (owner && owner == gestureOwner) {
+            application.gestureResume(gesture);
+        } else if (owner) {
+            gesture = application.gestureBegin();
+        }
+        gestureOwner = owner;
+    }
+
+    /** An input to the box of a number: does it begin another gesture? */
+    void hearBox(const QEvent& event) {
+        switch (event.type()) {
+            case QEvent::KeyPress:
+                if (!static_cast<const QKeyEvent&>(event).isAutoRepeat()) {
+                    endGesture();
+                }
+                break;
+            case QEvent::Wheel:
+                if (!lastWheel.isValid() || lastWheel.elapsed() > WHEEL_PAUSE) {
+                    endGesture();
+                }
+                lastWheel.start();
+                break;
+            case QEvent::MouseButtonPress:
+            case QEvent::MouseButtonRelease:
+            case QEvent::FocusOut:
+                endGesture();
+                break;
+            default:
+                break;
+        }
+    }
+};
+
+Editor::LyqColorLookupTableRenderSettingsEditorWidget(QWidget* parent, const char* name)
+    : LyqColorLookupTableRenderSettingsEditorWidgetUI(parent, name ? name : "LyqColorLookupTableRenderSettingsEditorWidget"),
+      d(new Private) {
+    connectControls();
+}
+
+// Whoever deletes a widget, hooks hear of it while it is still whole.
+Editor::~LyqColorLookupTableRenderSettingsEditorWidget() { LyrMetaClass::prepareDestruction(this); }
+
+void Editor::connectControls() {
+    connect(mThicknessSpinBox, &LyqSpinBox::valueChanged, this, &Editor::setThickness);
+    connect(mSizeSpinBox, &LyqSpinBox::valueChanged, this, &Editor::setSize);
+    // activated tells of every choice of the user and of no other change.
+    connect(mPositionComboBox, &QComboBox::activated, this, &Editor::setPosition);
+    connect(mAlignmentComboBox, &QComboBox::activated, this, &Editor::setAlignment);
+    connect(mTextPositionComboBox, &QComboBox::activated, this, &Editor::setTextPosition);
+    connect(mTextAlignmentComboBox, &QComboBox::activated, this, &Editor::setTextAlignment);
+    connect(mHasOutlineComboBox, &QComboBox::activated, this, &Editor::setHasOutline);
+    connect(mRenderingComboBox, &QComboBox::activated, this, &Editor::setRendering);
+    connect(mDescriptionLineEdit, &QLineEdit::textChanged, this, &Editor::setDescription);
+    connect(mColorWidget, &LyqColorWidget::rgbaChanged, this, &Editor::setColor);
+    connect(mOutlineColorWidget, &LyqColorWidget::rgbaChanged, this, &Editor::setOutlineColor);
+    connect(mFontPushButton, &QAbstractButton::clicked, this, qOverload<>(&Editor::setFont));
+    connect(mResetPushButton, &QAbstractButton::clicked, this, &Editor::resetToDefault);
+
+    connect(mDescriptionLineEdit, &QLineEdit::editingFinished, this, [this] { d->endGesture(); });
+    for (LyqColorWidget* widget : {mColorWidget, mOutlineColorWidget}) {
+        connect(widget, &LyqColorWidget::choosingStarted, this, [this] { d->endGesture(); });
+        connect(widget, &LyqColorWidget::choosingFinished, this, [this] { d->endGesture(); });
+    }
+    for (LyqSpinBox* box : {mThicknessSpinBox, mSizeSpinBox}) {
+        box->installEventFilter(this);
+    }
+}
+
+const LyrMetaClass& Editor::metaClass() {
+    static const LyrMetaClass meta("LyqColorLookupTableRenderSettingsEditorWidget", sizeof(Editor),
+                                   &LyqObjectEditorHandler::metaClass(), new EditorFactory, LYS_COLORTABLE_MODULE, 0, nullptr,
+                                   0, 0, 0, false);
+    return meta;
+}
+
+const LyrMetaClass& Editor::getMetaClass() const { return metaClass(); }
+
+bool Editor::checkObjects(const LyrObjectPath* paths, long long count) const {
+    return std::all_of(paths, paths + std::max(0LL, count), [](const LyrObjectPath& path) {
+        const LyrObject* object = lastObjectOf(path);
+        return object && object->getMetaClass().isOfType(SETTINGS_CLASS);
+    });
+}
+
+void Editor::setObjects(const LyrObjectPath* paths, long long count) {
+    const LyrObjectPtr before = d->current;
+    std::vector<LyrObjectPath> fresh(paths, paths + std::max(0LL, count));
+    d->paths.clear();
+    d->objects.clear();
+    d->current = LyrObjectPtr();
+    d->endGesture();
+    d->paths = std::move(fresh);
+    for (const LyrObjectPath& path : d->paths) {
+        LyrObject* object = lastObjectOf(path);
+        if (object && d->objects.append(object) && (!d->current || object == before.get())) {
+            d->current = LyrObjectPtr(object);
+        }
+    }
+    d->objects.setListener(this);
+    update();
+}
+
+// Only marked here: the controls follow with the next paint, once for however many messages.
+bool Editor::iocCallback(Message& message) {
+    update();
+    return LyrIOC::iocCallback(message);
+}
+
+void Editor::showEvent(QShowEvent* event) {
+    sync();
+    QWidget::showEvent(event);
+}
+
+void Editor::paintEvent(QPaintEvent* event) {
+    sync();
+    QWidget::paintEvent(event);
+}
+
+void Editor::languageChange() {
+    LyqColorLookupTableRenderSettingsEditorWidgetUI::languageChange();
+    sync();
+}
+
+bool Editor::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == mThicknessSpinBox || watched == mSizeSpinBox) {
+        d->hearBox(*event);
+    }
+    return LyqColorLookupTableRenderSettingsEditorWidgetUI::eventFilter(watched, event);
+}
+
+/** Runs `write` on every edited object, in one undo step. Writes of the same gesture owner that follow each other merge. */
+template <class Write>
+void Editor::writeEach(const QWidget* gestureOwner, Write write) {
+    // Listeners of what is written may set other objects.
+    std::vector<LyrObjectPtr> objects;
+    for (std::size_t i = 0; i < d->objects.size(); ++i) {
+        objects.emplace_back(d->objects.at(i));
+    }
+    if (!objects.empty()) {
+        d->enterGesture(gestureOwner);
+        {
+            const LyqApplication::UserActionScope action(tr("Change colorbar settings"));
+            for (const LyrObjectPtr& object : objects) {
+                write(object.get());
+            }
+        }
+        if (gestureOwner) {
+            LyqApplication::instance().gestureEnd();
+        }
+    }
+    update();
+}
+
+template <class T>
+void Editor::writeAll(const QWidget* gestureOwner, Lyrenum property, const T& value) {
+    writeEach(gestureOwner, [&](LyrObject* object) { lyrSetValue<T>(object, property, value); });
+}
+
+void Editor::setThickness(double pixels) {
+    if (!std::isnan(pixels)) {
+        const auto whole = static_cast<long long>(std::clamp(pixels, -LARGEST_THICKNESS, LARGEST_THICKNESS));
+        writeAll(mThicknessSpinBox, Lyr::Thickness, whole);
+    }
+}
+
+void Editor::setSize(double percent) {
+    // Narrowed once: 70 gives the bits of 0.7f.
+    writeAll(mSizeSpinBox, Lyr::Size, static_cast<float>(percent * 0.01));
+}
+
+void Editor::setPosition(int index) {
+    writeAll(nullptr, Lyr::Position, choose(index, {Lyr::Left, Lyr::Right, Lyr::Bottom, Lyr::Top}, Lyr::Left));
+}
+
+void Editor::setAlignment(int index) {
+    writeAll(nullptr, Lyr::Alignment, choose(index, {Lyr::Bottom, Lyr::Center, Lyr::Top}, Lyr::Center));
+}
+
+void Editor::setTextPosition(int index) {
+    writeAll(nullptr, Lyr::TextPosition, choose(index, {Lyr::Left, Lyr::Right}, Lyr::Left));
+}
+
+void Editor::setTextAlignment(int index) {
+    writeAll(nullptr, Lyr::TextAlignment, choose(index, {Lyr::Left, Lyr::Right}, Lyr::Left));
+}
+
+void Editor::setDescription(const QString& editText) {
+    writeEach(mDescriptionLineEdit, [&](LyrObject* object) {
+        const QByteArray written = ApplicationPlaceholders::editToInternalText(editText, object).toUtf8();
+        lyrSetValue<const char*>(object, descriptionTemplateId(), written.constData());
+    });
+}
+
+void Editor::setColor(const LyrRGBAf& color) { writeAll(mColorWidget, Lyr::Color, color); }
+
+void Editor::setOutlineColor(const LyrRGBAf& color) { writeAll(mOutlineColorWidget, Lyr::OutlineColor, color); }
+
+void Editor::setHasOutline(int index) { writeAll(nullptr, Lyr::HasOutline, choiceOfOnOff(index)); }
+
+void Editor::setRendering(int index) { writeAll(nullptr, Lyr::Rendering, choiceOfOnOff(index)); }
+
+void Editor::setFont() {
+    if (d->current) {
+        // On the heap: the editor may go while the dialog is open, and takes it along.
+        const QPointer<QFontDialog> dialog = new QFontDialog(fontOf(d->current.get()), this);
+        const bool confirmed = dialog->exec() == QDialog::Accepted;
+        if (!dialog) {
+            return;
+        }
+        if (confirmed) {
+            const QByteArray description = dialog->selectedFont().toString().toUtf8();
+            writeAll<const char*>(nullptr, Lyr::Font, description.constData());
+        }
+        delete dialog;
+    }
+    update();
+}
+
+void Editor::resetToDefault() {
+    if (d->current) {
+        const LyrObjectPtr current = d->current;
+        d->endGesture();
+        const LyqApplication::UserActionScope action(tr("Change colorbar settings"));
+        current->runAction(Lyr::ResetToDefaults);
+    }
+    update();
+}
+
+/** Fills the controls from the current object, silently. What shows the right thing already is left alone: the user may be at
+ *  it. */
+void Editor::sync() {
+    if (!isVisible()) {
+        return;
+    }
+    if (const LyrObject* object = d->current.get()) {
+        const LyrObjectPtr kept = d->current;
+        syncPlacement(object);
+        syncText(object);
+    } else {
+        mDescriptionLineEdit->showText({});
+        mDescriptionPreviewLabel->clear();
+    }
+}
+
+void Editor::syncPlacement(const LyrObject* object) {
+    const auto indexOf = [&](Lyrenum property, std::initializer_list<std::pair<Lyrenum, int>> indices) {
+        const Lyrenum value = lyrGetValue<Lyrenum>(object, property, -1);
+        const auto found = std::find_if(indices.begin(), indices.end(), [&](const auto& entry) { return entry.first == value; });
+        return found != indices.end() ? found->second : 0;
+    };
+    const auto fill = [](LyqComboBox* box, const QStringList& items, int index) {
+        box->setItems(items);
+        box->setCurrentSilently(index);
+    };
+    {
+        const QSignalBlocker thickness(mThicknessSpinBox);
+        const QSignalBlocker size(mSizeSpinBox);
+        mThicknessSpinBox->setValue(static_cast<double>(lyrGetValue<long long>(object, Lyr::Thickness, 0)));
+        // 0.7f times 100 is 69.9999988.
+        mSizeSpinBox->setValue(std::round(static_cast<double>(lyrGetValue<float>(object, Lyr::Size, 0.0f)) * 100.0));
+    }
+    const int position =
+        indexOf(Lyr::Position, {{Lyr::Left, 0}, {Lyr::Right, 1}, {Lyr::Bottom, 2}, {Lyr::Top, 3}});
+    const Lyrenum side = lyrGetValue<Lyrenum>(object, Lyr::Position, -1);
+    const bool horizontal = side == Lyr::Bottom || side == Lyr::Top;
+    fill(mPositionComboBox, {tr("Left"), tr("Right"), tr("Bottom"), tr("Top")}, position);
+    fill(mAlignmentComboBox,
+         horizontal ? QStringList{tr("Left"), tr("Center"), tr("Right")} : QStringList{tr("Bottom"), tr("Center"), tr("Top")},
+         indexOf(Lyr::Alignment,
+                 {{Lyr::Bottom, 0}, {Lyr::Left, 0}, {Lyr::Center, 1}, {Lyr::Top, 2}, {Lyr::Right, 2}}));
+    fill(mTextPositionComboBox, horizontal ? QStringList{tr("Bottom"), tr("Top")} : QStringList{tr("Left"), tr("Right")},
+         indexOf(Lyr::TextPosition, {{Lyr::Bottom, 0}, {Lyr::Left, 0}, {Lyr::Top, 1}, {Lyr::Right, 1}}));
+    fill(mTextAlignmentComboBox, {tr("Left"), tr("Right")}, indexOf(Lyr::TextAlignment, {{Lyr::Left, 0}, {Lyr::Right, 1}}));
+    mHasOutlineComboBox->setCurrentSilently(indexOfOnOff(object, Lyr::HasOutline));
+    mRenderingComboBox->setCurrentSilently(indexOfOnOff(object, Lyr::Rendering));
+}
+
+void Editor::syncText(const LyrObject* object) {
+    mColorWidget->setRgba(lyrGetValue(object, Lyr::Color, LyrRGBAf::WHITE()));
+    mOutlineColorWidget->setRgba(lyrGetValue(object, Lyr::OutlineColor, LyrRGBAf::BLACK()));
+
+    const QString font = describeFont(fontOf(object));
+    if (mFontPushButton->text() != font) {
+        mFontPushButton->setText(font);
+        mFontPushButton->setToolTip(font);
+    }
+
+    const QString text = QString::fromUtf8(lyrGetValue<const char*>(object, descriptionTemplateId(), ""));
+    mDescriptionLineEdit->showText(ApplicationPlaceholders::internalToEditText(text, object));
+    mDescriptionPreviewLabel->setText(ApplicationPlaceholders::internalToDisplayText(text, object));
+}
+
+QString Editor::describeFont(const QFont& font) {
+    // A font that is given in pixels has no size in points of its own.
+    const double points = font.pointSizeF() > 0.0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    QString text = tr("%1, %2 pt").arg(font.family(), locale.toString(points, 'g', 6));
+    const std::pair<bool, QString> styles[] = {{font.bold(), tr(", bold")},
+                                               {font.italic(), tr(", italic")},
+                                               {font.underline(), tr(", underline")},
+                                               {font.overline(), tr(", overline")},
+                                               {font.strikeOut(), tr(", strike out")}};
+    for (const auto& [set, name] : styles) {
+        if (set) {
+            text += name;
+        }
+    }
+    return text;
+}
