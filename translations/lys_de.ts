@@ -201,6 +201,149 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyqColorLookupTableRenderSettingsEditorWidget</name>
+    <message>
+        <source>Change colorbar settings</source>
+        <translation>Farbskala ändern</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Rechts</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>Unten</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Oben</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>%1, %2 pt</source>
+        <translation>%1, %2 pt</translation>
+    </message>
+    <message>
+        <source>, bold</source>
+        <translation>, fett</translation>
+    </message>
+    <message>
+        <source>, italic</source>
+        <translation>, kursiv</translation>
+    </message>
+    <message>
+        <source>, underline</source>
+        <translation>, unterstrichen</translation>
+    </message>
+    <message>
+        <source>, overline</source>
+        <translation>, überstrichen</translation>
+    </message>
+    <message>
+        <source>, strike out</source>
+        <translation>, durchgestrichen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableRenderSettingsEditorWidgetUI</name>
+    <message>
+        <source>On</source>
+        <translation>Ein</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Rechts</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Oben</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>Unten</translation>
+    </message>
+    <message>
+        <source>Restore Defaults</source>
+        <translation>Vorgaben &amp;wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <comment>button</comment>
+        <translation>Schrift</translation>
+    </message>
+    <message>
+        <source>Colorbar visibility</source>
+        <translation>&amp;Sichtbarkeit</translation>
+    </message>
+    <message>
+        <source>Colorbar thickness [pixel]</source>
+        <translation>&amp;Dicke [Pixel]</translation>
+    </message>
+    <message>
+        <source>Colorbar stretch [%]</source>
+        <translation>&amp;Länge [%]</translation>
+    </message>
+    <message>
+        <source>Colorbar position</source>
+        <translation>&amp;Position</translation>
+    </message>
+    <message>
+        <source>Text position</source>
+        <translation>&amp;Textposition</translation>
+    </message>
+    <message>
+        <source>Colorbar alignment</source>
+        <translation>&amp;Ausrichtung</translation>
+    </message>
+    <message>
+        <source>Font outline</source>
+        <translation>Schrift&amp;umriss</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>Schr&amp;ift</translation>
+    </message>
+    <message>
+        <source>Font outline color</source>
+        <translation>Umriss&amp;farbe</translation>
+    </message>
+    <message>
+        <source>Text alignment</source>
+        <translation>Textausrichtu&amp;ng</translation>
+    </message>
+    <message>
+        <source>Caption</source>
+        <translation>&amp;Beschriftung</translation>
+    </message>
+    <message>
+        <source>Font color</source>
+        <translation>Schriftfarb&amp;e</translation>
+    </message>
+    <message>
+        <source>Caption preview</source>
+        <translation>Vorschau</translation>
+    </message>
+</context>
+<context>
     <name>LyqSpinBox</name>
     <message>
         <source>&quot;%1&quot; is no number.</source>

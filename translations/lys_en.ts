@@ -2,6 +2,61 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en">
 <context>
+    <name>LyqColorLookupTableRenderSettingsEditorWidgetUI</name>
+    <message>
+        <source>Restore Defaults</source>
+        <translation>Restore &amp;Defaults</translation>
+    </message>
+    <message>
+        <source>Colorbar visibility</source>
+        <translation>Colorbar &amp;visibility</translation>
+    </message>
+    <message>
+        <source>Colorbar thickness [pixel]</source>
+        <translation>Colorbar &amp;thickness [pixel]</translation>
+    </message>
+    <message>
+        <source>Colorbar stretch [%]</source>
+        <translation>Colorbar &amp;stretch [%]</translation>
+    </message>
+    <message>
+        <source>Colorbar position</source>
+        <translation>Colorbar &amp;position</translation>
+    </message>
+    <message>
+        <source>Text position</source>
+        <translation>Te&amp;xt position</translation>
+    </message>
+    <message>
+        <source>Colorbar alignment</source>
+        <translation>Colorbar &amp;alignment</translation>
+    </message>
+    <message>
+        <source>Font outline</source>
+        <translation>Font o&amp;utline</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>&amp;Font</translation>
+    </message>
+    <message>
+        <source>Font outline color</source>
+        <translation>Font outline c&amp;olor</translation>
+    </message>
+    <message>
+        <source>Text alignment</source>
+        <translation>Text ali&amp;gnment</translation>
+    </message>
+    <message>
+        <source>Caption</source>
+        <translation>&amp;Caption</translation>
+    </message>
+    <message>
+        <source>Font color</source>
+        <translation>Font colo&amp;r</translation>
+    </message>
+</context>
+<context>
     <name>Quantity</name>
     <message>
         <source>SquareMillimeter</source>

@@ -38,7 +38,9 @@ constexpr qint64 WHEEL_PAUSE = 500;
 /** Whole numbers up to here are exact in double. */
 constexpr double LARGEST_THICKNESS = 9007199254740992.0;
 
-Lyrenum descriptionTemplateId() { return Lyrenum("DescriptionTemplate", true); }
+Lyrenum descriptionTemplateId() {
+    return Lyrenum("DescriptionTemplate", true);
+}
 
 class EditorFactory : public LyrMetaClass::Factory {
 public:
@@ -48,7 +50,9 @@ public:
     bool assign(LyrClass*, const LyrClass*) const override { return false; }
 };
 
-LyrObject* lastObjectOf(const LyrObjectPath& path) { return path.getLink(-1).getLink(); }
+LyrObject* lastObjectOf(const LyrObjectPath& path) {
+    return path.getLink(-1).getLink();
+}
 
 Lyrenum choose(int index, std::initializer_list<Lyrenum> values, Lyrenum other) {
     const bool inside = index >= 0 && static_cast<std::size_t>(index) < values.size();
@@ -56,9 +60,13 @@ Lyrenum choose(int index, std::initializer_list<Lyrenum> values, Lyrenum other) 
 }
 
 /** "On" is true, "Off" is false, anything else true. */
-Lyrenum choiceOfOnOff(int index) { return choose(index, {1, 0}, 1); }
+Lyrenum choiceOfOnOff(int index) {
+    return choose(index, {1, 0}, 1);
+}
 
-int indexOfOnOff(const LyrObject* object, Lyrenum property) { return lyrGetValue<Lyrenum>(object, property, 1) != 0 ? 0 : 1; }
+int indexOfOnOff(const LyrObject* object, Lyrenum property) {
+    return lyrGetValue<Lyrenum>(object, property, 1) != 0 ? 0 : 1;
+}
 
 QFont fontOf(const LyrObject* object) {
     return lys::legend::fontFromString(QString::fromUtf8(lyrGetValue<const char*>(object, Lyr::Font, "")));
@@ -71,7 +79,8 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
     LyrObjectIOCPtrList objects;
     LyrObjectPtr current;
 
-    /** The control whose writes merge with its next ones, and the number of that gesture; null when a gesture has ended. */
+    /** The control whose writes merge with its next ones, and the number of that gesture; null when a gesture has
+     * ended. */
     const QWidget* gestureOwner = nullptr;
     int gesture = 0;
     QElapsedTimer lastWheel;
@@ -114,30 +123,45 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
     }
 };
 
-Editor::LyqColorLookupTableRenderSettingsEditorWidget(QWidget* parent, const char* name)
-    : LyqColorLookupTableRenderSettingsEditorWidgetUI(parent, name ? name : "LyqColorLookupTableRenderSettingsEditorWidget"),
+LyqColorLookupTableRenderSettingsEditorWidget::LyqColorLookupTableRenderSettingsEditorWidget(QWidget* parent,
+                                                                                             const char* name)
+    : LyqColorLookupTableRenderSettingsEditorWidgetUI(parent,
+                                                      name ? name : "LyqColorLookupTableRenderSettingsEditorWidget"),
       d(new Private) {
     connectControls();
 }
 
 // Whoever deletes a widget, hooks hear of it while it is still whole.
-Editor::~LyqColorLookupTableRenderSettingsEditorWidget() { LyrMetaClass::prepareDestruction(this); }
+LyqColorLookupTableRenderSettingsEditorWidget::~LyqColorLookupTableRenderSettingsEditorWidget() {
+    LyrMetaClass::prepareDestruction(this);
+}
 
-void Editor::connectControls() {
-    connect(mThicknessSpinBox, &LyqSpinBox::valueChanged, this, &Editor::setThickness);
-    connect(mSizeSpinBox, &LyqSpinBox::valueChanged, this, &Editor::setSize);
+void LyqColorLookupTableRenderSettingsEditorWidget::connectControls() {
+    connect(mThicknessSpinBox, &LyqSpinBox::valueChanged, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setThickness);
+    connect(mSizeSpinBox, &LyqSpinBox::valueChanged, this, &LyqColorLookupTableRenderSettingsEditorWidget::setSize);
     // activated tells of every choice of the user and of no other change.
-    connect(mPositionComboBox, &QComboBox::activated, this, &Editor::setPosition);
-    connect(mAlignmentComboBox, &QComboBox::activated, this, &Editor::setAlignment);
-    connect(mTextPositionComboBox, &QComboBox::activated, this, &Editor::setTextPosition);
-    connect(mTextAlignmentComboBox, &QComboBox::activated, this, &Editor::setTextAlignment);
-    connect(mHasOutlineComboBox, &QComboBox::activated, this, &Editor::setHasOutline);
-    connect(mRenderingComboBox, &QComboBox::activated, this, &Editor::setRendering);
-    connect(mDescriptionLineEdit, &QLineEdit::textChanged, this, &Editor::setDescription);
-    connect(mColorWidget, &LyqColorWidget::rgbaChanged, this, &Editor::setColor);
-    connect(mOutlineColorWidget, &LyqColorWidget::rgbaChanged, this, &Editor::setOutlineColor);
-    connect(mFontPushButton, &QAbstractButton::clicked, this, qOverload<>(&Editor::setFont));
-    connect(mResetPushButton, &QAbstractButton::clicked, this, &Editor::resetToDefault);
+    connect(mPositionComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setPosition);
+    connect(mAlignmentComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setAlignment);
+    connect(mTextPositionComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setTextPosition);
+    connect(mTextAlignmentComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setTextAlignment);
+    connect(mHasOutlineComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setHasOutline);
+    connect(mRenderingComboBox, &QComboBox::activated, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setRendering);
+    connect(mDescriptionLineEdit, &QLineEdit::textChanged, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setDescription);
+    connect(mColorWidget, &LyqColorWidget::rgbaChanged, this, &LyqColorLookupTableRenderSettingsEditorWidget::setColor);
+    connect(mOutlineColorWidget, &LyqColorWidget::rgbaChanged, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::setOutlineColor);
+    connect(mFontPushButton, &QAbstractButton::clicked, this,
+            qOverload<>(&LyqColorLookupTableRenderSettingsEditorWidget::setFont));
+    connect(mResetPushButton, &QAbstractButton::clicked, this,
+            &LyqColorLookupTableRenderSettingsEditorWidget::resetToDefault);
 
     connect(mDescriptionLineEdit, &QLineEdit::editingFinished, this, [this] { d->endGesture(); });
     for (LyqColorWidget* widget : {mColorWidget, mOutlineColorWidget}) {
@@ -149,23 +173,25 @@ void Editor::connectControls() {
     }
 }
 
-const LyrMetaClass& Editor::metaClass() {
+const LyrMetaClass& LyqColorLookupTableRenderSettingsEditorWidget::metaClass() {
     static const LyrMetaClass meta("LyqColorLookupTableRenderSettingsEditorWidget", sizeof(Editor),
-                                   &LyqObjectEditorHandler::metaClass(), new EditorFactory, LYS_COLORTABLE_MODULE, 0, nullptr,
-                                   0, 0, 0, false);
+                                   &LyqObjectEditorHandler::metaClass(), new EditorFactory, LYS_COLORTABLE_MODULE, 0,
+                                   nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& Editor::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqColorLookupTableRenderSettingsEditorWidget::getMetaClass() const {
+    return metaClass();
+}
 
-bool Editor::checkObjects(const LyrObjectPath* paths, long long count) const {
+bool LyqColorLookupTableRenderSettingsEditorWidget::checkObjects(const LyrObjectPath* paths, long long count) const {
     return std::all_of(paths, paths + std::max(0LL, count), [](const LyrObjectPath& path) {
         const LyrObject* object = lastObjectOf(path);
         return object && object->getMetaClass().isOfType(SETTINGS_CLASS);
     });
 }
 
-void Editor::setObjects(const LyrObjectPath* paths, long long count) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setObjects(const LyrObjectPath* paths, long long count) {
     const LyrObjectPtr before = d->current;
     std::vector<LyrObjectPath> fresh(paths, paths + std::max(0LL, count));
     d->paths.clear();
@@ -184,36 +210,41 @@ void Editor::setObjects(const LyrObjectPath* paths, long long count) {
 }
 
 // Only marked here: the controls follow with the next paint, once for however many messages.
-bool Editor::iocCallback(Message& message) {
+bool LyqColorLookupTableRenderSettingsEditorWidget::iocCallback(Message& message) {
     update();
     return LyrIOC::iocCallback(message);
 }
 
-void Editor::showEvent(QShowEvent* event) {
+void LyqColorLookupTableRenderSettingsEditorWidget::showEvent(QShowEvent* event) {
     sync();
     QWidget::showEvent(event);
 }
 
-void Editor::paintEvent(QPaintEvent* event) {
+void LyqColorLookupTableRenderSettingsEditorWidget::paintEvent(QPaintEvent* event) {
     sync();
     QWidget::paintEvent(event);
 }
 
-void Editor::languageChange() {
+void LyqColorLookupTableRenderSettingsEditorWidget::languageChange() {
     LyqColorLookupTableRenderSettingsEditorWidgetUI::languageChange();
     sync();
 }
 
-bool Editor::eventFilter(QObject* watched, QEvent* event) {
+bool LyqColorLookupTableRenderSettingsEditorWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == mThicknessSpinBox || watched == mSizeSpinBox) {
         d->hearBox(*event);
     }
     return LyqColorLookupTableRenderSettingsEditorWidgetUI::eventFilter(watched, event);
 }
 
-/** Runs `write` on every edited object, in one undo step. Writes of the same gesture owner that follow each other merge. */
+QString LyqColorLookupTableRenderSettingsEditorWidget::actionName() {
+    return tr("Change colorbar settings");
+}
+
+/** Runs `write` on every edited object, in one undo step. Writes of the same gesture owner that follow each other
+ * merge. */
 template <class Write>
-void Editor::writeEach(const QWidget* gestureOwner, Write write) {
+void LyqColorLookupTableRenderSettingsEditorWidget::writeEach(const QWidget* gestureOwner, Write write) {
     // Listeners of what is written may set other objects.
     std::vector<LyrObjectPtr> objects;
     for (std::size_t i = 0; i < d->objects.size(); ++i) {
@@ -222,7 +253,7 @@ void Editor::writeEach(const QWidget* gestureOwner, Write write) {
     if (!objects.empty()) {
         d->enterGesture(gestureOwner);
         {
-            const LyqApplication::UserActionScope action(tr("Change colorbar settings"));
+            const LyqApplication::UserActionScope action(actionName());
             for (const LyrObjectPtr& object : objects) {
                 write(object.get());
             }
@@ -235,54 +266,63 @@ void Editor::writeEach(const QWidget* gestureOwner, Write write) {
 }
 
 template <class T>
-void Editor::writeAll(const QWidget* gestureOwner, Lyrenum property, const T& value) {
+void LyqColorLookupTableRenderSettingsEditorWidget::writeAll(const QWidget* gestureOwner, Lyrenum property,
+                                                             const T& value) {
     writeEach(gestureOwner, [&](LyrObject* object) { lyrSetValue<T>(object, property, value); });
 }
 
-void Editor::setThickness(double pixels) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setThickness(double pixels) {
     if (!std::isnan(pixels)) {
         const auto whole = static_cast<long long>(std::clamp(pixels, -LARGEST_THICKNESS, LARGEST_THICKNESS));
         writeAll(mThicknessSpinBox, Lyr::Thickness, whole);
     }
 }
 
-void Editor::setSize(double percent) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setSize(double percent) {
     // Narrowed once: 70 gives the bits of 0.7f.
     writeAll(mSizeSpinBox, Lyr::Size, static_cast<float>(percent * 0.01));
 }
 
-void Editor::setPosition(int index) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setPosition(int index) {
     writeAll(nullptr, Lyr::Position, choose(index, {Lyr::Left, Lyr::Right, Lyr::Bottom, Lyr::Top}, Lyr::Left));
 }
 
-void Editor::setAlignment(int index) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setAlignment(int index) {
     writeAll(nullptr, Lyr::Alignment, choose(index, {Lyr::Bottom, Lyr::Center, Lyr::Top}, Lyr::Center));
 }
 
-void Editor::setTextPosition(int index) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setTextPosition(int index) {
     writeAll(nullptr, Lyr::TextPosition, choose(index, {Lyr::Left, Lyr::Right}, Lyr::Left));
 }
 
-void Editor::setTextAlignment(int index) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setTextAlignment(int index) {
     writeAll(nullptr, Lyr::TextAlignment, choose(index, {Lyr::Left, Lyr::Right}, Lyr::Left));
 }
 
-void Editor::setDescription(const QString& editText) {
+void LyqColorLookupTableRenderSettingsEditorWidget::setDescription(const QString& editText) {
     writeEach(mDescriptionLineEdit, [&](LyrObject* object) {
         const QByteArray written = ApplicationPlaceholders::editToInternalText(editText, object).toUtf8();
         lyrSetValue<const char*>(object, descriptionTemplateId(), written.constData());
     });
 }
 
-void Editor::setColor(const LyrRGBAf& color) { writeAll(mColorWidget, Lyr::Color, color); }
+void LyqColorLookupTableRenderSettingsEditorWidget::setColor(const LyrRGBAf& color) {
+    writeAll(mColorWidget, Lyr::Color, color);
+}
 
-void Editor::setOutlineColor(const LyrRGBAf& color) { writeAll(mOutlineColorWidget, Lyr::OutlineColor, color); }
+void LyqColorLookupTableRenderSettingsEditorWidget::setOutlineColor(const LyrRGBAf& color) {
+    writeAll(mOutlineColorWidget, Lyr::OutlineColor, color);
+}
 
-void Editor::setHasOutline(int index) { writeAll(nullptr, Lyr::HasOutline, choiceOfOnOff(index)); }
+void LyqColorLookupTableRenderSettingsEditorWidget::setHasOutline(int index) {
+    writeAll(nullptr, Lyr::HasOutline, choiceOfOnOff(index));
+}
 
-void Editor::setRendering(int index) { writeAll(nullptr, Lyr::Rendering, choiceOfOnOff(index)); }
+void LyqColorLookupTableRenderSettingsEditorWidget::setRendering(int index) {
+    writeAll(nullptr, Lyr::Rendering, choiceOfOnOff(index));
+}
 
-void Editor::setFont() {
+void LyqColorLookupTableRenderSettingsEditorWidget::setFont() {
     if (d->current) {
         // On the heap: the editor may go while the dialog is open, and takes it along.
         const QPointer<QFontDialog> dialog = new QFontDialog(fontOf(d->current.get()), this);
@@ -299,19 +339,19 @@ void Editor::setFont() {
     update();
 }
 
-void Editor::resetToDefault() {
+void LyqColorLookupTableRenderSettingsEditorWidget::resetToDefault() {
     if (d->current) {
         const LyrObjectPtr current = d->current;
         d->endGesture();
-        const LyqApplication::UserActionScope action(tr("Change colorbar settings"));
+        const LyqApplication::UserActionScope action(actionName());
         current->runAction(Lyr::ResetToDefaults);
     }
     update();
 }
 
-/** Fills the controls from the current object, silently. What shows the right thing already is left alone: the user may be at
- *  it. */
-void Editor::sync() {
+/** Fills the controls from the current object, silently. What shows the right thing already is left alone: the user may
+ * be at it. */
+void LyqColorLookupTableRenderSettingsEditorWidget::sync() {
     if (!isVisible()) {
         return;
     }
@@ -325,10 +365,11 @@ void Editor::sync() {
     }
 }
 
-void Editor::syncPlacement(const LyrObject* object) {
+void LyqColorLookupTableRenderSettingsEditorWidget::syncPlacement(const LyrObject* object) {
     const auto indexOf = [&](Lyrenum property, std::initializer_list<std::pair<Lyrenum, int>> indices) {
         const Lyrenum value = lyrGetValue<Lyrenum>(object, property, -1);
-        const auto found = std::find_if(indices.begin(), indices.end(), [&](const auto& entry) { return entry.first == value; });
+        const auto found =
+            std::find_if(indices.begin(), indices.end(), [&](const auto& entry) { return entry.first == value; });
         return found != indices.end() ? found->second : 0;
     };
     const auto fill = [](LyqComboBox* box, const QStringList& items, int index) {
@@ -342,23 +383,24 @@ void Editor::syncPlacement(const LyrObject* object) {
         // 0.7f times 100 is 69.9999988.
         mSizeSpinBox->setValue(std::round(static_cast<double>(lyrGetValue<float>(object, Lyr::Size, 0.0f)) * 100.0));
     }
-    const int position =
-        indexOf(Lyr::Position, {{Lyr::Left, 0}, {Lyr::Right, 1}, {Lyr::Bottom, 2}, {Lyr::Top, 3}});
+    const int position = indexOf(Lyr::Position, {{Lyr::Left, 0}, {Lyr::Right, 1}, {Lyr::Bottom, 2}, {Lyr::Top, 3}});
     const Lyrenum side = lyrGetValue<Lyrenum>(object, Lyr::Position, -1);
     const bool horizontal = side == Lyr::Bottom || side == Lyr::Top;
     fill(mPositionComboBox, {tr("Left"), tr("Right"), tr("Bottom"), tr("Top")}, position);
     fill(mAlignmentComboBox,
-         horizontal ? QStringList{tr("Left"), tr("Center"), tr("Right")} : QStringList{tr("Bottom"), tr("Center"), tr("Top")},
-         indexOf(Lyr::Alignment,
-                 {{Lyr::Bottom, 0}, {Lyr::Left, 0}, {Lyr::Center, 1}, {Lyr::Top, 2}, {Lyr::Right, 2}}));
-    fill(mTextPositionComboBox, horizontal ? QStringList{tr("Bottom"), tr("Top")} : QStringList{tr("Left"), tr("Right")},
+         horizontal ? QStringList{tr("Left"), tr("Center"), tr("Right")}
+                    : QStringList{tr("Bottom"), tr("Center"), tr("Top")},
+         indexOf(Lyr::Alignment, {{Lyr::Bottom, 0}, {Lyr::Left, 0}, {Lyr::Center, 1}, {Lyr::Top, 2}, {Lyr::Right, 2}}));
+    fill(mTextPositionComboBox,
+         horizontal ? QStringList{tr("Bottom"), tr("Top")} : QStringList{tr("Left"), tr("Right")},
          indexOf(Lyr::TextPosition, {{Lyr::Bottom, 0}, {Lyr::Left, 0}, {Lyr::Top, 1}, {Lyr::Right, 1}}));
-    fill(mTextAlignmentComboBox, {tr("Left"), tr("Right")}, indexOf(Lyr::TextAlignment, {{Lyr::Left, 0}, {Lyr::Right, 1}}));
+    fill(mTextAlignmentComboBox, {tr("Left"), tr("Right")},
+         indexOf(Lyr::TextAlignment, {{Lyr::Left, 0}, {Lyr::Right, 1}}));
     mHasOutlineComboBox->setCurrentSilently(indexOfOnOff(object, Lyr::HasOutline));
     mRenderingComboBox->setCurrentSilently(indexOfOnOff(object, Lyr::Rendering));
 }
 
-void Editor::syncText(const LyrObject* object) {
+void LyqColorLookupTableRenderSettingsEditorWidget::syncText(const LyrObject* object) {
     mColorWidget->setRgba(lyrGetValue(object, Lyr::Color, LyrRGBAf::WHITE()));
     mOutlineColorWidget->setRgba(lyrGetValue(object, Lyr::OutlineColor, LyrRGBAf::BLACK()));
 
@@ -373,7 +415,7 @@ void Editor::syncText(const LyrObject* object) {
     mDescriptionPreviewLabel->setText(ApplicationPlaceholders::internalToDisplayText(text, object));
 }
 
-QString Editor::describeFont(const QFont& font) {
+QString LyqColorLookupTableRenderSettingsEditorWidget::describeFont(const QFont& font) {
     // A font that is given in pixels has no size in points of its own.
     const double points = font.pointSizeF() > 0.0 ? font.pointSizeF() : QFontInfo(font).pointSizeF();
     QLocale locale;

@@ -8,9 +8,9 @@
 
 #include <memory>
 
-/** Edits one or several legend settings at once. Controls show the current object and write their property to every edited
- *  object, each write an undo step; the steps of one gesture (typing a caption, trying colours, holding an arrow of a number)
- *  merge into one. */
+/** Edits one or several legend settings at once. Controls show the current object and write their property to every
+ * edited object, each write an undo step; the steps of one gesture (typing a caption, trying colours, holding an arrow
+ * of a number) merge into one. */
 class LYS_COLORTABLE_EXPORT LyqColorLookupTableRenderSettingsEditorWidget
     : public LyqColorLookupTableRenderSettingsEditorWidgetUI,
       public LyqObjectEditorHandler,
@@ -66,6 +66,7 @@ private:
     struct Private;
     void connectControls();
     void sync();
+    static QString actionName();
     static QString describeFont(const QFont& font);
     void syncPlacement(const LyrObject* object);
     void syncText(const LyrObject* object);

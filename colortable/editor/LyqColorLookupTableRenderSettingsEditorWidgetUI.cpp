@@ -20,12 +20,14 @@ constexpr int LINE_HEIGHT = 20;
 constexpr int PREVIEW_HEIGHT = 21;
 constexpr QSize INITIAL_SIZE(218, 422);
 
-/** A button whose text may be long, such as the description of a font: it is shown as far as there is room, and all of it in
- *  the tool tip. */
+/** A button whose text may be long, such as the description of a font: it is shown as far as there is room, and all of
+ * it in the tool tip. */
 class ElidingButton : public QPushButton {
 public:
     using QPushButton::QPushButton;
-    QSize minimumSizeHint() const override { return {fontMetrics().height() * 4, QPushButton::minimumSizeHint().height()}; }
+    QSize minimumSizeHint() const override {
+        return {fontMetrics().height() * 4, QPushButton::minimumSizeHint().height()};
+    }
 
 protected:
     void paintEvent(QPaintEvent*) override {
@@ -108,7 +110,8 @@ LyqColorLookupTableRenderSettingsEditorWidgetUI::LyqColorLookupTableRenderSettin
 LyqColorLookupTableRenderSettingsEditorWidgetUI::~LyqColorLookupTableRenderSettingsEditorWidgetUI() = default;
 
 /** Puts a control into the next row, beside a label that hands it the focus; without a label it takes the whole row. */
-QLabel* LyqColorLookupTableRenderSettingsEditorWidgetUI::addRow(QGridLayout& grid, QWidget* control, const char* labelName) {
+QLabel* LyqColorLookupTableRenderSettingsEditorWidgetUI::addRow(QGridLayout& grid, QWidget* control,
+                                                                const char* labelName) {
     const int row = grid.rowCount();
     if (control != mDescriptionPreviewLabel) {
         control->setFixedHeight(LyqScaling::getScaledPixeli(static_cast<float>(logicalDpiY()), LINE_HEIGHT));

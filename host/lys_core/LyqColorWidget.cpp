@@ -72,8 +72,9 @@ void LyqColorWidget::choose() {
     mDialog = dialog;
     dialog->setOption(QColorDialog::ShowAlphaChannel);
     // The dialog knows 8 bits a channel: the colour it began with stands for the exact one.
-    connect(dialog, &QColorDialog::currentColorChanged, this,
-            [this, first, shown](const QColor& color) { take(color.rgba() == shown.rgba() ? first : fromQColor(color)); });
+    connect(dialog, &QColorDialog::currentColorChanged, this, [this, first, shown](const QColor& color) {
+        take(color.rgba() == shown.rgba() ? first : fromQColor(color));
+    });
     Q_EMIT choosingStarted();
     const bool confirmed = dialog->exec() == QDialog::Accepted;
     if (!dialog) {
@@ -91,7 +92,9 @@ QSize LyqColorWidget::sizeHint() const {
     return {3 * height, height};
 }
 
-QSize LyqColorWidget::minimumSizeHint() const { return {fontMetrics().height() * 2, fontMetrics().height()}; }
+QSize LyqColorWidget::minimumSizeHint() const {
+    return {fontMetrics().height() * 2, fontMetrics().height()};
+}
 
 void LyqColorWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -10,8 +10,8 @@ class QColorDialog;
 
 /** A button that shows a colour and lets the user choose another, opacity included.
  *
- *  While the dialog is open every colour that is tried is told at once; cancelling tells the first one again, exactly. Alpha is
- *  shown by the colour over white (left half) and over black (right half). */
+ *  While the dialog is open every colour that is tried is told at once; cancelling tells the first one again, exactly.
+ * Alpha is shown by the colour over white (left half) and over black (right half). */
 class LYS_CORE_EXPORT LyqColorWidget : public QAbstractButton {
     Q_OBJECT
 

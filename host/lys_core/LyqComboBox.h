@@ -11,8 +11,8 @@ class LYS_CORE_EXPORT LyqComboBox : public QComboBox {
 public:
     explicit LyqComboBox(QWidget* parent = nullptr, const char* name = nullptr);
 
-    /** Makes these the items, silently. Items that are there already stay, with the current one and an open list; else the
-     *  current index stays where it is, as far as the new list reaches. */
+    /** Makes these the items, silently. Items that are there already stay, with the current one and an open list; else
+     * the current index stays where it is, as far as the new list reaches. */
     void setItems(const QStringList& items);
     QStringList items() const;
 

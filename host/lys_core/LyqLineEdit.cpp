@@ -4,7 +4,9 @@
 
 #include <algorithm>
 
-LyqLineEdit::LyqLineEdit(QWidget* parent, const char* name) : QLineEdit(parent) { setObjectName(QString::fromUtf8(name)); }
+LyqLineEdit::LyqLineEdit(QWidget* parent, const char* name) : QLineEdit(parent) {
+    setObjectName(QString::fromUtf8(name));
+}
 
 void LyqLineEdit::showText(const QString& shown) {
     if (shown == text()) {

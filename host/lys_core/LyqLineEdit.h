@@ -11,7 +11,7 @@ class LYS_CORE_EXPORT LyqLineEdit : public QLineEdit {
 public:
     explicit LyqLineEdit(QWidget* parent = nullptr, const char* name = nullptr);
 
-    /** Shows a text, silently. The same text stays alone; with another one the cursor stays where it is, as far as the text
-     *  reaches. */
+    /** Shows a text, silently. The same text stays alone; with another one the cursor stays where it is, as far as the
+     * text reaches. */
     void showText(const QString& text);
 };

@@ -2,12 +2,14 @@
 #include <lys_core/LyqObjectEditorHandler.h>
 
 const LyrMetaClass& LyqObjectEditorHandler::metaClass() {
-    static const LyrMetaClass meta("LyqObjectEditorHandler", sizeof(LyqObjectEditorHandler), &LyrClass::metaClass(), nullptr,
-                                   "lys_core", 0, nullptr, 0, 0, 0, false);
+    static const LyrMetaClass meta("LyqObjectEditorHandler", sizeof(LyqObjectEditorHandler), &LyrClass::metaClass(),
+                                   nullptr, "lys_core", 0, nullptr, 0, 0, 0, false);
     return meta;
 }
 
-const LyrMetaClass& LyqObjectEditorHandler::getMetaClass() const { return metaClass(); }
+const LyrMetaClass& LyqObjectEditorHandler::getMetaClass() const {
+    return metaClass();
+}
 
 LyqObjectEditorHandler* LyqObjectEditorHandler::create(const char* className) {
     const LyrMetaClass* meta = LyrMetaClass::find(className);

@@ -6,8 +6,8 @@
 
 class QWidget;
 
-/** An editor of objects that the host makes by class name and hands the selection to. Its widget may be the editor itself; who
- *  deletes the one deletes the other. */
+/** An editor of objects that the host makes by class name and hands the selection to. Its widget may be the editor
+ * itself; who deletes the one deletes the other. */
 class LYS_CORE_EXPORT LyqObjectEditorHandler : public LyrClass {
 public:
     static const LyrMetaClass& metaClass();

@@ -29,7 +29,9 @@ constexpr int DIGITS_WITH_EXPONENT = 10;
 /** Digits before the point that a box is wide enough for. */
 constexpr int ROOM_FOR_DIGITS = 5;
 
-bool isSame(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+bool isSame(double a, double b) {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
 
 QString withoutTrailingZeros(QString text, const QString& point) {
     if (text.contains(point)) {
@@ -50,13 +52,16 @@ struct LyqSpinBox::Private {
     int precision = 2;
     double minimum = 0.0;
     double maximum = 99.99;
-    /** The value as it was set, and what the base was given for it: as long as the base still has that, this is the value. */
+    /** The value as it was set, and what the base was given for it: as long as the base still has that, this is the
+     * value. */
     double set = 0.0;
     double shownForSet = 0.0;
     /** The unit in which the base has its value. */
     Lyrenum unit{-1};
 
-    double toShown(double internal) const { return LyrQuantity::internalToUnit(internal, converter.getQuantity(), unit); }
+    double toShown(double internal) const {
+        return LyrQuantity::internalToUnit(internal, converter.getQuantity(), unit);
+    }
     double toInternal(double shown) const { return LyrQuantity::unitToInternal(shown, converter.getQuantity(), unit); }
 
     double rounded(double shown) const {
@@ -90,11 +95,17 @@ void LyqSpinBox::setQuantity(Lyrenum quantity) {
     showValue(internal);
 }
 
-Lyrenum LyqSpinBox::getQuantity() const { return d->converter.getQuantity(); }
+Lyrenum LyqSpinBox::getQuantity() const {
+    return d->converter.getQuantity();
+}
 
-void LyqSpinBox::setUnit(Lyrenum unit) { d->converter.setFixedUnit(unit); }
+void LyqSpinBox::setUnit(Lyrenum unit) {
+    d->converter.setFixedUnit(unit);
+}
 
-Lyrenum LyqSpinBox::getUnit() const { return d->unit; }
+Lyrenum LyqSpinBox::getUnit() const {
+    return d->unit;
+}
 
 /** The unit is another now: the same value and limits, other numbers for them. */
 void LyqSpinBox::showUnit() {
@@ -110,7 +121,9 @@ void LyqSpinBox::setPrecision(int decimals) {
     updateGeometry();
 }
 
-int LyqSpinBox::getPrecision() const { return d->precision; }
+int LyqSpinBox::getPrecision() const {
+    return d->precision;
+}
 
 void LyqSpinBox::setRange(double minimum, double maximum) {
     if (std::isnan(minimum) || std::isnan(maximum)) {
@@ -127,13 +140,21 @@ void LyqSpinBox::setRange(double minimum, double maximum) {
     }
 }
 
-void LyqSpinBox::setMinimum(double minimum) { setRange(minimum, std::max(minimum, d->maximum)); }
+void LyqSpinBox::setMinimum(double minimum) {
+    setRange(minimum, std::max(minimum, d->maximum));
+}
 
-void LyqSpinBox::setMaximum(double maximum) { setRange(std::min(maximum, d->minimum), maximum); }
+void LyqSpinBox::setMaximum(double maximum) {
+    setRange(std::min(maximum, d->minimum), maximum);
+}
 
-double LyqSpinBox::minimum() const { return d->minimum; }
+double LyqSpinBox::minimum() const {
+    return d->minimum;
+}
 
-double LyqSpinBox::maximum() const { return d->maximum; }
+double LyqSpinBox::maximum() const {
+    return d->maximum;
+}
 
 /** Hands the limits to the base, without a word: the value is set after it. */
 void LyqSpinBox::applyRange() {
@@ -256,7 +277,9 @@ QSize LyqSpinBox::sizeHint() const {
     return style()->sizeFromContents(QStyle::CT_SpinBox, &option, content, this);
 }
 
-QSize LyqSpinBox::minimumSizeHint() const { return sizeHint(); }
+QSize LyqSpinBox::minimumSizeHint() const {
+    return sizeHint();
+}
 
 void LyqSpinBox::changeEvent(QEvent* event) {
     QDoubleSpinBox::changeEvent(event);

@@ -7,13 +7,14 @@
 
 #include <memory>
 
-/** A box for a number with a quantity. Its value and limits are in the quantity's internal unit; what is shown and typed is
- *  in the display unit that the user chose, or in one of the box's own. Typed text is a number in the user's locale, else in
- *  C, with an optional unit: "1,5 mm", "1.5", "0.06 in".
+/** A box for a number with a quantity. Its value and limits are in the quantity's internal unit; what is shown and
+ * typed is in the display unit that the user chose, or in one of the box's own. Typed text is a number in the user's
+ * locale, else in C, with an optional unit: "1,5 mm", "1.5", "0.06 in".
  *
- *  A value that was set, and not changed by the user since, is given back as it was set, whatever is shown of it. A number is
- *  taken when it is complete: with Return, on leaving the box, or by a step; then it is rounded to the precision in the
- *  unit shown. Escape drops what is being typed. A text that is no number, or one outside the limits, is refused: the box says why and shows the old value.
+ *  A value that was set, and not changed by the user since, is given back as it was set, whatever is shown of it. A
+ * number is taken when it is complete: with Return, on leaving the box, or by a step; then it is rounded to the
+ * precision in the unit shown. Escape drops what is being typed. A text that is no number, or one outside the limits,
+ * is refused: the box says why and shows the old value.
  *
  *  Members of the base that are not named here tell of the value as it is shown. */
 class LYS_CORE_EXPORT LyqSpinBox : public QDoubleSpinBox {
@@ -39,8 +40,8 @@ public:
     void setDecimals(int decimals) { setPrecision(decimals); }
     int decimals() const { return getPrecision(); }
 
-    /** Limits in the internal unit, at most those of a float. A value outside of them becomes the nearest limit. An upper one below the lower one
-     *  becomes equal to it; limits that are no numbers are ignored. */
+    /** Limits in the internal unit, at most those of a float. A value outside of them becomes the nearest limit. An
+     * upper one below the lower one becomes equal to it; limits that are no numbers are ignored. */
     void setRange(double minimum, double maximum);
     void setMinimum(double minimum);
     void setMaximum(double maximum);
@@ -59,8 +60,8 @@ public:
     void stepBy(int steps) override;
 
 public Q_SLOTS:
-    /** Sets the value, brought between the limits; what is no number is ignored. A value that is there already leaves a text
-     *  alone that is being typed. */
+    /** Sets the value, brought between the limits; what is no number is ignored. A value that is there already leaves a
+     * text alone that is being typed. */
     void setValue(double value);
 
 Q_SIGNALS:

@@ -200,7 +200,8 @@ TEST_F(SpinBox, holds_every_float_and_nothing_beyond) {
     EXPECT_EQ(box.value(), FLOAT_MAX);
     enter("1e39");
     EXPECT_EQ(refusals.size(), 1);
-    EXPECT_LT(box.sizeHint().width(), 40 * box.fontMetrics().horizontalAdvance('0')) << "its width is not that of its limits";
+    EXPECT_LT(box.sizeHint().width(), 40 * box.fontMetrics().horizontalAdvance('0'))
+        << "its width is not that of its limits";
 }
 
 TEST_F(SpinBox, steps_in_the_unit_shown_from_what_is_typed) {

@@ -29,7 +29,8 @@ protected:
 struct Choosing {
     Choosing(const LyrRGBAf& color, const std::function<void(QColorDialog&)>& act) {
         widget.setRgba(color);
-        QObject::connect(&widget, &LyqColorWidget::rgbaChanged, [this](const LyrRGBAf& told) { colors.push_back(told); });
+        QObject::connect(&widget, &LyqColorWidget::rgbaChanged,
+                         [this](const LyrRGBAf& told) { colors.push_back(told); });
         QObject::connect(&widget, &LyqColorWidget::choosingStarted, [this] { ++started; });
         QObject::connect(&widget, &LyqColorWidget::choosingFinished, [this] { ++finished; });
         QTimer::singleShot(0, &widget, [&] {

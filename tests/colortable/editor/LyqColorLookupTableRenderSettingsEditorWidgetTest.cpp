@@ -25,10 +25,11 @@ TEST_F(SettingsEditor, has_every_control_under_its_name_and_with_its_text) {
                                                          {"mDescriptionLabel", "Caption"},
                                                          {"mColorLabel", "Font color"},
                                                          {"mPreviewLabel", "Caption preview"}};
-    const char* const controls[] = {
-        "mRenderingComboBox", "mThicknessSpinBox",   "mSizeSpinBox",           "mPositionComboBox",    "mTextPositionComboBox",
-        "mAlignmentComboBox", "mHasOutlineComboBox", "mFontPushButton",        "mOutlineColorWidget",  "mTextAlignmentComboBox",
-        "mDescriptionLineEdit", "mColorWidget",      "mDescriptionPreviewLabel"};
+    const char* const controls[] = {"mRenderingComboBox",      "mThicknessSpinBox",     "mSizeSpinBox",
+                                    "mPositionComboBox",       "mTextPositionComboBox", "mAlignmentComboBox",
+                                    "mHasOutlineComboBox",     "mFontPushButton",       "mOutlineColorWidget",
+                                    "mTextAlignmentComboBox",  "mDescriptionLineEdit",  "mColorWidget",
+                                    "mDescriptionPreviewLabel"};
     for (std::size_t i = 0; i < std::size(texts); ++i) {
         const auto* label = form.findChild<QLabel*>(texts[i].first);
         ASSERT_NE(label, nullptr) << texts[i].first;
@@ -59,10 +60,11 @@ TEST_F(SettingsEditor, has_every_control_under_its_name_and_with_its_text) {
 }
 
 TEST_F(SettingsEditor, the_tab_key_goes_through_the_controls_in_their_order) {
-    const char* const order[] = {"mRenderingComboBox",    "mThicknessSpinBox", "mSizeSpinBox",        "mPositionComboBox",
-                                 "mTextPositionComboBox", "mAlignmentComboBox", "mHasOutlineComboBox", "mResetPushButton",
-                                 "mFontPushButton",       "mOutlineColorWidget", "mTextAlignmentComboBox",
-                                 "mDescriptionLineEdit",  "mColorWidget"};
+    const char* const order[] = {"mRenderingComboBox",  "mThicknessSpinBox",      "mSizeSpinBox",
+                                 "mPositionComboBox",   "mTextPositionComboBox",  "mAlignmentComboBox",
+                                 "mHasOutlineComboBox", "mResetPushButton",       "mFontPushButton",
+                                 "mOutlineColorWidget", "mTextAlignmentComboBox", "mDescriptionLineEdit",
+                                 "mColorWidget"};
     QStringList reached;
     for (const QWidget* at = editor.nextInFocusChain(); at != &editor; at = at->nextInFocusChain()) {
         if ((at->focusPolicy() & Qt::TabFocus) && at->parentWidget() == &editor) {
@@ -232,7 +234,8 @@ TEST_F(SettingsEditor, two_objects_keep_their_own_position_and_share_what_is_wri
     choose("mAlignmentComboBox", 2);
     EXPECT_EQ(choiceOf(first.get(), Lyr::Alignment), Lyr::Top);
     EXPECT_EQ(choiceOf(second.get(), Lyr::Alignment), Lyr::Top);
-    EXPECT_EQ(combo("mAlignmentComboBox").items(), (QStringList{"Bottom", "Center", "Top"})) << "as the current one lies";
+    EXPECT_EQ(combo("mAlignmentComboBox").items(), (QStringList{"Bottom", "Center", "Top"}))
+        << "as the current one lies";
     EXPECT_EQ(choiceOf(second.get(), Lyr::Position), Lyr::Top);
 }
 

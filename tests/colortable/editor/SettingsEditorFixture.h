@@ -96,7 +96,9 @@ protected:
     static T valueOf(const LyrObject* object, Lyrenum property, T none) {
         return lyrGetValue<T>(object, property, none);
     }
-    static Lyrenum choiceOf(const LyrObject* object, Lyrenum property) { return lyrGetValue<Lyrenum>(object, property, -1); }
+    static Lyrenum choiceOf(const LyrObject* object, Lyrenum property) {
+        return lyrGetValue<Lyrenum>(object, property, -1);
+    }
     static QString textOf(const LyrObject* object, const char* property) {
         return QString::fromUtf8(lyrGetValue<const char*>(object, Lyrenum(property, true), "(none)"));
     }
