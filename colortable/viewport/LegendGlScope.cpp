@@ -52,8 +52,8 @@ bool isFull(GLenum depth, GLenum limit) {
 void resetFragments(int version) {
     for (const GLenum capability :
          {GL_DEPTH_TEST, GL_LIGHTING, GL_ALPHA_TEST, GL_STENCIL_TEST, GL_FOG, GL_CULL_FACE, GL_COLOR_LOGIC_OP,
-          GL_INDEX_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH, GL_COLOR_SUM,
-          GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE}) {
+          GL_INDEX_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH, GL_SAMPLE_ALPHA_TO_COVERAGE,
+          GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE}) {
         glDisable(capability);
     }
     if (version >= 30) {
@@ -198,10 +198,15 @@ void LegendGlScope::saveLoose() {
         mClipDepth = binding(GL_CLIP_DEPTH_MODE);
         glClipControl(GL_LOWER_LEFT, GL_NEGATIVE_ONE_TO_ONE);
     }
+    saveSwitches();
+    saveBlending();
+}
+
+void LegendGlScope::saveSwitches() {
     static constexpr struct {
         int version;
         GLenum capability;
-    } SWITCHES[] = {{30, GL_RASTERIZER_DISCARD}, {32, GL_SAMPLE_MASK}, {40, GL_SAMPLE_SHADING}};
+    } SWITCHES[] = {{20, GL_COLOR_SUM}, {30, GL_RASTERIZER_DISCARD}, {32, GL_SAMPLE_MASK}, {40, GL_SAMPLE_SHADING}};
     for (std::size_t i = 0; i < mSwitches.size(); ++i) {
         if (mVersion >= SWITCHES[i].version) {
             mSwitches[i] = {SWITCHES[i].capability, glIsEnabled(SWITCHES[i].capability) == GL_TRUE};
@@ -210,7 +215,38 @@ void LegendGlScope::saveLoose() {
     }
 }
 
+/** Popping the attributes gives all draw buffers the blending of the first one on some drivers. */
+void LegendGlScope::saveBlending() {
+    if (mVersion < 40) {
+        return;
+    }
+    const auto count = static_cast<GLuint>(std::clamp(integer(GL_MAX_DRAW_BUFFERS), 0, 8));
+    bool alike = true;
+    for (GLuint i = 0; i < count; ++i) {
+        Blending& blending = mBlending[i];
+        glGetIntegeri_v(GL_BLEND_SRC_RGB, i, &blending.sourceColor);
+        glGetIntegeri_v(GL_BLEND_DST_RGB, i, &blending.targetColor);
+        glGetIntegeri_v(GL_BLEND_SRC_ALPHA, i, &blending.sourceAlpha);
+        glGetIntegeri_v(GL_BLEND_DST_ALPHA, i, &blending.targetAlpha);
+        glGetIntegeri_v(GL_BLEND_EQUATION_RGB, i, &blending.colorEquation);
+        glGetIntegeri_v(GL_BLEND_EQUATION_ALPHA, i, &blending.alphaEquation);
+        alike = alike && blending == mBlending[0];
+    }
+    mBlendingCount = alike ? 0 : count;
+}
+
+void LegendGlScope::restoreBlending() const {
+    for (GLuint i = 0; i < mBlendingCount; ++i) {
+        const Blending& blending = mBlending[i];
+        glBlendFuncSeparatei(i, static_cast<GLenum>(blending.sourceColor), static_cast<GLenum>(blending.targetColor),
+                             static_cast<GLenum>(blending.sourceAlpha), static_cast<GLenum>(blending.targetAlpha));
+        glBlendEquationSeparatei(i, static_cast<GLenum>(blending.colorEquation),
+                                 static_cast<GLenum>(blending.alphaEquation));
+    }
+}
+
 void LegendGlScope::restoreLoose() {
+    restoreBlending();
     for (const LooseSwitch& entry : mSwitches) {
         if (entry.on) {
             glEnable(entry.capability);

@@ -21,7 +21,12 @@ public:
     void popMatrices();
 
 private:
-    /** A switch that no attribute stack saves. */
+    /** How one draw buffer blends. */
+    struct Blending {
+        int sourceColor, targetColor, sourceAlpha, targetAlpha, colorEquation, alphaEquation;
+        bool operator==(const Blending&) const = default;
+    };
+    /** A switch that no attribute stack saves, or not on every driver. */
     struct LooseSwitch {
         unsigned int capability = 0;
         bool on = false;
@@ -30,6 +35,9 @@ private:
     bool haveRoom();
     void saveLoose();
     void restoreLoose();
+    void saveSwitches();
+    void saveBlending();
+    void restoreBlending() const;
     void pushMatrices();
 
     bool mReady = false;
@@ -42,5 +50,7 @@ private:
     unsigned int mActiveTexture = 0;
     unsigned int mClipOrigin = 0;
     unsigned int mClipDepth = 0;
-    std::array<LooseSwitch, 3> mSwitches;
+    std::array<LooseSwitch, 4> mSwitches;
+    std::array<Blending, 8> mBlending{};
+    unsigned int mBlendingCount = 0;  ///< 0 where all draw buffers blend alike
 };

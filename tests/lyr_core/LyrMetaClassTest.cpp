@@ -1,5 +1,7 @@
 #include "lyr_core/TestObjects.h"
 
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrRoleManager.h>
 
@@ -447,4 +449,20 @@ TEST_F(LyrMetaClassHooks, are_called_once_for_an_object_whose_end_is_prepared_by
     delete node;  // as a widget is deleted by its parent
     EXPECT_EQ(words, (Words{"+TestNode", "-TestNode", "prepared"}));
     LyrMetaClass::prepareDestruction(nullptr);
+}
+
+TEST(LyrMetaClass, makes_an_owning_parent_link_by_its_name) {
+    LyrClass* made = LyrMetaClass::create("LyrObjectParentLinkOP");
+    auto* property = dynamic_cast<LyrObjectParentLinkOP*>(made);
+    ASSERT_NE(property, nullptr);
+    LyrObject owner;
+    owner.incRef();
+    LyrObjectPtr target(new LyrObject);
+    ASSERT_TRUE(owner.addProperty(Lyr::Object, property, true));
+    ASSERT_TRUE(property->setValue(LyrObjectLink(target.get(), nullptr, -1)));
+    EXPECT_EQ(target->getParentLink().getOwner(), &owner);
+    EXPECT_EQ(target->getRefCount(), 2);
+    EXPECT_TRUE(owner.removeProperty(Lyr::Object));
+    EXPECT_EQ(target->getParentLink().getOwner(), nullptr);
+    EXPECT_EQ(target->getRefCount(), 1);
 }
