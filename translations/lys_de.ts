@@ -201,6 +201,89 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyqColorLookupTableOptionsWidget</name>
+    <message>
+        <source>&amp;Quantity</source>
+        <translation>&amp;Größe</translation>
+    </message>
+    <message>
+        <source>Black &amp;below the range</source>
+        <translation>Schwarz &amp;unter dem Bereich</translation>
+    </message>
+    <message>
+        <source>Black &amp;above the range</source>
+        <translation>Schwarz über dem &amp;Bereich</translation>
+    </message>
+    <message>
+        <source>&amp;Least boundary</source>
+        <translation>&amp;Kleinste Grenze</translation>
+    </message>
+    <message>
+        <source>&amp;Greatest boundary</source>
+        <translation>G&amp;rößte Grenze</translation>
+    </message>
+    <message>
+        <source>unlimited</source>
+        <translation>unbegrenzt</translation>
+    </message>
+    <message>
+        <source>&amp;Fit to data</source>
+        <translation>An &amp;Daten anpassen</translation>
+    </message>
+    <message>
+        <source>Data from %1 to %2</source>
+        <translation>Daten von %1 bis %2</translation>
+    </message>
+    <message>
+        <source>No data range</source>
+        <translation>Kein Datenbereich</translation>
+    </message>
+    <message>
+        <source>Change quantity</source>
+        <translation>Größe ändern</translation>
+    </message>
+    <message>
+        <source>Change colors beyond the range</source>
+        <translation>Farben außerhalb des Bereichs ändern</translation>
+    </message>
+    <message>
+        <source>Change maximum range</source>
+        <translation>Größten Bereich ändern</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no number. The limit stays as it was; an empty text stands for no limit.</source>
+        <translation>„%1“ ist keine Zahl. Die Grenze bleibt, wie sie war; ein leerer Text steht für keine Grenze.</translation>
+    </message>
+    <message>
+        <source>%1 is beyond what a boundary can be. The limit stays as it was.</source>
+        <translation>%1 liegt jenseits dessen, was eine Grenze sein kann. Die Grenze bleibt, wie sie war.</translation>
+    </message>
+    <message>
+        <source>With %1 the least boundary would not be below the greatest. The limit stays as it was.</source>
+        <translation>Mit %1 läge die kleinste Grenze nicht unter der größten. Die Grenze bleibt, wie sie war.</translation>
+    </message>
+    <message>
+        <source>The data lies outside of the boundaries that are allowed. Change their limits first.</source>
+        <translation>Die Daten liegen außerhalb der erlaubten Grenzen. Ändern Sie diese zuerst.</translation>
+    </message>
+    <message>
+        <source>The table has no range that could be stretched. Create a table first.</source>
+        <translation>Die Tabelle hat keinen Bereich, der gedehnt werden könnte. Erzeugen Sie zuerst eine Tabelle.</translation>
+    </message>
+    <message>
+        <source>Fit to data</source>
+        <translation>An Daten anpassen</translation>
+    </message>
+    <message>
+        <source>The boundaries could not be changed.</source>
+        <translation>Die Grenzen konnten nicht geändert werden.</translation>
+    </message>
+    <message>
+        <source>Fitted to that part of the data in which boundaries are allowed.</source>
+        <translation>An den Teil der Daten angepasst, in dem Grenzen erlaubt sind.</translation>
+    </message>
+</context>
+<context>
     <name>LyqColorLookupTableRenderSettingsEditorWidget</name>
     <message>
         <source>Change colorbar settings</source>
