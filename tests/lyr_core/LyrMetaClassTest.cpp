@@ -451,7 +451,7 @@ TEST_F(LyrMetaClassHooks, are_called_once_for_an_object_whose_end_is_prepared_by
     LyrMetaClass::prepareDestruction(nullptr);
 }
 
-TEST(LyrMetaClass, makes_an_owning_parent_link_by_its_name) {
+TEST_F(LyrMetaClassTest, makes_an_owning_parent_link_by_its_name) {
     LyrClass* made = LyrMetaClass::create("LyrObjectParentLinkOP");
     auto* property = dynamic_cast<LyrObjectParentLinkOP*>(made);
     ASSERT_NE(property, nullptr);
