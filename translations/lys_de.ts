@@ -251,18 +251,6 @@ Die angegebenen Parameter sind ungültig.</translation>
         <translation>Größten Bereich ändern</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; is no number. The limit stays as it was; an empty text stands for no limit.</source>
-        <translation>„%1“ ist keine Zahl. Die Grenze bleibt, wie sie war; ein leerer Text steht für keine Grenze.</translation>
-    </message>
-    <message>
-        <source>%1 is beyond what a boundary can be. The limit stays as it was.</source>
-        <translation>%1 liegt jenseits dessen, was eine Grenze sein kann. Die Grenze bleibt, wie sie war.</translation>
-    </message>
-    <message>
-        <source>With %1 the least boundary would not be below the greatest. The limit stays as it was.</source>
-        <translation>Mit %1 läge die kleinste Grenze nicht unter der größten. Die Grenze bleibt, wie sie war.</translation>
-    </message>
-    <message>
         <source>The data lies outside of the boundaries that are allowed. Change their limits first.</source>
         <translation>Die Daten liegen außerhalb der erlaubten Grenzen. Ändern Sie diese zuerst.</translation>
     </message>
@@ -281,6 +269,22 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Fitted to that part of the data in which boundaries are allowed.</source>
         <translation>An den Teil der Daten angepasst, in dem Grenzen erlaubt sind.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no number with a unit of the quantity. Empty: no limit.</source>
+        <translation>„%1“ ist keine Zahl mit einer Einheit der Größe. Leer: keine Grenze.</translation>
+    </message>
+    <message>
+        <source>%1 is beyond what a boundary can be. Empty: no limit.</source>
+        <translation>%1 liegt jenseits dessen, was eine Grenze sein kann. Leer: keine Grenze.</translation>
+    </message>
+    <message>
+        <source>%1 is not below the greatest boundary.</source>
+        <translation>%1 liegt nicht unter der größten Grenze.</translation>
+    </message>
+    <message>
+        <source>%1 is not above the least boundary.</source>
+        <translation>%1 liegt nicht über der kleinsten Grenze.</translation>
     </message>
 </context>
 <context>

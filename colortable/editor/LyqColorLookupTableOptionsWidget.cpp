@@ -26,6 +26,10 @@ namespace {
 
 /** Stands for "no limit". */
 constexpr float FLOAT_MAX = std::numeric_limits<float>::max();
+/** Of a refused text this much is shown, in characters. */
+constexpr int QUOTED_WIDTH = 20;
+/** Lines that are kept free for a message, so that the panel does not jump. */
+constexpr int MESSAGE_LINES = 4;
 
 using Range = LyrValuePair<float>;
 
@@ -128,6 +132,8 @@ void LyqColorLookupTableOptionsWidget::buildForm() {
         text->setTextFormat(Qt::PlainText);
         text->setWordWrap(true);
     }
+    d->message->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    d->message->setMinimumHeight(MESSAGE_LINES * fontMetrics().lineSpacing());
 
     auto* grid = new QGridLayout(this);
     grid->addWidget(d->quantityLabel, 0, 0);
@@ -303,16 +309,20 @@ QString LyqColorLookupTableOptionsWidget::reasonToRefuseLimit(Side side, const Q
     if (!ok) {
         internal = d->converter.unitStringToInternal(text, &ok);
     }
+    // A long text would push the reason out of sight.
+    const QString quoted =
+        fontMetrics().elidedText(text, Qt::ElideMiddle, fontMetrics().averageCharWidth() * QUOTED_WIDTH);
     if (!ok) {
-        return tr("\"%1\" is no number. The limit stays as it was; an empty text stands for no limit.").arg(text);
+        return tr("\"%1\" is no number with a unit of the quantity. Empty: no limit.").arg(quoted);
     }
     if (std::abs(internal) > static_cast<double>(FLOAT_MAX)) {
-        return tr("%1 is beyond what a boundary can be. The limit stays as it was.").arg(text);
+        return tr("%1 is beyond what a boundary can be. Empty: no limit.").arg(quoted);
     }
     Range changed = range;
     (side == LOWER ? changed.first : changed.second) = static_cast<float>(internal);
     if (!isProper(changed)) {
-        return tr("With %1 the least boundary would not be below the greatest. The limit stays as it was.").arg(text);
+        return side == LOWER ? tr("%1 is not below the greatest boundary.").arg(quoted)
+                             : tr("%1 is not above the least boundary.").arg(quoted);
     }
     range = changed;
     return {};

@@ -83,6 +83,8 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
      * ended. */
     const QWidget* gestureOwner = nullptr;
     int gesture = 0;
+    /** The box of a number on which a key or button is down. */
+    const QObject* heldBox = nullptr;
     QElapsedTimer lastWheel;
 
     void endGesture() { gestureOwner = nullptr; }
@@ -98,29 +100,43 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
         gestureOwner = owner;
     }
 
-    /** An input to the box of a number: does it begin another gesture? */
-    void hearBox(const QEvent& event) {
+    /** An input to the box of a number: a key or button that goes down begins another gesture, which lasts until it
+     * goes up; the notches of a wheel that is kept turning are one as well. */
+    void hearBox(const QObject* box, const QEvent& event) {
+        const bool repeated = event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).isAutoRepeat();
         switch (event.type()) {
             case QEvent::KeyPress:
-                if (!static_cast<const QKeyEvent&>(event).isAutoRepeat()) {
-                    endGesture();
-                }
-                break;
-            case QEvent::Wheel:
-                if (!lastWheel.isValid() || lastWheel.elapsed() > WHEEL_PAUSE) {
-                    endGesture();
-                }
-                lastWheel.start();
-                break;
             case QEvent::MouseButtonPress:
+                if (!repeated) {
+                    endGesture();
+                }
+                heldBox = box;
+                break;
+            case QEvent::KeyRelease:
+                if (static_cast<const QKeyEvent&>(event).isAutoRepeat()) {
+                    break;
+                }
+                [[fallthrough]];
             case QEvent::MouseButtonRelease:
             case QEvent::FocusOut:
                 endGesture();
+                heldBox = nullptr;
+                break;
+            case QEvent::Wheel:
+                if (!wheelTurns()) {
+                    endGesture();
+                }
+                lastWheel.start();
                 break;
             default:
                 break;
         }
     }
+
+    bool wheelTurns() const { return lastWheel.isValid() && lastWheel.elapsed() < WHEEL_PAUSE; }
+
+    /** The owner of a gesture for a number: its box while something is held there. */
+    const QWidget* boxOwner(const QWidget* box) const { return heldBox == box || wheelTurns() ? box : nullptr; }
 };
 
 LyqColorLookupTableRenderSettingsEditorWidget::LyqColorLookupTableRenderSettingsEditorWidget(QWidget* parent,
@@ -232,7 +248,7 @@ void LyqColorLookupTableRenderSettingsEditorWidget::languageChange() {
 
 bool LyqColorLookupTableRenderSettingsEditorWidget::eventFilter(QObject* watched, QEvent* event) {
     if (watched == mThicknessSpinBox || watched == mSizeSpinBox) {
-        d->hearBox(*event);
+        d->hearBox(watched, *event);
     }
     return LyqColorLookupTableRenderSettingsEditorWidgetUI::eventFilter(watched, event);
 }
@@ -274,13 +290,13 @@ void LyqColorLookupTableRenderSettingsEditorWidget::writeAll(const QWidget* gest
 void LyqColorLookupTableRenderSettingsEditorWidget::setThickness(double pixels) {
     if (!std::isnan(pixels)) {
         const auto whole = static_cast<long long>(std::clamp(pixels, -LARGEST_THICKNESS, LARGEST_THICKNESS));
-        writeAll(mThicknessSpinBox, Lyr::Thickness, whole);
+        writeAll(d->boxOwner(mThicknessSpinBox), Lyr::Thickness, whole);
     }
 }
 
 void LyqColorLookupTableRenderSettingsEditorWidget::setSize(double percent) {
     // Narrowed once: 70 gives the bits of 0.7f.
-    writeAll(mSizeSpinBox, Lyr::Size, static_cast<float>(percent * 0.01));
+    writeAll(d->boxOwner(mSizeSpinBox), Lyr::Size, static_cast<float>(percent * 0.01));
 }
 
 void LyqColorLookupTableRenderSettingsEditorWidget::setPosition(int index) {
@@ -362,6 +378,7 @@ void LyqColorLookupTableRenderSettingsEditorWidget::sync() {
     } else {
         mDescriptionLineEdit->showText({});
         mDescriptionPreviewLabel->clear();
+        mDescriptionPreviewLabel->setToolTip({});
     }
 }
 
@@ -412,7 +429,13 @@ void LyqColorLookupTableRenderSettingsEditorWidget::syncText(const LyrObject* ob
 
     const QString text = QString::fromUtf8(lyrGetValue<const char*>(object, descriptionTemplateId(), ""));
     mDescriptionLineEdit->showText(ApplicationPlaceholders::internalToEditText(text, object));
-    mDescriptionPreviewLabel->setText(ApplicationPlaceholders::internalToDisplayText(text, object));
+    const QString preview = ApplicationPlaceholders::internalToDisplayText(text, object);
+    if (mDescriptionPreviewLabel->text() != preview) {
+        mDescriptionPreviewLabel->setText(preview);
+        // As rich text, or a caption with tags in it would be taken for that.
+        mDescriptionPreviewLabel->setToolTip(
+            preview.isEmpty() ? QString() : QStringLiteral("<qt>%1</qt>").arg(preview.toHtmlEscaped()));
+    }
 }
 
 QString LyqColorLookupTableRenderSettingsEditorWidget::describeFont(const QFont& font) {

@@ -20,6 +20,7 @@
 #include <ToolkitApplication.h>
 
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace {
@@ -168,6 +169,15 @@ TEST_F(TableOptions, what_is_no_limit_is_refused_with_a_reason) {
     enter(lower(), "2");
     EXPECT_EQ(message(), "");
     EXPECT_EQ(limits(), (Range{2.0f, 5.0f}));
+}
+
+TEST_F(TableOptions, have_room_for_a_message_about_any_text) {
+    panel.resize(panel.sizeHint());
+    settle();
+    enter(upper(), std::string(5000, 'x').c_str());
+    const auto& label = control<QLabel>("mMessageLabel");
+    EXPECT_FALSE(message().isEmpty());
+    EXPECT_LE(label.heightForWidth(label.width()), label.height());
 }
 
 TEST_F(TableOptions, a_limit_that_is_left_as_it_reads_is_not_rounded) {

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QFontDialog>
 #include <QTimer>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -150,6 +151,27 @@ TEST_F(SettingsEditor, each_number_is_a_step_and_a_held_key_is_one) {
     QCoreApplication::sendEvent(&box, &up);
     application().undo();
     EXPECT_EQ(valueOf<long long>(first.get(), Lyr::Thickness, -1), 13);
+}
+
+TEST_F(SettingsEditor, a_wheel_that_is_kept_turning_makes_one_step) {
+    LyqSpinBox& box = spin("mThicknessSpinBox");
+    editor.activateWindow();
+    box.setFocus();
+    settle();
+    ASSERT_TRUE(box.hasFocus());
+    for (int i = 0; i < 3; ++i) {
+        QWheelEvent notch(QPointF(2, 2), box.mapToGlobal(QPointF(2, 2)), QPoint(), QPoint(0, 120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&box, &notch);
+    }
+    EXPECT_EQ(valueOf<long long>(first.get(), Lyr::Thickness, -1), 15);
+    EXPECT_EQ(history().count(), 1);
+}
+
+TEST_F(SettingsEditor, numbers_that_nobody_holds_are_steps_of_their_own) {
+    spin("mThicknessSpinBox").setValue(30.0);
+    spin("mThicknessSpinBox").setValue(40.0);
+    EXPECT_EQ(history().count(), 2);
 }
 
 TEST_F(SettingsEditor, a_number_that_is_left_as_it_is_makes_no_step) {
