@@ -1,7 +1,12 @@
 #include <colortable/editor/SettingsEditorFixture.h>
 
+#include <lys_core/LyqTranslations.h>
+
 #include <QApplication>
 #include <QFontDialog>
+#include <QKeySequence>
+#include <QLocale>
+#include <QSet>
 #include <QTimer>
 #include <QWheelEvent>
 
@@ -264,4 +269,40 @@ TEST_F(SettingsEditor, may_go_while_its_font_dialog_is_open) {
     whenFontDialogOpens([&](QFontDialog&) { delete other; });
     other->findChild<QPushButton*>("mFontPushButton")->click();
     EXPECT_EQ(textOf(first.get(), "Font"), "Arial,10,-1,5,50,0,0,0,0,0");
+}
+
+TEST_F(SettingsEditor, changes_its_language_while_it_is_shown) {
+    choose("mPositionComboBox", 2);
+    history().clear();
+    ASSERT_TRUE(LyqTranslations::install(QLocale(QLocale::German)));
+    settle();
+    EXPECT_EQ(combo("mPositionComboBox").items(), (QStringList{"Links", "Rechts", "Unten", "Oben"}));
+    EXPECT_EQ(combo("mPositionComboBox").currentIndex(), 2);
+    EXPECT_EQ(combo("mAlignmentComboBox").items(), (QStringList{"Links", "Mitte", "Rechts"}));
+    EXPECT_EQ(combo("mAlignmentComboBox").currentIndex(), 1);
+    EXPECT_EQ(control<QLabel>("mDescriptionLabel")->text(), "&Beschriftung");
+    EXPECT_EQ(control<QPushButton>("mFontPushButton")->text(), "Arial, 10 pt");
+    LyqTranslations::remove();
+    settle();
+    EXPECT_EQ(control<QLabel>("mDescriptionLabel")->text(), "Caption");
+    EXPECT_EQ(combo("mTextPositionComboBox").items(), (QStringList{"Bottom", "Top"}));
+    EXPECT_EQ(history().count(), 0);
+}
+
+TEST_F(SettingsEditor, every_mnemonic_is_there_once_in_each_language) {
+    for (const QLocale::Language language : {QLocale::German, QLocale::English}) {
+        ASSERT_TRUE(LyqTranslations::install(QLocale(language)));
+        settle();
+        QString letters;
+        for (const QLabel* label : editor.findChildren<QLabel*>()) {
+            letters += QKeySequence::mnemonic(label->text()).toString();
+        }
+        for (const QPushButton* button : editor.findChildren<QPushButton*>()) {
+            letters += QKeySequence::mnemonic(button->text()).toString();
+        }
+        const QStringList keys = letters.split("Alt+", Qt::SkipEmptyParts);
+        EXPECT_EQ(keys.size(), 13) << letters.toStdString() << ": all but the preview";
+        EXPECT_EQ(QSet<QString>(keys.begin(), keys.end()).size(), keys.size()) << letters.toStdString();
+    }
+    LyqTranslations::remove();
 }
