@@ -109,11 +109,13 @@ int textureLength(int length) {
     return result;
 }
 
-std::vector<unsigned char> keyedPixels(const QImage& image) {
+bool keyedPixels(const QImage& image, PixelBytes& bytes) {
     const QImage source = image.format() == QImage::Format_RGB32 ? image : image.convertToFormat(QImage::Format_RGB32);
     const auto width = static_cast<std::size_t>(std::max(source.width(), 0));
     const auto height = static_cast<std::size_t>(std::max(source.height(), 0));
-    std::vector<unsigned char> bytes(width * height * 4);
+    if (!bytes.resize(width * height * 4)) {
+        return false;
+    }
     unsigned char* to = bytes.data();
     for (std::size_t y = 0; y < height; ++y) {
         const auto* from = reinterpret_cast<const QRgb*>(source.constScanLine(static_cast<int>(y)));
@@ -124,7 +126,7 @@ std::vector<unsigned char> keyedPixels(const QImage& image) {
             to[3] = (*from & RGB_MASK) == KEY ? 0 : 255;
         }
     }
-    return bytes;
+    return true;
 }
 
 }  // namespace lys::viewport

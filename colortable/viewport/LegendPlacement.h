@@ -1,6 +1,7 @@
 #pragma once
 
 #include <colortable/LysColortableExport.h>
+#include <lyr_core/LyrScratch.h>
 #include <lyr_core/LyrVector3.h>
 #include <lyr_core/Lyrenum.h>
 
@@ -57,8 +58,11 @@ LYS_COLORTABLE_EXPORT std::vector<LyrVector3<float>> quadCorners(const QRect& fr
 /** The smallest power of two that is not below a length; 0 for a length that is not positive. */
 LYS_COLORTABLE_EXPORT int textureLength(int length);
 
+/** Bytes of an image: small ones need no memory. */
+using PixelBytes = LyrScratch<unsigned char, 1040>;
+
 /** The image's pixels as bytes R, G, B, A, row by row from the first scan line: opaque, but for the key colour (0, 0,
- * 8), which becomes transparent. Nothing is premultiplied. */
-LYS_COLORTABLE_EXPORT std::vector<unsigned char> keyedPixels(const QImage& image);
+ * 8), which becomes transparent. Nothing is premultiplied. False when memory ran out. */
+LYS_COLORTABLE_EXPORT bool keyedPixels(const QImage& image, PixelBytes& bytes);
 
 }  // namespace lys::viewport

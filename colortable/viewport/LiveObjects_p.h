@@ -12,14 +12,19 @@ namespace lys::viewport {
 class LiveObjects {
 public:
     explicit LiveObjects(const char* className) noexcept {
+        // As many as fit in place are usually all; only where they are not, they are counted.
         const LyrClassManager::SearchPattern pattern(className);
-        const auto count = static_cast<std::size_t>(LyrClassManager::getObjectCount(pattern));
-        if (mObjects.resize(count)) {
+        std::size_t room = IN_PLACE;
+        while (mObjects.resize(room)) {
             mCount = static_cast<std::size_t>(
-                LyrClassManager::findObjects(mObjects.data(), static_cast<long long>(count), pattern));
-        } else {
-            LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+                LyrClassManager::findObjects(mObjects.data(), static_cast<long long>(room), pattern));
+            if (mCount < room) {
+                return;
+            }
+            room = static_cast<std::size_t>(LyrClassManager::getObjectCount(pattern)) + 1;
         }
+        mCount = 0;
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
     }
 
     LyrClass** begin() noexcept { return mObjects.data(); }
@@ -28,7 +33,9 @@ public:
     LyrClass* const* end() const noexcept { return mObjects.data() + mCount; }
 
 private:
-    LyrScratch<LyrClass*> mObjects;
+    static constexpr std::size_t IN_PLACE = 32;
+
+    LyrScratch<LyrClass*, IN_PLACE> mObjects;
     std::size_t mCount = 0;
 };
 

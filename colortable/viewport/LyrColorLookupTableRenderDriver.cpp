@@ -24,8 +24,6 @@ using Entry = LyrColorLookupTableRenderDriver::Entry;
 
 namespace {
 
-/** The update flags of a node whose legends have changed. */
-constexpr unsigned int REDRAW = 1u | 4u;
 constexpr float DEFAULT_SIZE = 0.7f;
 /** What the coverage is enlarged by, in device coordinates: a neighbouring pixel may be touched by rounding. */
 constexpr float COVERAGE_MARGIN = 0.01f;
@@ -123,7 +121,7 @@ bool LyrColorLookupTableRenderDriver::init() {
         return true;
     }
     if (updateAnnotationList(getUpdateTimestamp())) {
-        mViewportNode->addUpdateFlags(REDRAW);
+        mViewportNode->addUpdateFlags(LyrSceneGraph::ViewportObjectNode::OVERLAY_CHANGED);
     }
     return true;
 }

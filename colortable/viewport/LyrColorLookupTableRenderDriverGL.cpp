@@ -23,7 +23,11 @@ bool upload(LyrTextureGL& texture, const QImage& image) {
                         GL_TEXTURE0, 0)) {
         return false;
     }
-    const std::vector<unsigned char> pixels = keyedPixels(image);
+    PixelBytes pixels;
+    if (!keyedPixels(image, pixels)) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return false;
+    }
     texture.bind();
     texture.setFilter(GL_NEAREST, GL_NEAREST);
     texture.setEnvironment(GL_REPLACE);

@@ -109,5 +109,9 @@ TEST(LegendPlacement, only_the_exact_key_colour_becomes_transparent) {
     image.setPixel(0, 1, qRgb(1, 0, 8));
     image.setPixel(1, 1, qRgb(200, 100, 50));
     const std::vector<unsigned char> expected = {0, 0, 8, 0, 0, 0, 9, 255, 1, 0, 8, 255, 200, 100, 50, 255};
-    EXPECT_EQ(keyedPixels(image), expected);
+    PixelBytes bytes;
+    ASSERT_TRUE(keyedPixels(image, bytes));
+    EXPECT_EQ(std::vector<unsigned char>(bytes.begin(), bytes.end()), expected);
+    ASSERT_TRUE(keyedPixels(QImage(), bytes));
+    EXPECT_TRUE(bytes.isEmpty());
 }
