@@ -372,17 +372,8 @@ ViewScene::ViewScene(LyrObject* camera, LyrIOC* listener) : d(std::make_shared<S
 ViewScene::~ViewScene() {
     const std::shared_ptr<State> state = d;
     state->dead = true;
-    if (state->frames > 0) {
-        // The frame's end destroys the drivers, when the surface may be gone: they let go of the context now.
-        state->withContext([this](bool isCurrent) {
-            if (isCurrent) {
-                releaseContext();
-            }
-        });
-        state->surface = nullptr;
-    }
+    setSurface(nullptr);
     state->discardAll();
-    state->surface = nullptr;
 }
 
 void ViewScene::setSurface(Surface* surface) {
@@ -390,6 +381,14 @@ void ViewScene::setSurface(Surface* surface) {
         return;
     }
     if (!surface) {
+        if (d->frames > 0) {
+            // The frame's end destroys the drivers, when the context may be gone: they let go of it now.
+            d->withContext([this](bool isCurrent) {
+                if (isCurrent) {
+                    releaseContext();
+                }
+            });
+        }
         d->discardAll();
     }
     d->surface = surface;

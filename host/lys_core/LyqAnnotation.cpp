@@ -23,6 +23,13 @@ const LyrMetaClass& LyqAnnotation::getMetaClass() const {
     return metaClass();
 }
 
+bool LyqAnnotation::iocCallback(Message& message) {
+    if (message.getLinkID() != Lyrenum(-1)) {
+        passToOwners(message, this);
+    }
+    return LyrObject::iocCallback(message);
+}
+
 LyqAnnotation::RenderingModeEnum LyqAnnotation::getRenderingMode() const {
     return LiveWidget;
 }

@@ -32,6 +32,8 @@ public:
     static const LyrMetaClass& metaClass();
     const LyrMetaClass& getMetaClass() const override;
     QObject* qObject() { return this; }
+    /** Passes changes of what the annotation refers to on to its owners, so that the view draws it anew. */
+    bool iocCallback(Message& message) override;
 
     /** The frame that is rendered, null once it is gone. */
     virtual LyqFrame* widget() const = 0;

@@ -6,8 +6,9 @@
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqAnnotation.h>
 #include <lys_core/LyqApplication.h>
+#include <lys_core/LyqSceneWidget.h>
+#include <lys_core/LyqSliceWidget.h>
 #include <lys_core/LyqUndoCommand_p.h>
-#include <lys_core/LyqWorkspaceWidget.h>
 #include <lys_core/LyrApplicationObject.h>
 #include <lys_core/LyrWorkspace.h>
 

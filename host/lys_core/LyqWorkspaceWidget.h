@@ -1,6 +1,5 @@
 #pragma once
 
-#include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObject.h>
 #include <lys_core/LysCoreExport.h>
 
@@ -34,40 +33,4 @@ protected:
 
 private:
     std::vector<LyqAnnotationGroup*> mGroups;
-};
-
-/** A view with a camera of its own, linked by one property. */
-class LYS_CORE_EXPORT LyqCameraWidget : public LyqWorkspaceWidget {
-    Q_OBJECT
-
-public:
-    LyrObject* camera() const { return mCamera.getTarget(); }
-
-protected:
-    explicit LyqCameraWidget(Lyrenum cameraProperty);
-
-private:
-    LyrObjectParentLinkOP mCamera;
-};
-
-/** A slice view: its camera is `SliceCamera`. */
-class LYS_CORE_EXPORT LyqSliceWidget final : public LyqCameraWidget {
-    Q_OBJECT
-
-public:
-    LyqSliceWidget();
-    ~LyqSliceWidget() override;
-    static const LyrMetaClass& metaClass();
-    const LyrMetaClass& getMetaClass() const override;
-};
-
-/** A 3D view: its camera is `SceneCamera`. */
-class LYS_CORE_EXPORT LyqSceneWidget final : public LyqCameraWidget {
-    Q_OBJECT
-
-public:
-    LyqSceneWidget();
-    ~LyqSceneWidget() override;
-    static const LyrMetaClass& metaClass();
-    const LyrMetaClass& getMetaClass() const override;
 };

@@ -1,0 +1,71 @@
+#include <lys_core/LyqOpenGLProbe_p.h>
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
+#include <QSurfaceFormat>
+
+#include <optional>
+
+namespace {
+
+/** Known to fixed-function contexts only. */
+constexpr GLenum MAX_MODELVIEW_STACK_DEPTH = 0x0D36;
+
+QString text(const char* key) {
+    return QCoreApplication::translate("LyqCameraWidget", key);
+}
+
+QString probe(const QSurfaceFormat& format) {
+    const QString platform = QGuiApplication::platformName();
+    if (platform == QLatin1String("offscreen") || platform == QLatin1String("minimal")) {
+        return text(QT_TRANSLATE_NOOP("LyqCameraWidget",
+                                      "The display platform “%1” cannot show OpenGL, so views stay empty. Start the "
+                                      "program on a desktop, or with xvfb-run."))
+            .arg(platform);
+    }
+    QOpenGLContext context;
+    context.setFormat(format);
+    QOffscreenSurface surface;
+    surface.setFormat(format);
+    surface.create();
+    if (!context.create() || !context.makeCurrent(&surface)) {
+        return text(
+            QT_TRANSLATE_NOOP("LyqCameraWidget",
+                              "OpenGL could not be started, so views stay empty. Install a graphics driver with "
+                              "OpenGL 2.1 or later, for example Mesa."));
+    }
+    const QString found = LyqOpenGLProbe::problemOf(context);
+    context.doneCurrent();
+    return found;
+}
+
+}  // namespace
+
+QString LyqOpenGLProbe::problem() {
+    static std::optional<QSurfaceFormat> probed;
+    static QString found;
+    const QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+    if (!probed || *probed != format) {
+        found = probe(format);
+        probed = format;
+    }
+    return found;
+}
+
+QString LyqOpenGLProbe::problemOf(const QOpenGLContext& current) {
+    QOpenGLFunctions* gl = current.functions();
+    for (int i = 0; i < 32 && gl->glGetError() != GL_NO_ERROR; ++i) {
+    }
+    GLint depth = 0;
+    gl->glGetIntegerv(MAX_MODELVIEW_STACK_DEPTH, &depth);
+    if (!current.isOpenGLES() && gl->glGetError() == GL_NO_ERROR && depth > 0) {
+        return {};
+    }
+    return text(
+        QT_TRANSLATE_NOOP("LyqCameraWidget",
+                          "This OpenGL offers its core profile only, but views need the compatibility profile, so "
+                          "they stay empty. Install a driver that offers it, for example Mesa."));
+}
