@@ -13,6 +13,7 @@
 #include <lyr_opengl/LyrCamera.h>
 #include <lyr_opengl/LyrViewportObjectNode.h>
 #include <lys_core/LyqApplication.h>
+#include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqWorkspaceWidget.h>
 
 #include <functional>
