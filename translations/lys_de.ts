@@ -13,6 +13,25 @@
     </message>
 </context>
 <context>
+    <name>LyqCameraWidget</name>
+    <message>
+        <source>A view changes with every frame: a handler or a layer reports a change in each update. The view is not updated until something else changes.</source>
+        <translation>Eine Ansicht ändert sich mit jedem Bild: Ein Handler oder eine Ebene meldet bei jeder Aktualisierung eine Änderung. Die Ansicht wird erst wieder aktualisiert, wenn sich etwas anderes ändert.</translation>
+    </message>
+    <message>
+        <source>The display platform “%1” cannot show OpenGL, so views stay empty. Start the program on a desktop, or with xvfb-run.</source>
+        <translation>Die Anzeigeplattform „%1“ kann kein OpenGL, die Ansichten bleiben daher leer. Starten Sie das Programm auf einem Desktop oder mit xvfb-run.</translation>
+    </message>
+    <message>
+        <source>OpenGL could not be started, so views stay empty. Install a graphics driver with OpenGL 2.1 or later, for example Mesa.</source>
+        <translation>OpenGL konnte nicht gestartet werden, die Ansichten bleiben daher leer. Installieren Sie einen Grafiktreiber mit OpenGL 2.1 oder neuer, zum Beispiel Mesa.</translation>
+    </message>
+    <message>
+        <source>This OpenGL offers its core profile only, but views need the compatibility profile, so they stay empty. Install a driver that offers it, for example Mesa.</source>
+        <translation>Dieses OpenGL bietet nur sein Core-Profil, die Ansichten brauchen das Kompatibilitätsprofil und bleiben daher leer. Installieren Sie einen Treiber, der es bietet, zum Beispiel Mesa.</translation>
+    </message>
+</context>
+<context>
     <name>LyqColorLookupTableCreateSmoothDialog</name>
     <message>
         <source>Create smooth colortable</source>

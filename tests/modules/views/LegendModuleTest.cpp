@@ -7,6 +7,7 @@
 #include <lyr_core/LyrRoleManager.h>
 #include <lyr_opengl/LyrRenderingDriver.h>
 #include <lyr_opengl/LyrViewportObjectNode.h>
+#include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqWorkspaceWidget.h>
 
 #include <gmock/gmock.h>
