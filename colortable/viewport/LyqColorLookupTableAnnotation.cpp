@@ -19,6 +19,14 @@ namespace {
  * again. */
 bool sRelaying = false;
 
+class RelayScope {
+public:
+    RelayScope() { sRelaying = true; }
+    ~RelayScope() { sRelaying = false; }
+    RelayScope(const RelayScope&) = delete;
+    RelayScope& operator=(const RelayScope&) = delete;
+};
+
 class AnnotationFactory : public LyrMetaClass::Factory {
 public:
     LyrClass* create(void* storage) const override {
@@ -137,10 +145,9 @@ bool LyqColorLookupTableAnnotation::iocCallback(Message& message) {
     const bool unitsChanged =
         message.getSender() == &LyqApplication::instance().object() && message.getPropertyID() == Lyr::DisplayUnitList;
     if (unitsChanged && !sRelaying) {
-        sRelaying = true;
+        const RelayScope scope;
         Message relayed(this, Lyr::PropertyHasChanged, Lyr::DisplayUnitList);
         iocBroadcast(relayed);
-        sRelaying = false;
     }
     return LyqAnnotation::iocCallback(message);
 }

@@ -118,6 +118,29 @@ TEST_F(LegendAnnotation, tells_its_listeners_of_display_units_and_never_within_a
     EXPECT_NE(ear.senders[0], ear.senders[1]);
 }
 
+TEST_F(LegendAnnotation, tells_nothing_of_units_that_change_while_another_tells) {
+    // Each message heard is answered by another change of units.
+    struct Echo : UnitEar {
+        bool iocCallback(Message& message) override {
+            const bool result = UnitEar::iocCallback(message);
+            LyrObject& application = LyqApplication::instance().object();
+            Message again(&application, Lyr::PropertyHasChanged, Lyr::DisplayUnitList);
+            application.iocBroadcast(again);
+            return result;
+        }
+    };
+    const LyrObjectRefPtr other("LyqColorLookupTableAnnotation", Lyr::TransientScope);
+    Echo ear;
+    const LyrObjectIOCPtr first(&ear, held.get());
+    const LyrObjectIOCPtr second(&ear, other.get());
+    const LyrTimestamp stamped = held->getModificationTimestamp();
+    LyqApplication::instance().displayUnits().setDisplayUnit(Lyr::Length, Lyr::Inch);
+    EXPECT_EQ(ear.senders.size(), 2u);
+    EXPECT_EQ(held->getModificationTimestamp(), stamped);
+    LyqApplication::instance().displayUnits().setDisplayUnit(Lyr::Length, Lyr::Millimeter);
+    EXPECT_EQ(ear.senders.size(), 4u);
+}
+
 TEST_F(LegendAnnotation, survives_its_frames) {
     QWidget* frame = annotation.widget()->parentWidget();
     delete frame;

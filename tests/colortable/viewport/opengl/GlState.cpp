@@ -163,6 +163,13 @@ void readArrays(GlState& state) {
             state[key("buffer", buffer, name)] = ask<GLint>([&](GLint* out) { glGetIntegeri_v(name, buffer, out); });
         }
     }
+    for (unsigned int viewport = 0; viewport < 4; ++viewport) {
+        state[key("scissor on", viewport, 0)] = {static_cast<double>(glIsEnabledi(GL_SCISSOR_TEST, viewport))};
+        for (const GLenum name : {GL_VIEWPORT, GL_SCISSOR_BOX, GL_DEPTH_RANGE}) {
+            state[key("viewport", viewport, name)] =
+                ask<GLfloat>([&](GLfloat* out) { glGetFloati_v(name, viewport, out); });
+        }
+    }
     state["sample mask"] = ask<GLint>([](GLint* out) { glGetIntegeri_v(GL_SAMPLE_MASK_VALUE, 0, out); });
     GLubyte stipple[128] = {};
     glPixelStorei(GL_PACK_ALIGNMENT, 1);

@@ -258,6 +258,13 @@ std::vector<HostileState> make() {
              glEnable(GL_DEPTH_CLAMP);
              glDepthRange(0.75, 0.25);
          }},
+        {"viewports of their own",
+         [] {
+             glViewportIndexedf(2, 3, 4, 50, 60);
+             glScissorIndexed(3, 1, 2, 3, 4);
+             glDepthRangeIndexed(1, 0.25, 0.5);
+             glEnablei(GL_SCISSOR_TEST, 2);
+         }},
         {"vertex array",
          [] {
              GLuint name = 0;
