@@ -9,6 +9,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QPushButton>
 #include <QStyleOptionButton>
 #include <QStylePainter>
@@ -37,6 +38,21 @@ protected:
         const QRect room = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
         option.text = fontMetrics().elidedText(text(), Qt::ElideRight, room.width());
         painter.drawControl(QStyle::CE_PushButton, option);
+    }
+};
+
+/** A label of one line that is shown as far as there is room. */
+class ElidingLabel : public QLabel {
+public:
+    using QLabel::QLabel;
+    QSize minimumSizeHint() const override { return {fontMetrics().height() * 4, QLabel::minimumSizeHint().height()}; }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+        style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(), shown,
+                              foregroundRole());
     }
 };
 
@@ -75,7 +91,7 @@ LyqColorLookupTableRenderSettingsEditorWidgetUI::LyqColorLookupTableRenderSettin
       mTextAlignmentComboBox(new LyqComboBox(this, "mTextAlignmentComboBox")),
       mDescriptionLineEdit(new LyqLineEdit(this, "mDescriptionLineEdit")),
       mColorWidget(new LyqColorWidget(this, "mColorWidget")),
-      mDescriptionPreviewLabel(new QLabel(this)) {
+      mDescriptionPreviewLabel(new ElidingLabel(this)) {
     setObjectName(QString::fromUtf8(name ? name : "LyqColorLookupTableRenderSettingsEditorWidgetUI"));
     auto* grid = new QGridLayout(this);
     mRenderingLabel = addRow(*grid, mRenderingComboBox, "mRenderingLabel");
@@ -95,13 +111,13 @@ LyqColorLookupTableRenderSettingsEditorWidgetUI::LyqColorLookupTableRenderSettin
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(grid->rowCount(), 1);
 
+    // Shorter than its text if it must be: choosing a font leaves the panel as wide as it is.
+    mFontPushButton->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     const auto dotsPerInch = static_cast<float>(logicalDpiY());
     mDescriptionPreviewLabel->setObjectName(QStringLiteral("mDescriptionPreviewLabel"));
     mDescriptionPreviewLabel->setMinimumHeight(LyqScaling::getScaledPixeli(dotsPerInch, PREVIEW_HEIGHT));
     mDescriptionPreviewLabel->setTextFormat(Qt::PlainText);
-    // A long caption takes more lines, not a wider panel.
-    mDescriptionPreviewLabel->setWordWrap(true);
-    mDescriptionPreviewLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Minimum);
+    mDescriptionPreviewLabel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
     LyqColorLookupTableRenderSettingsEditorWidgetUI::languageChange();
     resize(INITIAL_SIZE);

@@ -102,6 +102,13 @@ void LyqColorWidget::paintEvent(QPaintEvent*) {
     button.initFrom(this);
     button.state |= isDown() ? QStyle::State_Sunken : QStyle::State_Raised;
     style()->drawControl(QStyle::CE_PushButtonBevel, &button, &painter, this);
+    // Below the swatch: styles tint what has the focus.
+    if (hasFocus()) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        focus.rect = rect().adjusted(1, 1, -1, -1);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+    }
 
     const QRect swatch = rect().adjusted(4, 4, -4, -4);
     const QRect left(swatch.topLeft(), QSize(swatch.width() / 2, swatch.height()));
@@ -110,10 +117,4 @@ void LyqColorWidget::paintEvent(QPaintEvent*) {
     painter.fillRect(swatch, isEnabled() ? toQColor(mColor) : palette().color(QPalette::Disabled, QPalette::Button));
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawRect(swatch.adjusted(0, 0, -1, -1));
-    if (hasFocus()) {
-        QStyleOptionFocusRect focus;
-        focus.initFrom(this);
-        focus.rect = rect().adjusted(1, 1, -1, -1);
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
-    }
 }

@@ -6,6 +6,7 @@
 
 #include <QColorDialog>
 #include <QCoreApplication>
+#include <QImage>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QTimer>
@@ -111,6 +112,22 @@ TEST_F(ThemedWidgets, a_colour_widget_may_go_while_its_dialog_is_open) {
     QTimer::singleShot(0, [&] { delete widget; });
     widget->click();
     EXPECT_TRUE(widget.isNull());
+}
+
+TEST_F(ThemedWidgets, a_colour_looks_the_same_with_the_focus) {
+    LyqColorWidget widget;
+    widget.setRgba({0.0f, 1.0f, 0.0f, 0.5f});
+    widget.resize(60, 20);
+    widget.show();
+    widget.activateWindow();
+    widget.window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    widget.setFocus(Qt::TabFocusReason);
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(widget.hasFocus());
+    const QImage image = widget.grab().toImage();
+    // Green of half the opacity (127 of 255) over white and over black.
+    EXPECT_EQ(image.pixelColor(15, 10), QColor(128, 255, 128));
+    EXPECT_EQ(image.pixelColor(45, 10), QColor(0, 127, 0));
 }
 
 TEST_F(ThemedWidgets, the_space_bar_opens_the_colour_dialog) {

@@ -232,6 +232,17 @@ TEST_F(SettingsEditor, the_font_button_describes_the_font) {
     QApplication::setFont(plain);
 }
 
+TEST_F(SettingsEditor, long_texts_leave_the_panel_as_wide_as_it_is) {
+    const int width = editor.minimumSizeHint().width();
+    lyrSetValue<const char*>(first.get(), Lyr::Font, "Liberation Sans Narrow,12,-1,5,75,1,1,1,0,0");
+    const QByteArray words = QByteArray("long ").repeated(200);
+    lyrSetValue<const char*>(first.get(), Lyrenum("DescriptionTemplate", true), words.constData());
+    settle();
+    EXPECT_EQ(editor.minimumSizeHint().width(), width);
+    EXPECT_EQ(control<QPushButton>("mFontPushButton")->toolTip(),
+              "Liberation Sans Narrow, 12 pt, bold, italic, underline, strike out");
+}
+
 TEST_F(SettingsEditor, a_font_that_is_chosen_goes_to_every_object) {
     lyrSetValue<const char*>(first.get(), Lyr::Font, "Courier,12,-1,5,50,0,0,0,0,0");
     QFont chosen("Liberation Serif", 17);
