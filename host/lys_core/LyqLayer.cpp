@@ -46,6 +46,10 @@ bool LyqLayer::isColored() const {
     return false;
 }
 
+bool LyqLayer::isComplete() const {
+    return true;
+}
+
 bool LyqLayer::isRendering() const {
     return mRendering.stored() == 1;
 }

@@ -36,6 +36,9 @@ public:
     /** Whether the layer is coloured through a table, and has a legend and editors that act on it. */
     virtual bool isColored() const;
 
+    /** False while something that the layer shows is still being worked out. */
+    virtual bool isComplete() const;
+
     bool isRendering() const;
     bool setRendering(bool on);
     float getOpacity() const;

@@ -1,8 +1,10 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrModuleLoader.h>
 #include <lyr_core/LyrObjectPtr.h>
+#include <lys_core/LyqApplication.h>
 #include <lys_core/LyqLayer.h>
 #include <lys_core/LyqSession.h>
+#include <lys_core/LyrWorkspace.h>
 
 #include <algorithm>
 #include <cstring>
@@ -11,6 +13,13 @@ namespace {
 
 LyqLayer* layerOf(const LyrObjectPtr& object) {
     return static_cast<LyqLayer*>(object.get());
+}
+
+/** The views draw what the workspace lists. */
+void showInViews(LyrObject* layer, bool shown) {
+    if (LyrWorkspace* workspace = LyqApplication::instance().workspace()) {
+        shown ? workspace->addLayer(layer) : workspace->removeLayer(layer);
+    }
 }
 
 }  // namespace
@@ -43,7 +52,7 @@ LyqSession::~LyqSession() {
 }
 
 LyqSession& LyqSession::instance() {
-    LyrModuleLoader::getLoadedModules();  // the loader has to outlive its guard
+    LyqApplication::instance();  // and the loader have to outlive the session
     static LyqSession session;
     return session;
 }
@@ -65,6 +74,9 @@ void LyqSession::setDocument(LyrObject* document) {
         // The last references go after the listeners have let go.
         const std::vector<LyrObjectPtr> gone = std::move(d->layers);
         d->layers.clear();
+        for (const LyrObjectPtr& layer : gone) {
+            showInViews(layer.get(), false);
+        }
         updateActiveLayer();
         Q_EMIT layersChanged();
     }
@@ -88,6 +100,7 @@ bool LyqSession::addLayer(LyqLayer* layer) {
         return false;
     }
     d->layers.push_back(held);
+    showInViews(layer, true);
     Q_EMIT layersChanged();
     if (layer->isColored()) {
         setActiveLayer(layer);
@@ -102,6 +115,7 @@ bool LyqSession::removeLayer(LyqLayer* layer) {
         return false;
     }
     d->layers.erase(found);
+    showInViews(layer, false);
     updateActiveLayer();
     Q_EMIT layersChanged();
     return true;

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <analysis/LysAnalysisExport.h>
+#include <lyr_core/LyrTimestamp.h>
+#include <lyr_volume/LyrVolume.h>
+#include <lys_core/LyqLayer.h>
+
+#include <memory>
+
+class LyrColorLookupTable;
+class LyrVolumeObject;
+class PartSurface;
+
+/** A layer whose values are coloured through a table: slices through the values, and the part's surface.
+ *
+ *  Properties beside those of LyqLayer: `ColorLookupTable` and `ColorLookupTableRenderSettings` (owning links to the
+ *  table and to the look of its legend), `SurfaceValue` (computed: the grey value at which the surface lies, NaN before
+ *  it is there). */
+class LYS_ANALYSIS_EXPORT LyrColoredLayer : public LyqLayer {
+public:
+    ~LyrColoredLayer() override;
+
+    static const LyrMetaClass& metaClass();
+    const LyrMetaClass& getMetaClass() const override;
+
+    bool isColored() const override { return true; }
+    bool isComplete() const override;
+    /** The value under a place with the unit of its quantity, and its colour. */
+    bool readout(const LyrVector3<float>& position, Readout& out) const override;
+
+    /** The values, on the grid of the document's volume; not null. */
+    const std::shared_ptr<const LyrVolume>& values() const;
+    const LyrVolumeObject& document() const;
+    /** Null if the link was taken away or leads to something else. */
+    LyrColorLookupTable* table() const;
+    LyrObject* renderSettings() const;
+    const PartSurface& surface() const;
+
+    /** When the table or one of its sections changed last, or another one was linked. */
+    LyrTimestamp getTableTimestamp() const;
+    /** The same for the settings of the legend. */
+    LyrTimestamp getSettingsTimestamp() const;
+
+protected:
+    /** @param document  what is opened, not null
+     *  @param values    on the document's grid, not null
+     *  @param table     coloured through, not null
+     *  @param settings  of the legend, not null */
+    LyrColoredLayer(LyrVolumeObject* document, std::shared_ptr<const LyrVolume> values, LyrColorLookupTable* table,
+                    LyrObject* settings);
+
+private:
+    void connectSurface();
+    struct Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,43 @@
+#include <analysis/TableColors.h>
+#include <colortable/model/LyrColorLookupTable.h>
+#include <lyr_core/LyrRGBA.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace {
+
+/** Values a block: their colours stay in the processor's second-level cache. */
+constexpr std::size_t BLOCK = 4096;
+
+std::uint8_t toByte(float channel) {
+    const float scaled = channel * 255.0f;
+    // In this order a NaN becomes 0.
+    const float low = scaled > 0.0f ? scaled : 0.0f;
+    return static_cast<std::uint8_t>(static_cast<int>(low < 255.0f ? low : 255.0f));
+}
+
+}  // namespace
+
+void lysColorBytes(const LyrColorLookupTable& table, std::span<const float> values, std::span<std::uint8_t> out,
+                   float opacity) {
+    std::vector<LyrRGBA<float>> colors(std::min(BLOCK, values.size()));
+    for (std::size_t begin = 0; begin < values.size(); begin += BLOCK) {
+        const std::size_t count = std::min(BLOCK, values.size() - begin);
+        if (!table.getColors(static_cast<long long>(count), values.data() + begin, colors.data())) {
+            for (std::size_t i = 0; i < count; ++i) {
+                if (!table.getColor(values[begin + i], colors[i])) {
+                    colors[i] = {};
+                }
+            }
+        }
+        std::uint8_t* bytes = out.data() + 4 * begin;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes[4 * i] = toByte(colors[i].red);
+            bytes[4 * i + 1] = toByte(colors[i].green);
+            bytes[4 * i + 2] = toByte(colors[i].blue);
+            bytes[4 * i + 3] = toByte(colors[i].alpha * opacity);
+        }
+    }
+}
