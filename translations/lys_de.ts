@@ -2,6 +2,44 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>AnalysisRunner</name>
+    <message>
+        <source>&quot;%1&quot; is under way. Wait for it, or cancel it.</source>
+        <translation>„%1“ läuft noch. Warten Sie, oder brechen Sie ab.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; needs an opened volume.</source>
+        <translation>„%1“ braucht ein geöffnetes Volumen.</translation>
+    </message>
+</context>
+<context>
+    <name>LayersPanel</name>
+    <message>
+        <source>&amp;Opacity</source>
+        <translation>&amp;Deckkraft</translation>
+    </message>
+    <message>
+        <source>Layers</source>
+        <translation>Ebenen</translation>
+    </message>
+    <message>
+        <source>Gray window</source>
+        <translation>Graufenster</translation>
+    </message>
+    <message>
+        <source>&amp;Full range</source>
+        <translation>&amp;Ganzer Bereich</translation>
+    </message>
+    <message>
+        <source>&amp;Black</source>
+        <translation>&amp;Schwarz</translation>
+    </message>
+    <message>
+        <source>&amp;White</source>
+        <translation>&amp;Weiß</translation>
+    </message>
+</context>
+<context>
     <name>LyqBackgroundJob</name>
     <message>
         <source>There is not enough memory. Close other programs or take a part of the data.</source>
@@ -465,6 +503,299 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyrGreyLayer</name>
+    <message>
+        <source>Gray values</source>
+        <translation>Grauwerte</translation>
+    </message>
+</context>
+<context>
+    <name>LyrValueLayer</name>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Values</source>
+        <translation>Werte</translation>
+    </message>
+</context>
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Layers</source>
+        <translation>Ebenen</translation>
+    </message>
+    <message>
+        <source>Reading %1</source>
+        <translation>%1 wird gelesen</translation>
+    </message>
+    <message>
+        <source>This cannot be done</source>
+        <translation>Das ist nicht möglich</translation>
+    </message>
+    <message>
+        <source>Workbench</source>
+        <translation>Werkbank</translation>
+    </message>
+    <message>
+        <source>%1 — %2</source>
+        <translation>%1 — %2</translation>
+    </message>
+    <message>
+        <source>There is nothing to make a picture of.</source>
+        <translation>Es gibt nichts abzubilden.</translation>
+    </message>
+    <message>
+        <source>The picture cannot be written to %1: %2</source>
+        <translation>Das Bild kann nicht nach %1 geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>unknown picture format &quot;%1&quot;</source>
+        <translation>unbekanntes Bildformat „%1“</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Analysis</source>
+        <translation>A&amp;nalyse</translation>
+    </message>
+    <message>
+        <source>&amp;Tools</source>
+        <translation>&amp;Werkzeuge</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Open Volume…</source>
+        <translation>Volumen ö&amp;ffnen …</translation>
+    </message>
+    <message>
+        <source>Open &amp;Folder of Slices…</source>
+        <translation>&amp;Ordner mit Schichten öffnen …</translation>
+    </message>
+    <message>
+        <source>Open &amp;Recent</source>
+        <translation>&amp;Zuletzt geöffnet</translation>
+    </message>
+    <message>
+        <source>Open &amp;Built-in Casting</source>
+        <translation>&amp;Eingebautes Gussteil öffnen</translation>
+    </message>
+    <message>
+        <source>&amp;Close Volume</source>
+        <translation>Volumen &amp;schließen</translation>
+    </message>
+    <message>
+        <source>Save Picture of &amp;Window…</source>
+        <translation>Bild des F&amp;ensters speichern …</translation>
+    </message>
+    <message>
+        <source>Save Picture of &amp;View</source>
+        <translation>Bild einer &amp;Ansicht speichern</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;z…</source>
+        <translation>Schnitt quer zu &amp;z …</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;y…</source>
+        <translation>Schnitt quer zu &amp;y …</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;x…</source>
+        <translation>Schnitt quer zu &amp;x …</translation>
+    </message>
+    <message>
+        <source>&amp;3D…</source>
+        <translation>&amp;3D …</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Undo %1</source>
+        <translation>&amp;Rückgängig: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Redo %1</source>
+        <translation>&amp;Wiederholen: %1</translation>
+    </message>
+    <message>
+        <source>&amp;Reset All Views</source>
+        <translation>Alle Ansichten &amp;zurücksetzen</translation>
+    </message>
+    <message>
+        <source>&amp;Maximize</source>
+        <translation>&amp;Maximieren</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;z</source>
+        <translation>Schnitt quer zu &amp;z</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;y</source>
+        <translation>Schnitt quer zu &amp;y</translation>
+    </message>
+    <message>
+        <source>Slice across &amp;x</source>
+        <translation>Schnitt quer zu &amp;x</translation>
+    </message>
+    <message>
+        <source>&amp;3D</source>
+        <translation>&amp;3D</translation>
+    </message>
+    <message>
+        <source>&amp;All Views</source>
+        <translation>&amp;Alle Ansichten</translation>
+    </message>
+    <message>
+        <source>&amp;Panels</source>
+        <translation>&amp;Bedienfelder</translation>
+    </message>
+    <message>
+        <source>&amp;Dark Theme</source>
+        <translation>&amp;Dunkles Design</translation>
+    </message>
+    <message>
+        <source>&amp;Mouse and Keys</source>
+        <translation>&amp;Maus und Tasten</translation>
+    </message>
+    <message>
+        <source>&amp;About Workbench</source>
+        <translation>Ü&amp;ber die Werkbank</translation>
+    </message>
+    <message>
+        <source>Volumes</source>
+        <translation>Volumen</translation>
+    </message>
+    <message>
+        <source>All files</source>
+        <translation>Alle Dateien</translation>
+    </message>
+    <message>
+        <source>Open Volume</source>
+        <translation>Volumen öffnen</translation>
+    </message>
+    <message>
+        <source>Open Folder of Slices</source>
+        <translation>Ordner mit Schichten öffnen</translation>
+    </message>
+    <message>
+        <source>Save Picture</source>
+        <translation>Bild speichern</translation>
+    </message>
+    <message>
+        <source>Pictures</source>
+        <translation>Bilder</translation>
+    </message>
+    <message>
+        <source>Wheel, arrow keys</source>
+        <translation>Rad, Pfeiltasten</translation>
+    </message>
+    <message>
+        <source>other slices</source>
+        <translation>andere Schnitte</translation>
+    </message>
+    <message>
+        <source>Left button</source>
+        <translation>Linke Taste</translation>
+    </message>
+    <message>
+        <source>set the cross</source>
+        <translation>Kreuz setzen</translation>
+    </message>
+    <message>
+        <source>Middle button</source>
+        <translation>Mittlere Taste</translation>
+    </message>
+    <message>
+        <source>pan</source>
+        <translation>verschieben</translation>
+    </message>
+    <message>
+        <source>Ctrl+wheel, right button</source>
+        <translation>Strg+Rad, rechte Taste</translation>
+    </message>
+    <message>
+        <source>zoom</source>
+        <translation>vergrößern</translation>
+    </message>
+    <message>
+        <source>rotate</source>
+        <translation>drehen</translation>
+    </message>
+    <message>
+        <source>Wheel, right button</source>
+        <translation>Rad, rechte Taste</translation>
+    </message>
+    <message>
+        <source>Double click</source>
+        <translation>Doppelklick</translation>
+    </message>
+    <message>
+        <source>one view alone, and back</source>
+        <translation>eine Ansicht allein und zurück</translation>
+    </message>
+    <message>
+        <source>R</source>
+        <translation>R</translation>
+    </message>
+    <message>
+        <source>show everything</source>
+        <translation>alles zeigen</translation>
+    </message>
+    <message>
+        <source>Mouse and Keys</source>
+        <translation>Maus und Tasten</translation>
+    </message>
+    <message>
+        <source>Slices</source>
+        <translation>Schnitte</translation>
+    </message>
+    <message>
+        <source>3D</source>
+        <translation>3D</translation>
+    </message>
+    <message>
+        <source>All views</source>
+        <translation>Alle Ansichten</translation>
+    </message>
+    <message>
+        <source>About Workbench</source>
+        <translation>Über die Werkbank</translation>
+    </message>
+    <message>
+        <source>Shows volumes in slices and in 3D, colored through tables whose every color is exact.</source>
+        <translation>Zeigt Volumen in Schnitten und in 3D, gefärbt über Tabellen, in denen jede Farbe genau ist.</translation>
+    </message>
+</context>
+<context>
     <name>Placeholder</name>
     <message>
         <source>Wall thickness</source>
@@ -608,6 +939,58 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Degree</source>
         <translation>Grad</translation>
+    </message>
+</context>
+<context>
+    <name>ReadoutBar</name>
+    <message>
+        <source>x %1  y %2  z %3 %4</source>
+        <translation>x %1  y %2  z %3 %4</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>ValueLayerExtension</name>
+    <message>
+        <source>Values in color</source>
+        <translation>Werte in Farbe</translation>
+    </message>
+    <message>
+        <source>The values cannot be shown in color: memory ran out.</source>
+        <translation>Die Werte können nicht in Farbe gezeigt werden: Der Speicher ist erschöpft.</translation>
+    </message>
+</context>
+<context>
+    <name>ViewGrid</name>
+    <message>
+        <source>Slice across z</source>
+        <translation>Schnitt quer zu z</translation>
+    </message>
+    <message>
+        <source>Slice across y</source>
+        <translation>Schnitt quer zu y</translation>
+    </message>
+    <message>
+        <source>Slice across x</source>
+        <translation>Schnitt quer zu x</translation>
+    </message>
+    <message>
+        <source>3D</source>
+        <translation>3D</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+</context>
+<context>
+    <name>workbench::MainWindow</name>
+    <message>
+        <source>%1 cannot be opened</source>
+        <translation>%1 kann nicht geöffnet werden</translation>
     </message>
 </context>
 </TS>

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <ToolkitApplication.h>
+#include <gtest/gtest.h>
+#include <lys_core/LyqCameraWidget.h>
+#include <workbench/MainWindow.h>
+#include <workbench/PluginHost.h>
+#include <workbench/ViewGrid.h>
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <memory>
+
+/** Views need to know of OpenGL before the application is made. */
+struct ApplicationWithOpenGL {
+    ApplicationWithOpenGL() {
+        LyqCameraWidget::prepareOpenGL();
+        const ToolkitApplication application;
+    }
+};
+
+/** The window with all plug-ins, in a case of its own. */
+class OpenWorkbench : public QObject, public ::testing::Test {
+protected:
+    OpenWorkbench() : plugins(LYS_MODULES) {
+        EXPECT_EQ(plugins.loadAll(), QStringList());
+        window = std::make_unique<workbench::MainWindow>(false);
+        window->resize(1000, 800);
+        window->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    }
+    ~OpenWorkbench() override {
+        window.reset();
+        EXPECT_EQ(plugins.unloadAll(), QStringList());
+    }
+
+    /** Opens a volume and waits until all of it is shown. */
+    bool open(const QString& path) {
+        window->openVolume(path);
+        const bool done = QTest::qWaitFor([&] { return !window->isBusy(); }, 20000);
+        settle();
+        return done;
+    }
+    /** Has everything drawn that is waiting to be. */
+    void settle() {
+        QTest::qWait(50);
+        window->views().finishFrames();
+        QTest::qWait(50);
+    }
+
+private:
+    ApplicationWithOpenGL mApplication;
+
+protected:
+    workbench::PluginHost plugins;
+    std::unique_ptr<workbench::MainWindow> window;
+};

@@ -1,0 +1,63 @@
+#include <lys_core/LyqAnalysisExtension.h>
+#include <lys_core/LyqBackgroundJob.h>
+#include <lys_core/LyqLayer.h>
+#include <lys_core/LyqSession.h>
+#include <workbench/AnalysisRunner.h>
+
+#include <memory>
+
+namespace workbench {
+
+AnalysisRunner::AnalysisRunner(QObject* parent) : QObject(parent) {}
+
+AnalysisRunner::~AnalysisRunner() = default;
+
+bool AnalysisRunner::isRunning() const {
+    return mJob && mJob->isRunning();
+}
+
+bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
+    if (isRunning()) {
+        message = tr("\"%1\" is under way. Wait for it, or cancel it.").arg(mTitle);
+        return false;
+    }
+    LyrObject* document = LyqSession::instance().document();
+    if (!document || !analysis.accepts(document)) {
+        message = tr("\"%1\" needs an opened volume.").arg(analysis.title());
+        return false;
+    }
+    const std::shared_ptr<LyqAnalysisRun> run = analysis.createRun(document, message);
+    if (!run) {
+        return false;
+    }
+    mTitle = analysis.title();
+    mJob = new LyqBackgroundJob(
+        [run](const LyqBackgroundJob::Progress& progress, QString& text) { return run->compute(progress, text); },
+        analysis.module(), this);
+    LyqBackgroundJob* const job = mJob;
+    connect(job, &LyqBackgroundJob::progressChanged, this, &AnalysisRunner::progressChanged);
+    connect(job, &LyqBackgroundJob::finished, this, [this, job, run](bool succeeded, const QString& text) {
+        job->deleteLater();
+        if (succeeded) {
+            for (const LyrObjectPtr& object : run->createLayers()) {
+                LyqSession::instance().addLayer(dynamic_cast<LyqLayer*>(object.get()));
+            }
+            LyqSession::instance().addReport(run->report());
+        }
+        Q_EMIT finished(succeeded, text);
+    });
+    job->start();
+    Q_EMIT started();
+    return true;
+}
+
+void AnalysisRunner::cancel() {
+    if (mJob) {
+        // Waits: the work's code may be about to be unloaded, its document to be closed.
+        disconnect(mJob, nullptr, this, nullptr);
+        delete mJob;
+        Q_EMIT finished(false, QString());
+    }
+}
+
+}  // namespace workbench

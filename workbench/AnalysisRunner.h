@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class LyqAnalysisExtension;
+class LyqBackgroundJob;
+
+namespace workbench {
+
+/** Runs analyses of plug-ins over the session's document, one at a time, and puts their results into the session. */
+class AnalysisRunner : public QObject {
+    Q_OBJECT
+
+public:
+    explicit AnalysisRunner(QObject* parent = nullptr);
+    ~AnalysisRunner() override;
+
+    /** False, and a message, if it cannot begin. */
+    bool start(LyqAnalysisExtension& analysis, QString& message);
+    /** Nothing comes of the run any more. */
+    void cancel();
+    bool isRunning() const;
+    QString title() const { return mTitle; }
+
+Q_SIGNALS:
+    void started();
+    void progressChanged(double done);
+    /** The run has ended; the message says why if it failed. */
+    void finished(bool succeeded, const QString& message);
+
+private:
+    QPointer<LyqBackgroundJob> mJob;
+    QString mTitle;
+};
+
+}  // namespace workbench

@@ -1,0 +1,60 @@
+#include <workbench/Options.h>
+
+#include <CLI/CLI.hpp>
+
+#include <QFile>
+
+#include <charconv>
+#include <string>
+
+namespace workbench {
+
+namespace {
+
+constexpr int SMALLEST = 200;
+constexpr int LARGEST = 8192;
+
+/** Reads "1280x860". */
+bool parseSize(const std::string& text, QSize& out) {
+    const std::size_t cross = text.find('x');
+    int width = 0, height = 0;
+    const auto read = [](const char* begin, const char* end, int& number) {
+        const auto result = std::from_chars(begin, end, number);
+        return result.ec == std::errc() && result.ptr == end && number >= SMALLEST && number <= LARGEST;
+    };
+    const char* begin = text.data();
+    if (cross == std::string::npos || !read(begin, begin + cross, width) ||
+        !read(begin + cross + 1, begin + text.size(), height)) {
+        return false;
+    }
+    out = {width, height};
+    return true;
+}
+
+}  // namespace
+
+bool parseOptions(int argc, char** argv, Options& out, int& status) {
+    CLI::App app("Shows a volume in three slice views and a 3D view, colored through tables.", "workbench");
+    std::string volume, screenshot, size;
+    app.add_option("VOLUME", volume, "a file, a folder of slices, or builtin:casting@N (default: builtin:casting)");
+    app.add_option("--screenshot", screenshot, "write a picture of the window (PNG) and end");
+    app.add_option("--size", size, "size of the window in pixels, as in 1280x860");
+    app.set_version_flag("--version", LYS_VERSION);
+    try {
+        app.parse(argc, argv);
+        if (!size.empty() && !parseSize(size, out.size)) {
+            throw CLI::ValidationError("--size", "wants WIDTHxHEIGHT, each " + std::to_string(SMALLEST) + " to " +
+                                                     std::to_string(LARGEST) + ", as in 1280x860");
+        }
+    } catch (const CLI::ParseError& end) {
+        status = app.exit(end) == 0 ? 0 : 2;
+        return false;
+    }
+    if (!volume.empty()) {
+        out.volume = QFile::decodeName(volume.c_str());
+    }
+    out.screenshot = QFile::decodeName(screenshot.c_str());
+    return true;
+}
+
+}  // namespace workbench

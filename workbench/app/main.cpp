@@ -1,0 +1,98 @@
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqCameraWidget.h>
+#include <lys_core/LyqTranslations.h>
+#include <workbench/MainWindow.h>
+#include <workbench/Options.h>
+#include <workbench/PluginHost.h>
+
+#include <QApplication>
+#include <QLocale>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int FAILED = 1;
+constexpr int UNUSABLE = 2;
+/** How often is looked whether all is there for a picture, in milliseconds. */
+constexpr int LOOK_AGAIN = 20;
+
+void say(const QString& message) {
+    std::fprintf(stderr, "workbench: %s\n", message.toLocal8Bit().constData());
+}
+
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/** Ends the application with a picture as soon as nothing is being worked out any more. */
+void takePictureWhenDone(workbench::MainWindow& window, const QString& file) {
+    auto* timer = new QTimer(&window);
+    QObject::connect(timer, &QTimer::timeout, &window, [&window, file, timer] {
+        if (window.isBusy()) {
+            return;
+        }
+        timer->stop();
+        QString message;
+        const bool done = workbench::MainWindow::savePicture(window.picture(), file, message);
+        if (!done) {
+            say(message);
+        }
+        QCoreApplication::exit(done ? 0 : FAILED);
+    });
+    timer->start(LOOK_AGAIN);
+}
+
+int runWindow(const workbench::Options& options) {
+    const bool isForPicture = !options.screenshot.isEmpty();
+    workbench::MainWindow window(!isForPicture);
+    QObject::connect(&window, &workbench::MainWindow::volumeFailed, &window,
+                     [&](const QString& path, const QString& message) {
+                         if (isForPicture) {
+                             say(message);
+                             QCoreApplication::exit(UNUSABLE);
+                         } else {
+                             window.showError(workbench::MainWindow::tr("%1 cannot be opened").arg(path), message);
+                         }
+                     });
+    if (isForPicture) {
+        window.resize(options.size);
+        QObject::connect(&window, &workbench::MainWindow::volumeOpened, &window,
+                         [&] { takePictureWhenDone(window, options.screenshot); });
+    }
+    window.show();
+    window.openVolume(options.volume);
+    return QApplication::exec();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    workbench::Options options;
+    int status = 0;
+    if (!workbench::parseOptions(argc, argv, options, status)) {
+        return status;
+    }
+    if (!hasDisplay()) {
+        say("there is no display. Without one, run it under a virtual display:\n"
+            "  xvfb-run -a -s \"-screen 0 1600x1200x24\" workbench VOLUME --screenshot FILE.png");
+        return UNUSABLE;
+    }
+    LyqCameraWidget::prepareOpenGL();
+    QApplication application(argc, argv);
+    QApplication::setOrganizationName("lys_colortable");
+    QApplication::setApplicationName("workbench");
+    LyqTranslations::install(QLocale());
+    workbench::PluginHost plugins(workbench::PluginHost::defaultFolder());
+    for (const QString& problem : plugins.loadAll()) {
+        say(problem);
+    }
+    status = runWindow(options);
+    for (const QString& problem : plugins.unloadAll()) {
+        say(problem);
+    }
+    LyqTranslations::remove();
+    return status;
+}
