@@ -98,15 +98,15 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>from</source>
-        <translation>von</translation>
+        <translation>&amp;von</translation>
     </message>
     <message>
         <source>to</source>
-        <translation>bis</translation>
+        <translation>&amp;bis</translation>
     </message>
     <message>
         <source>type</source>
-        <translation>Typ</translation>
+        <translation>T&amp;yp</translation>
     </message>
     <message>
         <source>Rainbow</source>
@@ -122,11 +122,11 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>Ok</source>
-        <translation>OK</translation>
+        <translation>&amp;OK</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <translation>&amp;Abbrechen</translation>
     </message>
 </context>
 <context>
@@ -158,19 +158,19 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>from</source>
-        <translation>von</translation>
+        <translation>&amp;von</translation>
     </message>
     <message>
         <source>to</source>
-        <translation>bis</translation>
+        <translation>&amp;bis</translation>
     </message>
     <message>
         <source>step</source>
-        <translation>Schritt</translation>
+        <translation>&amp;Schritt</translation>
     </message>
     <message>
         <source>type</source>
-        <translation>Typ</translation>
+        <translation>T&amp;yp</translation>
     </message>
     <message>
         <source>Rainbow</source>
@@ -186,11 +186,11 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>Ok</source>
-        <translation>OK</translation>
+        <translation>&amp;OK</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <translation>&amp;Abbrechen</translation>
     </message>
 </context>
 <context>
@@ -222,19 +222,19 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>from</source>
-        <translation>von</translation>
+        <translation>&amp;von</translation>
     </message>
     <message>
         <source>to</source>
-        <translation>bis</translation>
+        <translation>&amp;bis</translation>
     </message>
     <message>
         <source>step</source>
-        <translation>Schritt</translation>
+        <translation>&amp;Schritt</translation>
     </message>
     <message>
         <source>type</source>
-        <translation>Typ</translation>
+        <translation>T&amp;yp</translation>
     </message>
     <message>
         <source>Rainbow</source>
@@ -250,11 +250,201 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>Ok</source>
-        <translation>OK</translation>
+        <translation>&amp;OK</translation>
     </message>
     <message>
         <source>Cancel</source>
-        <translation>Abbrechen</translation>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableEditor</name>
+    <message>
+        <source>Sections</source>
+        <translation>Abschnitte</translation>
+    </message>
+    <message>
+        <source>Sections [%1]</source>
+        <translation>Abschnitte [%1]</translation>
+    </message>
+    <message>
+        <source>Change auto-label settings</source>
+        <translation>Automatische Beschriftung ändern</translation>
+    </message>
+    <message>
+        <source>Change auto-scale settings</source>
+        <translation>Automatische Skalierung ändern</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no number.</source>
+        <translation>„%1“ ist keine Zahl.</translation>
+    </message>
+    <message>
+        <source>%1 is larger than any number that a boundary can have.</source>
+        <translation>%1 ist größer als jede Zahl, die eine Grenze haben kann.</translation>
+    </message>
+    <message>
+        <source>Change colorbar settings</source>
+        <translation>Farbskala ändern</translation>
+    </message>
+    <message>
+        <source>Set transparency</source>
+        <translation>Transparenz festlegen</translation>
+    </message>
+    <message>
+        <source>Alpha value</source>
+        <translation>Alphawert</translation>
+    </message>
+    <message>
+        <source>split</source>
+        <translation>Teilen</translation>
+    </message>
+    <message>
+        <source>merge</source>
+        <translation>Verbinden</translation>
+    </message>
+    <message>
+        <source>Constant</source>
+        <translation>Konstant</translation>
+    </message>
+    <message>
+        <source>Gradient</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Reverse Rainbow</source>
+        <translation>Umgekehrter Regenbogen</translation>
+    </message>
+    <message>
+        <source>Hue cycle</source>
+        <translation>Farbkreis</translation>
+    </message>
+    <message>
+        <source>Continue</source>
+        <translation>Fortsetzen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableEditorUI</name>
+    <message>
+        <source>LUT</source>
+        <translation>Farbtabelle</translation>
+    </message>
+    <message>
+        <source>Sections</source>
+        <translation>Abschnitte</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>Von</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>Bis</translation>
+    </message>
+    <message>
+        <source>Type</source>
+        <translation>Typ</translation>
+    </message>
+    <message>
+        <source>Detail</source>
+        <translation>Darstellung</translation>
+    </message>
+    <message>
+        <source>Create smooth</source>
+        <translation>Ste&amp;tig erzeugen</translation>
+    </message>
+    <message>
+        <source>Create stepped</source>
+        <translation>&amp;Gestuft erzeugen</translation>
+    </message>
+    <message>
+        <source>Create stepped (equi-surface)</source>
+        <translation>Gestuft erzeugen (flächengleich)</translation>
+    </message>
+    <message>
+        <source>Auto tickmarks</source>
+        <translation>Automatische Teilstr&amp;iche</translation>
+    </message>
+    <message>
+        <source>Auto scale</source>
+        <translation>Automatisch s&amp;kalieren</translation>
+    </message>
+    <message>
+        <source>checkBox3</source>
+        <translation>checkBox3</translation>
+    </message>
+    <message>
+        <source>Preset selection</source>
+        <translation>Voreinstellung</translation>
+    </message>
+    <message>
+        <source>&lt;special_options&gt;</source>
+        <translation>&lt;special_options&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt0&gt;</source>
+        <translation>&lt;opt0&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt1&gt;</source>
+        <translation>&lt;opt1&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt2&gt;</source>
+        <translation>&lt;opt2&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt3&gt;</source>
+        <translation>&lt;opt3&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt0_a&gt;</source>
+        <translation>&lt;opt0_a&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt1_a&gt;</source>
+        <translation>&lt;opt1_a&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt2_a&gt;</source>
+        <translation>&lt;opt2_a&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;opt3_a&gt;</source>
+        <translation>&lt;opt3_a&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;special_colors&gt;</source>
+        <translation>&lt;special_colors&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;col0&gt;</source>
+        <translation>&lt;col0&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;col1&gt;</source>
+        <translation>&lt;col1&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;col2&gt;</source>
+        <translation>&lt;col2&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;col3&gt;</source>
+        <translation>&lt;col3&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;act0&gt;</source>
+        <translation>&lt;act0&gt;</translation>
+    </message>
+    <message>
+        <source>Double click to change a color, or press Return. Of a gradient, the left half (Return) is its start and the right half (Shift+Return) its end.</source>
+        <translation>Ein Doppelklick oder die Eingabetaste ändert eine Farbe. Bei einem Verlauf ist die linke Hälfte (Eingabetaste) der Anfang und die rechte Hälfte (Umschalt+Eingabetaste) das Ende.</translation>
     </message>
 </context>
 <context>

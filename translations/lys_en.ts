@@ -2,6 +2,102 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en">
 <context>
+    <name>LyqColorLookupTableCreateSmoothDialogUI</name>
+    <message>
+        <source>from</source>
+        <translation>&amp;from</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>&amp;to</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>t&amp;ype</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>&amp;Ok</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSphereSegmentSteppedDialogUI</name>
+    <message>
+        <source>from</source>
+        <translation>&amp;from</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>&amp;to</translation>
+    </message>
+    <message>
+        <source>step</source>
+        <translation>&amp;step</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>t&amp;ype</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>&amp;Ok</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableCreateSteppedDialogUI</name>
+    <message>
+        <source>from</source>
+        <translation>&amp;from</translation>
+    </message>
+    <message>
+        <source>to</source>
+        <translation>&amp;to</translation>
+    </message>
+    <message>
+        <source>step</source>
+        <translation>&amp;step</translation>
+    </message>
+    <message>
+        <source>type</source>
+        <translation>t&amp;ype</translation>
+    </message>
+    <message>
+        <source>Ok</source>
+        <translation>&amp;Ok</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>LyqColorLookupTableEditorUI</name>
+    <message>
+        <source>Create smooth</source>
+        <translation>Create s&amp;mooth</translation>
+    </message>
+    <message>
+        <source>Create stepped</source>
+        <translation>Create ste&amp;pped</translation>
+    </message>
+    <message>
+        <source>Auto tickmarks</source>
+        <translation>Auto tic&amp;kmarks</translation>
+    </message>
+    <message>
+        <source>Auto scale</source>
+        <translation>Auto sca&amp;le</translation>
+    </message>
+</context>
+<context>
     <name>LyqColorLookupTableRenderSettingsEditorWidgetUI</name>
     <message>
         <source>Restore Defaults</source>

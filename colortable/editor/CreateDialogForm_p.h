@@ -2,6 +2,7 @@
 
 #include <lyr_core/Lyrenum.h>
 
+#include <QByteArray>
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -18,7 +19,7 @@ namespace lys::editor {
 
 /** Names a widget of a form. */
 template <class Widget>
-Widget* named(Widget* widget, const char* name) {
+Widget* named(Widget* widget, const QByteArray& name) {
     widget->setObjectName(QString::fromUtf8(name));
     return widget;
 }

@@ -207,7 +207,11 @@ int valueToCoordinate(const Input& input, const Layout& layout, float value) {
     }
     const float low = input.positions.front();
     const float range = input.positions.back() - low;
-    const float along = (value - low) * static_cast<float>(length) / range;
+    float along = (value - low) * static_cast<float>(length) / range;
+    if (!std::isfinite(along)) {
+        // Of values near the largest float the product overflows.
+        along = (value - low) / range * static_cast<float>(length);
+    }
     if (input.horizontal) {
         return truncated(static_cast<float>(layout.bar.left() + extension) + along);
     }

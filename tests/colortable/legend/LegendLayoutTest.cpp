@@ -101,6 +101,15 @@ TEST(LegendLayout, a_range_that_is_empty_or_not_finite_has_no_automatic_labels_a
     }
 }
 
+TEST(LegendLayout, huge_values_stay_on_the_bar) {
+    const Input input = vertical({100, 200}, {2e38f, 3e38f});
+    const Layout layout = layOut(input, letters(3));
+    const Input unit = vertical({100, 200}, {0.0f, 1.0f});
+    EXPECT_EQ(valueToCoordinate(input, layout, 2e38f), valueToCoordinate(unit, layOut(unit, letters(3)), 0.0f));
+    EXPECT_EQ(valueToCoordinate(input, layout, 3e38f), valueToCoordinate(unit, layOut(unit, letters(3)), 1.0f));
+    EXPECT_EQ(valueToCoordinate(input, layout, 2.5e38f), valueToCoordinate(unit, layOut(unit, letters(3)), 0.5f));
+}
+
 TEST(LegendLayout, a_vertical_bar_with_labels_right_stands_at_the_left_edge) {
     const Input input = vertical({100, 200});
     const Layout layout = layOut(input, letters(4));
