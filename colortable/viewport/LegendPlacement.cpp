@@ -87,16 +87,13 @@ LyrVector3<float> widgetToDevice(const LyrVector3<float>& point, const Viewport&
             (point.y + 0.5f - viewport.y) * -2.0f / viewport.height + 1.0f, point.z * 2.0f - 1.0f};
 }
 
-std::vector<LyrVector3<float>> quadCorners(const QRect& frame, const Viewport& viewport) {
+std::array<LyrVector3<float>, 4> quadCorners(const QRect& frame, const Viewport& viewport) {
     const float left = static_cast<float>(frame.left()) - 0.5f;
     const float right = static_cast<float>(frame.right()) + 0.5f;
     const float bottom = static_cast<float>(frame.bottom()) + 0.5f;
     const float top = static_cast<float>(frame.top()) - 0.5f;
-    std::vector<LyrVector3<float>> corners;
-    for (const auto& [x, y] : {std::pair(left, bottom), {right, bottom}, {right, top}, {left, top}}) {
-        corners.push_back(widgetToDevice({x, y, 0.5f}, viewport));
-    }
-    return corners;
+    const auto corner = [&](float x, float y) { return widgetToDevice({x, y, 0.5f}, viewport); };
+    return {corner(left, bottom), corner(right, bottom), corner(right, top), corner(left, top)};
 }
 
 int textureLength(int length) {

@@ -10,7 +10,7 @@
 #include <QRect>
 #include <QSize>
 
-#include <vector>
+#include <array>
 
 /** Where a legend stands in a viewport and what of it is drawn, worked out from numbers alone. Widget pixels grow to
  * the right and down; device coordinates run from -1 to 1, to the right and up. */
@@ -53,7 +53,7 @@ LYS_COLORTABLE_EXPORT LyrVector3<float> widgetToDevice(const LyrVector3<float>& 
 
 /** The corners of a frame on its pixel edges, in device coordinates: lower left, lower right, upper right, upper left.
  */
-LYS_COLORTABLE_EXPORT std::vector<LyrVector3<float>> quadCorners(const QRect& frame, const Viewport& viewport);
+LYS_COLORTABLE_EXPORT std::array<LyrVector3<float>, 4> quadCorners(const QRect& frame, const Viewport& viewport);
 
 /** The smallest power of two that is not below a length; 0 for a length that is not positive. */
 LYS_COLORTABLE_EXPORT int textureLength(int length);

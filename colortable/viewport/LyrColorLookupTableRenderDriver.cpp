@@ -14,6 +14,7 @@
 #include <lys_core/LyqWorkspaceWidget.h>
 
 #include <algorithm>
+#include <exception>
 #include <limits>
 #include <vector>
 
@@ -120,8 +121,12 @@ bool LyrColorLookupTableRenderDriver::init() {
     if (mViewportNode->getCameraNode()->isSuppressed()) {
         return true;
     }
-    if (updateAnnotationList(getUpdateTimestamp())) {
-        mViewportNode->addUpdateFlags(LyrSceneGraph::ViewportObjectNode::OVERLAY_CHANGED);
+    try {
+        if (updateAnnotationList(getUpdateTimestamp())) {
+            mViewportNode->addUpdateFlags(LyrSceneGraph::ViewportObjectNode::OVERLAY_CHANGED);
+        }
+    } catch (const std::exception&) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
     }
     return true;
 }

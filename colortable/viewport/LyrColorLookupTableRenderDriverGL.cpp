@@ -9,7 +9,6 @@
 
 #include <array>
 #include <exception>
-#include <vector>
 
 // What happens while a view is painted: the images of the legends are drawn.
 
@@ -39,7 +38,7 @@ bool upload(LyrTextureGL& texture, const QImage& image) {
 }
 
 /** The image on its frame: row 0 of the image, t = 0, lies on top. */
-void drawQuad(LyrTextureGL& texture, const QImage& image, const std::vector<LyrVector3<float>>& corners) {
+void drawQuad(LyrTextureGL& texture, const QImage& image, const std::array<LyrVector3<float>, 4>& corners) {
     const float s = static_cast<float>(image.width()) / static_cast<float>(texture.getWidth());
     const float t = static_cast<float>(image.height()) / static_cast<float>(texture.getHeight());
     const std::array<LyrVector2<float>, 4> places = {{{0.0f, t}, {s, t}, {s, 0.0f}, {0.0f, 0.0f}}};

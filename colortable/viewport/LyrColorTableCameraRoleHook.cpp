@@ -11,16 +11,21 @@ namespace {
 
 constexpr const char* RENDER_OBJECT = "LyrColorLookupTableRenderObject";
 
-/** Every object that is a camera now, kept alive: equipping one may have others destroyed. */
-std::vector<LyrObjectPtr> cameras() {
+/** Every object that is a camera now, kept alive: equipping one may have others destroyed. Not all of them, and an
+ * error, when memory ran out. */
+std::vector<LyrObjectPtr> cameras() noexcept {
     std::vector<LyrObjectPtr> found;
-    for (LyrClass* at : lys::viewport::LiveObjects("LyrObject")) {
-        auto* object = dynamic_cast<LyrObject*>(at);
-        if (!object) {
-            LyrError::emitError(LyrError::Message(at, Lyr::WrongType));
-        } else if (object->isRoleActive(Lyr::Camera)) {
-            found.emplace_back(object);
+    try {
+        for (LyrClass* at : lys::viewport::LiveObjects("LyrObject")) {
+            auto* object = dynamic_cast<LyrObject*>(at);
+            if (!object) {
+                LyrError::emitError(LyrError::Message(at, Lyr::WrongType));
+            } else if (object->isRoleActive(Lyr::Camera)) {
+                found.emplace_back(object);
+            }
         }
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
     }
     return found;
 }
