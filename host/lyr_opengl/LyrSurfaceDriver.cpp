@@ -32,6 +32,29 @@ bool isTransparent(const SurfaceColors& colors) {
     return false;
 }
 
+/** Whether the corners of most triangles run clockwise, seen from where their normals point to. Lighting of both sides
+ * needs to know, and makers of surfaces differ. */
+bool runsClockwise(const SurfaceMesh& mesh) {
+    constexpr std::size_t ASKED = 999;
+    const std::size_t triangles = mesh.triangles.size() / 3;
+    const std::size_t step = triangles / ASKED + 1;
+    long long balance = 0;
+    for (std::size_t i = 0; i < triangles && !mesh.normals.empty(); i += step) {
+        const std::uint32_t* corner = &mesh.triangles[i * 3];
+        const auto at = [&](int c, int k) { return mesh.positions[corner[c] * std::size_t(3) + std::size_t(k)]; };
+        float volume = 0.0f;
+        for (int k = 0; k < 3; ++k) {
+            const int l = (k + 1) % 3;
+            const int m = (k + 2) % 3;
+            const float face =
+                (at(1, l) - at(0, l)) * (at(2, m) - at(0, m)) - (at(1, m) - at(0, m)) * (at(2, l) - at(0, l));
+            volume += face * mesh.normals[corner[0] * std::size_t(3) + std::size_t(k)];
+        }
+        balance += volume < 0.0f ? 1 : -1;
+    }
+    return balance > 0;
+}
+
 /** An array in the memory of OpenGL. Where that is short, drawing reads the caller's memory. */
 class Buffer {
 public:
@@ -112,6 +135,7 @@ public:
         if (newMesh) {
             const bool sound = !surface.mesh || fitsTogether(*surface.mesh);
             mSurface.mesh = sound ? surface.mesh : nullptr;
+            mClockwise = mSurface.mesh && runsClockwise(*mSurface.mesh);
             mMeshUploaded = false;
         }
         if (newColors) {
@@ -147,6 +171,7 @@ public:
             glEnableClientState(GL_NORMAL_ARRAY);
             glNormalPointer(GL_FLOAT, 0, mNormals.bind(mesh.normals));
             lightFromTheEye();
+            glFrontFace(mClockwise ? GL_CW : GL_CCW);
         }
         glColor4f(0.75f, 0.75f, 0.75f, 1.0f);
         if (mSurface.colors) {
@@ -181,6 +206,7 @@ private:
     Surface mSurface;  ///< what of it is drawn
     bool mChanged = false;
     bool mTransparent = false;
+    bool mClockwise = false;
     bool mMeshUploaded = false;
     bool mColorsUploaded = false;
     Buffer mPositions{GL_ARRAY_BUFFER};

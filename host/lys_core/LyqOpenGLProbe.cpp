@@ -4,15 +4,12 @@
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
-#include <QOpenGLFunctions>
 #include <QSurfaceFormat>
 
 #include <optional>
+#include <utility>
 
 namespace {
-
-/** Known to fixed-function contexts only. */
-constexpr GLenum MAX_MODELVIEW_STACK_DEPTH = 0x0D36;
 
 QString text(const char* key) {
     return QCoreApplication::translate("LyqCameraWidget", key);
@@ -56,12 +53,11 @@ QString LyqOpenGLProbe::problem() {
 }
 
 QString LyqOpenGLProbe::problemOf(const QOpenGLContext& current) {
-    QOpenGLFunctions* gl = current.functions();
-    for (int i = 0; i < 32 && gl->glGetError() != GL_NO_ERROR; ++i) {
-    }
-    GLint depth = 0;
-    gl->glGetIntegerv(MAX_MODELVIEW_STACK_DEPTH, &depth);
-    if (!current.isOpenGLES() && gl->glGetError() == GL_NO_ERROR && depth > 0) {
+    // Core contexts answer the queries of fixed functions all the same, so what they say of themselves counts.
+    const QSurfaceFormat format = current.format();
+    const bool isCore = format.profile() == QSurfaceFormat::CoreProfile ||
+                        (format.version() == std::pair(3, 1) && !current.hasExtension("GL_ARB_compatibility"));
+    if (!current.isOpenGLES() && !isCore) {
         return {};
     }
     return text(

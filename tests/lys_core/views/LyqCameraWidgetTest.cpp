@@ -3,6 +3,7 @@
 
 #include <QHBoxLayout>
 #include <QPointer>
+#include <QSurfaceFormat>
 #include <QWidget>
 
 #include <lys_core/views/ViewTools.h>
@@ -298,4 +299,36 @@ TEST_F(CameraWidget, gives_a_picture_of_a_view_that_was_never_shown) {
     view.resize(64, 48);
     const QImage image = view.getImage();
     EXPECT_TRUE(image.isNull() || image.pixel(1, 46) == 0xffff0000u);
+}
+
+TEST_F(CameraWidget, says_so_where_there_is_only_a_core_profile) {
+    addLayer();
+    const QSurfaceFormat before = QSurfaceFormat::defaultFormat();
+    QSurfaceFormat core;
+    core.setVersion(3, 3);
+    core.setProfile(QSurfaceFormat::CoreProfile);
+    QSurfaceFormat::setDefaultFormat(core);
+    {
+        LyqSceneWidget view;
+        EXPECT_FALSE(view.hasOpenGL());
+        EXPECT_TRUE(LyqCameraWidget::openGLProblem().contains(QLatin1String("core profile")));
+        view.show();
+        runEvents(50);
+        EXPECT_TRUE(view.getImage().isNull());
+        EXPECT_EQ(calls.made, 0);
+    }
+    QSurfaceFormat::setDefaultFormat(before);
+    EXPECT_TRUE(LyqCameraWidget::openGLProblem().isEmpty());
+}
+
+TEST_F(CameraWidget, keeps_memory_of_the_context_only_while_a_layer_is_shown) {
+    const auto view = show<LyqSliceWidget>();
+    for (int i = 0; i < 20; ++i) {
+        TestLayer* layer = addLayer();
+        view->getImage();
+        workspace->removeLayer(layer);
+    }
+    EXPECT_EQ(calls.made, 20);
+    EXPECT_EQ(calls.destroyed, 20);
+    EXPECT_EQ(calls.cleanups, 20);
 }
