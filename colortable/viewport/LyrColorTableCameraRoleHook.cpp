@@ -11,37 +11,53 @@ namespace {
 
 constexpr const char* RENDER_OBJECT = "LyrColorLookupTableRenderObject";
 
-/** Every object that is a camera now, kept alive: equipping one may have others destroyed. Not all of them, and an
- * error, when memory ran out. */
-std::vector<LyrObjectPtr> cameras() noexcept {
-    std::vector<LyrObjectPtr> found;
-    try {
+/** Every object that is a camera now. Not all of them, and an error, when memory ran out. */
+class Cameras {
+public:
+    Cameras() noexcept {
         for (LyrClass* at : lys::viewport::LiveObjects("LyrObject")) {
             auto* object = dynamic_cast<LyrObject*>(at);
             if (!object) {
                 LyrError::emitError(LyrError::Message(at, Lyr::WrongType));
             } else if (object->isRoleActive(Lyr::Camera)) {
-                found.emplace_back(object);
+                take(object);
             }
         }
-    } catch (...) {
-        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
     }
-    return found;
-}
+
+    auto begin() const { return mObjects.begin(); }
+    auto end() const { return mObjects.end(); }
+
+private:
+    /** Equipping one may have others destroyed, so those that somebody holds are held. One that nobody holds yet would
+     * die with our reference. */
+    void take(LyrObject* object) noexcept {
+        try {
+            if (object->getRefCount() > 0) {
+                mHeld.emplace_back(object);
+            }
+            mObjects.push_back(object);
+        } catch (...) {
+            LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        }
+    }
+
+    std::vector<LyrObject*> mObjects;
+    std::vector<LyrObjectPtr> mHeld;
+};
 
 }  // namespace
 
 LyrColorTableCameraRoleHook::LyrColorTableCameraRoleHook() {
     LyrObject::RoleManager::addHook(Lyr::Camera, this);
-    for (const LyrObjectPtr& camera : cameras()) {
-        LyrColorTableCameraRoleHook::enterRoleHook(LyrObjectLink(camera.get(), nullptr, -1));
+    for (LyrObject* camera : Cameras()) {
+        LyrColorTableCameraRoleHook::enterRoleHook(LyrObjectLink(camera, nullptr, -1));
     }
 }
 
 LyrColorTableCameraRoleHook::~LyrColorTableCameraRoleHook() {
-    for (const LyrObjectPtr& camera : cameras()) {
-        LyrColorTableCameraRoleHook::leaveRoleHook(LyrObjectLink(camera.get(), nullptr, -1));
+    for (LyrObject* camera : Cameras()) {
+        LyrColorTableCameraRoleHook::leaveRoleHook(LyrObjectLink(camera, nullptr, -1));
     }
     LyrObject::RoleManager::removeHook(Lyr::Camera, this);
 }

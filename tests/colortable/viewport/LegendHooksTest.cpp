@@ -241,6 +241,18 @@ TEST_F(LegendHooks, an_object_in_the_role_that_renders_nothing_is_left_alone) {
     object->deactivateRole(Lyr::Camera);
 }
 
+TEST_F(LegendHooks, a_camera_that_nobody_holds_lives_on) {
+    LyrCamera camera;
+    camera.prepareRoles();
+    {
+        const LibraryUse use;
+        EXPECT_EQ(legendsIn(&camera), 1);
+        EXPECT_EQ(camera.getRefCount(), 0);
+    }
+    EXPECT_EQ(legendsIn(&camera), 0);
+    EXPECT_FALSE(camera.isDying());
+}
+
 TEST_F(LegendHooks, copies_of_cameras_have_render_objects_of_their_own) {
     const LibraryUse use;
     const View view = makeView("LyqSliceWidget");
