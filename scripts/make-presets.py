@@ -30,11 +30,11 @@ def text_of(value):
     value = as_float(value)
     if abs(value) == LARGEST:
         return "3.4028235e+38" if value > 0 else "-3.4028235e+38"
-    for digits in range(1, 10):
-        text = f"{value:.{digits}g}"
-        if as_float(float(text)) == value and "e" not in text:
-            return text
-    return repr(value)
+    digits = next(n for n in range(1, 10) if as_float(float(f"{value:.{n}g}")) == value)
+    mantissa, exponent = f"{value:.{digits - 1}e}".split("e")
+    fixed = f"{value:.{max(digits - 1 - int(exponent), 0)}f}"
+    scientific = f"{mantissa}e{int(exponent):+03d}"
+    return fixed if len(fixed) <= len(scientific) else scientific
 
 
 def oklab_to_srgb(lightness, a, b):

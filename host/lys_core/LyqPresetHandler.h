@@ -5,6 +5,7 @@
 #include <lyr_core/LyrObject.h>
 #include <lyr_core/LyrString.h>
 #include <lyr_core/LyrStringList.h>
+#include <lys_core/LyqPresetRegistry.h>
 #include <lys_core/LysCoreExport.h>
 
 #include <QPixmap>
@@ -19,7 +20,7 @@ class QWidget;
  *
  *  Presets are of three kinds: Lyr::DefaultPreset (built in), Lyr::InstalledPreset (files that come with the programs)
  * and Lyr::UserPreset. A handler is one of its kind: it is not copied. */
-class LYS_CORE_EXPORT LyqPresetHandler : public LyrObject {
+class LYS_CORE_EXPORT LyqPresetHandler : public LyrObject, public LyqPresetRegistry::Receiver {
 public:
     /** @param category  identifier of the category, -1 for one to be set later
      *  @param name      the handler's name */
@@ -42,6 +43,8 @@ public:
     LyrObject* getApplicationObject() const;
     /** Another object has no current preset. */
     void setApplicationObject(LyrObject* object);
+    /** The same, as editors say it. */
+    void setCurrentObject(LyrObject* object) override { setApplicationObject(object); }
 
     /** The preset that was applied to, or saved from, the application object last; a null name if there is none. */
     const LyrString& getCurrentPreset() const { return mCurrent; }
