@@ -1266,11 +1266,11 @@ Die angegebenen Parameter sind ungültig.</translation>
     <name>QObject</name>
     <message>
         <source>Rainbow</source>
-        <translation type="unfinished">Regenbogen</translation>
+        <translation>Regenbogen</translation>
     </message>
     <message>
         <source>Reverse Rainbow</source>
-        <translation type="unfinished">Umgekehrter Regenbogen</translation>
+        <translation>Umgekehrter Regenbogen</translation>
     </message>
     <message>
         <source>Colortable</source>
