@@ -127,14 +127,9 @@ std::string TableDescription::toText(const std::string& name) const {
 }
 
 std::string TableDescription::toJson(const std::string& name) const {
-    JsonText json;
-    addTo(json, "", name);
-    return json.text();
-}
-
-void TableDescription::addTo(JsonText& json, const char* key, const std::string& name) const {
     const std::string reason = reasonInvalid();
-    json.begin('{', key);
+    JsonText json;
+    json.begin('{');
     json.add("kind", "table");
     json.add("source", name);
     json.add("valid", reason.empty());
@@ -163,6 +158,7 @@ void TableDescription::addTo(JsonText& json, const char* key, const std::string&
     json.addNumbers("creationParameters", creationParameters);
     json.addNumbers("maximumRange", maximumRange);
     json.end();
+    return json.text();
 }
 
 }  // namespace lys::cli

@@ -48,12 +48,14 @@ LayersPanel::LayersPanel(QWidget* parent)
     mWindow = buildWindow();
     mList->setObjectName("layerList");
     mList->setAccessibleName(tr("Layers"));
-    mList->setMinimumHeight(mList->fontMetrics().height() * 3);
-    mList->setMaximumHeight(mList->fontMetrics().height() * 8);
+    mList->setSpacing(2);
+    mList->setMinimumHeight(mList->fontMetrics().height() * 4);
+    mList->setMaximumHeight(mList->fontMetrics().height() * 7);
     mOpacity->setObjectName("layerOpacity");
     mOpacity->setRange(0, 100);
     mOpacityLabel->setBuddy(mOpacity);
     auto* layout = new QVBoxLayout(this);
+    layout->setSpacing(10);
     layout->addWidget(mList);
     auto* opacity = new QHBoxLayout;
     opacity->addWidget(mOpacityLabel);

@@ -201,13 +201,14 @@ void ViewScene::State::destroyDiscarded() {
 }
 
 void ViewScene::State::dropDriversOf(const char* module) {
-    // At the end of the process: contexts may be gone, and what is in them goes anyway.
-    for (const auto& record : Records(records)) {
-        if (record->count.getModule() == module) {
-            record->plugin = LyrObjectPtr();
-            record->dropDrivers(false);
+    withContext([&](bool isCurrent) {
+        for (const auto& record : Records(records)) {
+            if (record->count.getModule() == module) {
+                record->plugin = LyrObjectPtr();
+                record->dropDrivers(isCurrent);
+            }
         }
-    }
+    });
 }
 
 void ViewScene::State::synchronize() {

@@ -313,7 +313,7 @@ bool LyrCasting::create(const Options& options, std::shared_ptr<const LyrVolume>
         return false;
     }
     const auto voxels = static_cast<std::uint64_t>(options.edge * options.edge * options.edge);
-    if (voxels * sizeof(float) > lyrvolume::physicalMemory()) {
+    if (voxels * sizeof(float) > lyrvolume::availableMemory()) {
         error = kMemoryError;
         return false;
     }

@@ -1,24 +1,13 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <charconv>
 #include <cstdint>
 #include <fstream>
 #include <limits>
 #include <string>
+#include <system_error>
 
 namespace lyrvolume {
-
-/** Bytes of main memory in this machine; where that is unknown, the largest number. */
-inline std::uint64_t physicalMemory() {
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGESIZE);
-    if (pages <= 0 || pageSize <= 0) {
-        return std::numeric_limits<std::uint64_t>::max();
-    }
-    return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
-}
 
 /** Bytes that can be taken now without swapping; where that is unknown, the largest number. */
 inline std::uint64_t availableMemory() {

@@ -258,9 +258,10 @@ bool countVoxels(const std::string& place, const std::array<std::uint64_t, 3>& s
         !multiply(product, sizeof(float), bytes) || bytes > (~std::uint64_t{0} >> 1U)) {
         return context.fail(place, "the size " + sizeText(size) + " is impossible; the header is wrong");
     }
-    if (bytes > physicalMemory()) {
+    if (bytes > availableMemory()) {
         return context.fail(place, "the size " + sizeText(size) + " needs " + std::to_string(bytes >> 20U) +
-                                       " MiB, more than the memory of this machine; take a part of the volume");
+                                       " MiB, more than the memory that is free on this machine; close other " +
+                                       "programs or take a part of the volume");
     }
     count = product;
     return true;

@@ -58,7 +58,8 @@ int runWindow(const workbench::Options& options) {
                          }
                      });
     if (isForPicture) {
-        window.resize(options.size);
+        // The size is that of the picture: pixels of the screen, whatever the window is scaled by.
+        window.resize((QSizeF(options.size) / window.devicePixelRatioF()).toSize());
         QObject::connect(&window, &workbench::MainWindow::volumeOpened, &window,
                          [&] { takePictureWhenDone(window, options.screenshot); });
     }
