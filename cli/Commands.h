@@ -12,5 +12,6 @@ void addCreateCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addLegendCommand(CLI::App& program);
 void addMapCommand(CLI::App& program);
+void addPresetsCommand(CLI::App& program);
 
 }  // namespace lys::cli

@@ -2,13 +2,12 @@
 #include "Failure.h"
 #include "Messages.h"
 #include "Numbers.h"
-#include "Output.h"
+#include "TableOutput.h"
 
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
-#include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrQuantity.h>
@@ -175,22 +174,6 @@ std::string reasonRefused(const Generator& generator, const Numbers& numbers) {
     return "there is not enough memory";
 }
 
-void writeTable(const LyrObject& table, const std::string& path) {
-    if (path == "-") {
-        std::string text;
-        LyrString message;
-        if (!LyrObjectFile::write(table, text, &message)) {
-            throwFailed(message.utf8());
-        }
-        printText(text);
-        return;
-    }
-    LyrObjectFile::Report report;
-    if (!LyrObjectFile::save(table, path, report)) {
-        throwFailed(report.message.utf8());
-    }
-}
-
 void runCreate(const CreateOptions& options) {
     const Generator& generator = findGenerator(options.generator);
     const Lyrenum type = findType(options.type);
@@ -204,7 +187,7 @@ void runCreate(const CreateOptions& options) {
     if (!generator.run(table.get(), numbers, type)) {
         throwFailed("no " + std::string(generator.name) + " table: " + reasonRefused(generator, numbers));
     }
-    writeTable(*table.get(), options.output);
+    writeObject(*table.get(), options.output);
 }
 
 constexpr const char* EXPLANATION =

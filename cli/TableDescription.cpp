@@ -127,9 +127,14 @@ std::string TableDescription::toText(const std::string& name) const {
 }
 
 std::string TableDescription::toJson(const std::string& name) const {
-    const std::string reason = reasonInvalid();
     JsonText json;
-    json.begin('{');
+    addTo(json, "", name);
+    return json.text();
+}
+
+void TableDescription::addTo(JsonText& json, const char* key, const std::string& name) const {
+    const std::string reason = reasonInvalid();
+    json.begin('{', key);
     json.add("kind", "table");
     json.add("source", name);
     json.add("valid", reason.empty());
@@ -158,7 +163,6 @@ std::string TableDescription::toJson(const std::string& name) const {
     json.addNumbers("creationParameters", creationParameters);
     json.addNumbers("maximumRange", maximumRange);
     json.end();
-    return json.text();
 }
 
 }  // namespace lys::cli

@@ -9,6 +9,8 @@
 
 namespace lys::cli {
 
+class JsonText;
+
 /** A table as it is told to people and to scripts. */
 struct TableDescription {
     static constexpr std::array<const char*, 4> CHANNELS = {"red", "green", "blue", "alpha"};
@@ -30,6 +32,8 @@ struct TableDescription {
     std::string toText(const std::string& name) const;
     /** One JSON object. */
     std::string toJson(const std::string& name) const;
+    /** The same as a member of another object; the key is empty for one that stands alone. */
+    void addTo(JsonText& json, const char* key, const std::string& name) const;
 
     std::vector<float> positions;
     std::vector<Section> sections;

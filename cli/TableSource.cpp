@@ -1,7 +1,9 @@
 #include "TableSource.h"
 
 #include "Failure.h"
+#include "JsonText.h"
 #include "Messages.h"
+#include "PresetLibrary.h"
 
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
@@ -20,54 +22,46 @@ namespace lys::cli {
 namespace {
 
 constexpr const char* TABLE_CLASS = "LyrColorLookupTable";
+constexpr const char* PRESET_CLASS = "LyrPresetColortableProxyObject";
 
-/** A preset that is part of the program: the table that a new object is, its middle section of another type. */
-struct BuiltInPreset {
-    const char* name;
-    const Lyrenum& middle;
-};
-
-// The identifiers get their numbers when their library is loaded, so only references to them are kept.
-const BuiltInPreset BUILT_IN[] = {{"Rainbow", Lyr::Rainbow}, {"Reverse Rainbow", Lyr::InvertedRainbow}};
-
-LyrObjectPtr makeBuiltIn(const BuiltInPreset& preset) {
-    const LyrObjectRefPtr table(TABLE_CLASS, Lyr::DocumentScope);
-    LyrObjectLink middle;
-    const LyrValueArrayOPPtr<LyrLinkListIF> sections(table.get(), Lyr::SectionList);
-    if (!sections || !sections->getArrayItems(1, 1, &middle) ||
-        !lyrSetValue(middle.getLink(), Lyr::Type, preset.middle)) {
-        throwFailed(std::string("the preset ") + preset.name + " could not be made");
+/** All names for a message, at most so many. */
+std::string knownNames(PresetLibrary& library) {
+    constexpr std::size_t most = 20;
+    const std::vector<PresetLibrary::Entry> entries = library.list();
+    std::string known;
+    for (std::size_t i = 0; i < entries.size() && i < most; ++i) {
+        known += (known.empty() ? "" : ", ") + JsonText::quoted(entries[i].name);
     }
-    return table;
-}
-
-const BuiltInPreset* findBuiltIn(const std::string& name) {
-    const auto* found =
-        std::find_if(std::begin(BUILT_IN), std::end(BUILT_IN), [&](const BuiltInPreset& p) { return name == p.name; });
-    return found == std::end(BUILT_IN) ? nullptr : found;
+    return known + (entries.size() > most ? ", ..." : "");
 }
 
 }  // namespace
 
 TableSource::TableSource(const std::string& nameOrPath) : mName(nameOrPath) {
     std::error_code error;
-    if (std::filesystem::exists(nameOrPath, error) || error) {
+    const bool exists = std::filesystem::exists(nameOrPath, error);
+    // No file has a name that is too long, but a preset may.
+    if (exists || (error && error != std::errc::filename_too_long)) {
         load();
-    } else if (const BuiltInPreset* preset = findBuiltIn(nameOrPath)) {
-        mTable = makeBuiltIn(*preset);
-        mBuiltIn = true;
-    } else {
-        std::string known;
-        for (const std::string& name : presetNames()) {
-            known += (known.empty() ? "\"" : ", \"") + name + '"';
-        }
-        throwUnusable(nameOrPath + ": there is no such file, and no preset of this name; presets are " + known);
+        return;
     }
+    PresetLibrary library;
+    mBuiltIn = library.find(nameOrPath) == Lyr::DefaultPreset;
+    if (library.find(nameOrPath) == -1) {
+        throwUnusable(printable(nameOrPath) + ": there is no such file, and no preset of this name; presets are " +
+                      knownNames(library));
+    }
+    mTable = LyrObjectRefPtr(TABLE_CLASS, Lyr::DocumentScope);
+    if (!mTable) {
+        throwFailed("there is not enough memory for a table");
+    }
+    library.apply(nameOrPath, *mTable);
 }
 
 void TableSource::load() {
     LyrObjectFile::Report report;
-    if (!LyrObjectFile::load(mName, mTable, report, {TABLE_CLASS})) {
+    LyrObjectPtr object;
+    if (!LyrObjectFile::load(mName, object, report, {TABLE_CLASS, PRESET_CLASS})) {
         throwUnusable(report.message.utf8());
     }
     if (!report.message.isEmpty()) {
@@ -76,6 +70,11 @@ void TableSource::load() {
     for (const LyrString& warning : report.warnings) {
         warn(mName + ": " + warning.utf8());
     }
+    const auto table = lyrGetValue(object.get(), Lyr::ColorLookupTable, LyrObjectLink(object.get(), nullptr, -1));
+    if (!table.linkIsOfType(TABLE_CLASS)) {
+        throwUnusable(mName + ": the preset holds no table");
+    }
+    mTable = LyrObjectPtr(table.getLink());
     checkSections();
 }
 
@@ -92,16 +91,8 @@ void TableSource::checkSections() const {
     }
 }
 
-std::vector<std::string> TableSource::presetNames() {
-    std::vector<std::string> names;
-    for (const BuiltInPreset& preset : BUILT_IN) {
-        names.emplace_back(preset.name);
-    }
-    return names;
-}
-
 bool TableSource::isPreset(const std::string& name) {
-    return findBuiltIn(name) != nullptr;
+    return PresetLibrary().find(name) != -1;
 }
 
 }  // namespace lys::cli

@@ -8,8 +8,8 @@
 
 namespace lys::cli {
 
-/** Finds the table that a user names: an existing file first, then a preset by its name. The table is the caller's
- * alone and may be changed. */
+/** Finds the table that a user names: an existing file (a table's or a preset's) first, then the user's, an installed or
+ * a built-in preset by its name. The table is the caller's alone and may be changed. */
 class TableSource {
 public:
     /** Throws Failure (Unusable) when there is no such table or its file cannot be used. */
@@ -21,8 +21,7 @@ public:
     /** True for a preset that is part of the program. */
     bool isBuiltIn() const { return mBuiltIn; }
 
-    /** The names of all presets that can be asked for. */
-    static std::vector<std::string> presetNames();
+    /** True if a preset has this name. */
     static bool isPreset(const std::string& name);
 
 private:

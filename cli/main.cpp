@@ -30,6 +30,7 @@ ExitStatus runProgram(int argc, const char* const* argv) {
     lys::cli::addInfoCommand(program);
     lys::cli::addMapCommand(program);
     lys::cli::addLegendCommand(program);
+    lys::cli::addPresetsCommand(program);
     try {
         program.parse(argc, argv);
         return ExitStatus::Done;

@@ -5,6 +5,8 @@
 #include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>
+#include <colortable/presets/LyqPresetColortableHandler.h>
+#include <colortable/presets/LyrPresetColortableProxyObject.h>
 #include <colortable/viewport/LyqColorLookupTableAnnotation.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationContainer.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationHandler.h>
@@ -85,6 +87,8 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sRenderPluginClass = LyrColorLookupTableRenderPlugin::metaClass();
 [[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
 [[maybe_unused]] const LyrMetaClass& sSettingsEditorClass = LyqColorLookupTableRenderSettingsEditorWidget::metaClass();
+[[maybe_unused]] const LyrMetaClass& sPresetHandlerClass = LyqPresetColortableHandler::metaClass();
+[[maybe_unused]] const LyrMetaClass& sPresetProxyClass = LyrPresetColortableProxyObject::metaClass();
 
 /** The render plug-in's role, for as long as the library is loaded. */
 struct RenderPluginRole {

@@ -640,6 +640,256 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyqPresetColortableSaveDialogExtensionWidget</name>
+    <message>
+        <source>Absolute preset</source>
+        <translation>Absolute Vorlage</translation>
+    </message>
+</context>
+<context>
+    <name>LyqPresetComboBox</name>
+    <message>
+        <source>No preset</source>
+        <translation>Keine Vorlage</translation>
+    </message>
+    <message>
+        <source>Save preset...</source>
+        <translation>Vorlage speichern...</translation>
+    </message>
+    <message>
+        <source>Manage presets...</source>
+        <translation>Vorlagen verwalten...</translation>
+    </message>
+    <message>
+        <source>Presets</source>
+        <translation>Vorlagen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqPresetHandler</name>
+    <message>
+        <source>Only presets of one&apos;s own can be changed; save under another name.</source>
+        <translation>Nur eigene Vorlagen lassen sich ändern; speichern Sie unter einem anderen Namen.</translation>
+    </message>
+    <message>
+        <source>There is no preset &quot;%1&quot;.</source>
+        <translation>Es gibt keine Vorlage „%1“.</translation>
+    </message>
+    <message>
+        <source>A built-in preset has no file; save it under a name first.</source>
+        <translation>Eine eingebaute Vorlage hat keine Datei; speichern Sie sie zuerst unter einem Namen.</translation>
+    </message>
+    <message>
+        <source>Nothing is being edited that a preset could be applied to.</source>
+        <translation>Es wird nichts bearbeitet, worauf eine Vorlage angewendet werden könnte.</translation>
+    </message>
+    <message>
+        <source>The preset &quot;%1&quot; cannot be applied.</source>
+        <translation>Die Vorlage „%1“ lässt sich nicht anwenden.</translation>
+    </message>
+    <message>
+        <source>Apply preset &quot;%1&quot;</source>
+        <translation>Vorlage „%1“ anwenden</translation>
+    </message>
+    <message>
+        <source>Nothing is being edited that could be saved.</source>
+        <translation>Es wird nichts bearbeitet, das gespeichert werden könnte.</translation>
+    </message>
+    <message>
+        <source>The preset &quot;%1&quot; cannot be saved.</source>
+        <translation>Die Vorlage „%1“ lässt sich nicht speichern.</translation>
+    </message>
+</context>
+<context>
+    <name>LyqPresetManageDialog</name>
+    <message>
+        <source>Presets (*.json);;All files (*)</source>
+        <translation>Vorlagen (*.json);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Manage presets</source>
+        <translation>Vorlagen verwalten</translation>
+    </message>
+    <message>
+        <source>Manage presets - %1</source>
+        <translation>Vorlagen verwalten – %1</translation>
+    </message>
+    <message>
+        <source>Presets</source>
+        <translation>Vorlagen</translation>
+    </message>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>An&amp;wenden</translation>
+    </message>
+    <message>
+        <source>&amp;Rename...</source>
+        <translation>&amp;Umbenennen...</translation>
+    </message>
+    <message>
+        <source>&amp;Delete...</source>
+        <translation>&amp;Löschen...</translation>
+    </message>
+    <message>
+        <source>&amp;Import...</source>
+        <translation>&amp;Importieren...</translation>
+    </message>
+    <message>
+        <source>&amp;Export...</source>
+        <translation>&amp;Exportieren...</translation>
+    </message>
+    <message>
+        <source>My presets</source>
+        <translation>Eigene Vorlagen</translation>
+    </message>
+    <message>
+        <source>Installed presets</source>
+        <translation>Mitgelieferte Vorlagen</translation>
+    </message>
+    <message>
+        <source>Built-in presets</source>
+        <translation>Eingebaute Vorlagen</translation>
+    </message>
+    <message>
+        <source>Replace the preset &quot;%1&quot;?</source>
+        <translation>Die Vorlage „%1“ ersetzen?</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Ersetzen</translation>
+    </message>
+    <message>
+        <source>New name:</source>
+        <translation>Neuer Name:</translation>
+    </message>
+    <message>
+        <source>Delete the preset &quot;%1&quot;? This cannot be undone.</source>
+        <translation>Die Vorlage „%1“ löschen? Das lässt sich nicht rückgängig machen.</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Import presets</source>
+        <translation>Vorlagen importieren</translation>
+    </message>
+    <message>
+        <source>Export preset</source>
+        <translation>Vorlage exportieren</translation>
+    </message>
+</context>
+<context>
+    <name>LyqPresetSaveDialog</name>
+    <message>
+        <source>Save preset</source>
+        <translation>Vorlage speichern</translation>
+    </message>
+    <message>
+        <source>Save preset - %1</source>
+        <translation>Vorlage speichern – %1</translation>
+    </message>
+    <message>
+        <source>Name of the preset</source>
+        <translation>Name der Vorlage</translation>
+    </message>
+    <message>
+        <source>&amp;Name:</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>Replace the preset &quot;%1&quot;?</source>
+        <translation>Die Vorlage „%1“ ersetzen?</translation>
+    </message>
+    <message>
+        <source>Replace</source>
+        <translation>Ersetzen</translation>
+    </message>
+</context>
+<context>
+    <name>LyqPresetStore</name>
+    <message>
+        <source>%1: the folder cannot be opened: %2</source>
+        <translation>%1: Der Ordner lässt sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>%1: the folder cannot be locked: %2</source>
+        <translation>%1: Der Ordner lässt sich nicht sperren: %2</translation>
+    </message>
+    <message>
+        <source>%1: another program is busy with the presets; try again later</source>
+        <translation>%1: Ein anderes Programm arbeitet gerade mit den Vorlagen; versuchen Sie es später noch einmal</translation>
+    </message>
+    <message>
+        <source>%1: the folder cannot be read: %2</source>
+        <translation>%1: Der Ordner lässt sich nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>There is no preset &quot;%1&quot; in %2.</source>
+        <translation>In %2 gibt es keine Vorlage „%1“.</translation>
+    </message>
+    <message>
+        <source>The presets that come with the program cannot be changed.</source>
+        <translation>Die mitgelieferten Vorlagen lassen sich nicht ändern.</translation>
+    </message>
+    <message>
+        <source>%1: the folder cannot be made: %2</source>
+        <translation>%1: Der Ordner lässt sich nicht anlegen: %2</translation>
+    </message>
+    <message>
+        <source>%1: this is a link, which presets are not written through; delete it first</source>
+        <translation>%1: Dies ist eine Verknüpfung, durch die keine Vorlage geschrieben wird; löschen Sie sie zuerst</translation>
+    </message>
+    <message>
+        <source>%1: something else lies in the place of this preset; move it away</source>
+        <translation>%1: An der Stelle dieser Vorlage liegt etwas anderes; räumen Sie es beiseite</translation>
+    </message>
+    <message>
+        <source>%1: cannot be examined: %2</source>
+        <translation>%1: lässt sich nicht untersuchen: %2</translation>
+    </message>
+    <message>
+        <source>There is a preset &quot;%1&quot; already.</source>
+        <translation>Es gibt schon eine Vorlage „%1“.</translation>
+    </message>
+    <message>
+        <source>%1: cannot be removed: %2</source>
+        <translation>%1: lässt sich nicht entfernen: %2</translation>
+    </message>
+    <message>
+        <source>A preset needs a name.</source>
+        <translation>Eine Vorlage braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>The name of a preset cannot hold the character 0.</source>
+        <translation>Der Name einer Vorlage darf das Zeichen 0 nicht enthalten.</translation>
+    </message>
+    <message>
+        <source>The name of a preset cannot be longer than %1 bytes.</source>
+        <translation>Der Name einer Vorlage darf nicht länger als %1 Bytes sein.</translation>
+    </message>
+    <message>
+        <source>The name of a preset must be text in UTF-8.</source>
+        <translation>Der Name einer Vorlage muss Text in UTF-8 sein.</translation>
+    </message>
+    <message>
+        <source>%1: this is a link, which presets do not follow</source>
+        <translation>%1: Dies ist eine Verknüpfung, der Vorlagen nicht folgen</translation>
+    </message>
+    <message>
+        <source>%1: this is no ordinary file</source>
+        <translation>%1: Dies ist keine gewöhnliche Datei</translation>
+    </message>
+    <message>
+        <source>%1: cannot be read: %2</source>
+        <translation>%1: lässt sich nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>%1: this is no whole preset; the file may be cut off or damaged</source>
+        <translation>%1: Dies ist keine vollständige Vorlage; die Datei ist vielleicht abgeschnitten oder beschädigt</translation>
+    </message>
+</context>
+<context>
     <name>LyqSpinBox</name>
     <message>
         <source>&quot;%1&quot; is no number.</source>
@@ -697,6 +947,21 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Value unit</source>
         <translation>Einheit des Werts</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Rainbow</source>
+        <translation>Regenbogen</translation>
+    </message>
+    <message>
+        <source>Reverse Rainbow</source>
+        <translation>Umgekehrter Regenbogen</translation>
+    </message>
+    <message>
+        <source>Colortable</source>
+        <translation>Farbtabelle</translation>
     </message>
 </context>
 <context>

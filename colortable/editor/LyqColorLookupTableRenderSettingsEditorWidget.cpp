@@ -48,6 +48,7 @@ public:
     // A widget has an identity: it is neither copied nor assigned.
     LyrClass* createCopy(const LyrClass*, void*) const override { return nullptr; }
     bool assign(LyrClass*, const LyrClass*) const override { return false; }
+    bool isStorable() const override { return false; }
 };
 
 LyrObject* lastObjectOf(const LyrObjectPath& path) {

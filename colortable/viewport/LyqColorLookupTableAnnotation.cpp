@@ -35,6 +35,7 @@ public:
     // A QObject has an identity: it is neither copied nor assigned.
     LyrClass* createCopy(const LyrClass*, void*) const override { return nullptr; }
     bool assign(LyrClass*, const LyrClass*) const override { return false; }
+    bool isStorable() const override { return false; }
 };
 
 /** Calls for a new synchronisation when its property changes. */

@@ -23,6 +23,8 @@ public:
         virtual LyrClass* createCopy(const LyrClass* from, void* storage) const = 0;
         /** False if either is not of this class, or the copy failed. */
         virtual bool assign(LyrClass* to, const LyrClass* from) const = 0;
+        /** False for classes whose objects are no data (widgets, services): files that name them are refused. */
+        virtual bool isStorable() const { return true; }
     };
 
     /** Hears of objects of a class, and of classes derived from it, that the framework creates and destroys: called
@@ -64,6 +66,8 @@ public:
     bool isSingleton() const noexcept { return mSingleton; }
     /** True if create() can make objects of this class. */
     bool isCreatable() const noexcept { return static_cast<bool>(mFactory); }
+    /** True if objects of this class may be made from files. */
+    bool isStorable() const noexcept { return mFactory && mFactory->isStorable(); }
 
     bool isOfType(const LyrMetaClass& other) const noexcept;
     bool isOfType(const char* className) const noexcept;

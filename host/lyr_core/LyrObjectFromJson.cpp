@@ -81,7 +81,7 @@ private:
             return nullptr;
         }
         const LyrMetaClass* meta = LyrMetaClass::find(name->text.c_str());
-        const bool fits = meta && meta->isCreatable() && !meta->isSingleton() && meta->isOfType(LyrObject::metaClass());
+        const bool fits = meta && meta->isStorable() && !meta->isSingleton() && meta->isOfType(LyrObject::metaClass());
         return fits ? meta : nullptr;
     }
 

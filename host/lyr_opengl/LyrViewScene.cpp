@@ -201,14 +201,13 @@ void ViewScene::State::destroyDiscarded() {
 }
 
 void ViewScene::State::dropDriversOf(const char* module) {
-    withContext([&](bool isCurrent) {
-        for (const auto& record : Records(records)) {
-            if (record->count.getModule() == module) {
-                record->plugin = LyrObjectPtr();
-                record->dropDrivers(isCurrent);
-            }
+    // At the end of the process: contexts may be gone, and what is in them goes anyway.
+    for (const auto& record : Records(records)) {
+        if (record->count.getModule() == module) {
+            record->plugin = LyrObjectPtr();
+            record->dropDrivers(false);
         }
-    });
+    }
 }
 
 void ViewScene::State::synchronize() {

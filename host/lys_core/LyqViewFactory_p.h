@@ -9,4 +9,5 @@ public:
     LyrClass* create(void* storage) const override { return storage ? new (storage) View() : new View(); }
     LyrClass* createCopy(const LyrClass*, void*) const override { return nullptr; }
     bool assign(LyrClass*, const LyrClass*) const override { return false; }
+    bool isStorable() const override { return false; }
 };

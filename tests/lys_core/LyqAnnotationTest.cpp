@@ -1,5 +1,7 @@
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObjectPtr.h>
+#include <lyr_core/LyrPropertyPtr.h>
 #include <lys_core/LyqAnnotation.h>
 #include <lys_core/LyqFrame.h>
 
@@ -146,4 +148,26 @@ TEST(LiveAnnotation, moves_and_shows_its_frame) {
     EXPECT_TRUE(dot.outer()->isVisible());
     dot.setVisible(false);
     EXPECT_FALSE(dot.outer()->isVisible());
+}
+
+TEST_F(Annotation, passes_changes_of_what_it_shows_on_to_its_owners) {
+    struct Owner : LyrObject {
+        int heard = 0;
+        LyrObjectHardLinkListOP annotations;
+        Owner() { addProperty(7, &annotations); }
+        bool iocCallback(Message& message) override {
+            heard += message.getPropertyID() == Lyr::NameTemplate ? 1 : 0;
+            return LyrObject::iocCallback(message);
+        }
+    } owner;
+    owner.incRef();
+    const LyrObjectPtr table(new LyrObject);
+    const LyrObjectLink link(&dot, nullptr, -1);
+    ASSERT_TRUE(owner.annotations.initArray(0, 0, &link));
+    ASSERT_TRUE(lyrSetValue(&dot, Lyr::Object, LyrObjectLink(table.get(), nullptr, -1)));
+    const LyrTimestamp before = dot.getModificationTimestamp();
+    table->setNameTemplate("other");
+    EXPECT_EQ(owner.heard, 1);
+    EXPECT_EQ(dot.getModificationTimestamp(), before);
+    owner.annotations.initArray(0, -1, nullptr);
 }

@@ -6,6 +6,7 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrRoleManager.h>
 #include <lyr_opengl/LyrRenderingDriver.h>
+#include <lyr_opengl/LyrViewScene.h>
 #include <lyr_opengl/LyrViewportObjectNode.h>
 #include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqWorkspaceWidget.h>
@@ -18,6 +19,7 @@
 
 using namespace modules;
 using testing::HasSubstr;
+using testing::Not;
 
 // Views of a host, and the module that puts legends into them, which the host knows by its file only.
 
@@ -118,6 +120,25 @@ TEST_F(LegendModule, goes_after_it_has_prepared_and_drawn_into_a_node) {
         EXPECT_TRUE(node->getRenderingDriver(0)->init());
         EXPECT_EQ(node->getUpdateFlags(), 5u);
         EXPECT_FALSE(loader.unload());
+    }
+    ASSERT_TRUE(loader.unload()) << loader.message;
+}
+
+TEST_F(LegendModule, stays_while_a_scene_has_drivers_of_it) {
+    struct NoContext : LyrSceneGraph::ViewScene::Surface {
+        bool makeCurrent() override { return false; }
+        void doneCurrent() override {}
+    } surface;
+    ASSERT_TRUE(loader.init());
+    {
+        const View slice = makeView("LyqSliceWidget");
+        LyrSceneGraph::ViewScene scene(static_cast<const LyqCameraWidget&>(*slice).camera());
+        EXPECT_FALSE(loader.unload());
+        EXPECT_THAT(loader.message, Not(HasSubstr("rendering drivers")));  // other reasons alone
+        scene.setSurface(&surface);
+        ASSERT_EQ(scene.getViewportNode(0)->getRenderingDriverCount(), 1);
+        EXPECT_FALSE(loader.unload());
+        EXPECT_THAT(loader.message, HasSubstr("1 rendering drivers of it draw in views"));
     }
     ASSERT_TRUE(loader.unload()) << loader.message;
 }

@@ -50,12 +50,13 @@ protected:
     }
 
     const LibraryUse use;
-    GlTarget target{400, 300};
     CurrentSurface surface;
     Legend legend;
     bool visible = true;
     LyrObjectPtr handler;
     std::unique_ptr<LyqWorkspaceWidget> view{dynamic_cast<LyqWorkspaceWidget*>(LyrMetaClass::create("LyqSceneWidget"))};
+    // After the view: its host tries out OpenGL with a context of its own.
+    GlTarget target{400, 300};
     LyrSceneGraph::ViewScene scene{camera()};
 };
 

@@ -1,0 +1,344 @@
+#include <lyr_core/LyrFileSaver.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lys_core/LyqPresetStore.h>
+#include <lys_core/PresetFileName_p.h>
+#include <lys_core/PresetIndex_p.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <set>
+#include <system_error>
+#include <thread>
+
+namespace {
+
+constexpr auto LOCK_PATIENCE = std::chrono::seconds(10);
+constexpr auto LOCK_PAUSE = std::chrono::milliseconds(2);
+
+LyrString translated(const char* text) {
+    return QCoreApplication::translate("LyqPresetStore", text);
+}
+
+/** A message about a file or folder with the reason that the system gives. */
+LyrString systemMessage(const LyrString& text, const std::string& path, int error) {
+    return text.arg({LyrString(path), LyrString(strerrordesc_np(error) ? strerrordesc_np(error) : "")});
+}
+
+bool fail(LyrString& message, const LyrString& text) {
+    message = text;
+    return false;
+}
+
+/** Has the system write down which names a folder holds. Nothing is lost where it cannot: a preset that is gone may be
+ * back after a power failure. */
+void flushFolder(const std::string& path) {
+    const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        ::fsync(folder);
+        ::close(folder);
+    }
+}
+
+}  // namespace
+
+/** A lock on the folder itself: nothing of it stays behind, whatever ends its process. Waits for others a while. */
+class LyqPresetStore::Lock {
+public:
+    Lock() = default;
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+    ~Lock() {
+        if (mFolder >= 0) {
+            ::close(mFolder);
+        }
+    }
+
+    bool take(const std::string& folder, LyrString& message) {
+        mFolder = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (mFolder < 0) {
+            return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP(
+                                                   "LyqPresetStore", "%1: the folder cannot be opened: %2")),
+                                               folder, errno));
+        }
+        const auto end = std::chrono::steady_clock::now() + LOCK_PATIENCE;
+        while (::flock(mFolder, LOCK_EX | LOCK_NB) != 0) {
+            const int error = errno;
+            if (error == ENOLCK || error == EOPNOTSUPP || error == ENOSYS || error == EBADF || error == EINVAL) {
+                return true;  // no locks here: each file by itself is replaced safely all the same
+            }
+            if (error != EWOULDBLOCK && error != EINTR) {
+                return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP(
+                                                       "LyqPresetStore", "%1: the folder cannot be locked: %2")),
+                                                   folder, error));
+            }
+            if (std::chrono::steady_clock::now() > end) {
+                return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                                                  "%1: another program is busy with the presets; try "
+                                                                  "again later"))
+                                         .arg(LyrString(folder)));
+            }
+            std::this_thread::sleep_for(LOCK_PAUSE);
+        }
+        return true;
+    }
+
+private:
+    int mFolder = -1;
+};
+
+LyqPresetStore::LyqPresetStore(std::string folder, bool isWritable, std::string className)
+    : mFolder(std::move(folder)),
+      mIsWritable(isWritable),
+      mClass(std::move(className)),
+      mIndex(std::make_unique<Index>()) {
+    if (mIsWritable) {
+        LyrFileSaver::sweepLeftovers(mFolder);
+    }
+}
+
+LyqPresetStore::~LyqPresetStore() = default;
+
+LyrString LyqPresetStore::checkName(const LyrString& name) {
+    return lys::presets::checkName(name);
+}
+
+// Of several files with one name the first by file name counts; the others come to light when it goes.
+std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) const {
+    std::error_code error;
+    std::set<std::string> paths;
+    std::filesystem::directory_iterator entries(mFolder, error);
+    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+        const std::string name = entries->path().filename().string();
+        if (name.ends_with(".json") && !name.starts_with('.')) {
+            paths.insert(entries->path().string());
+        }
+    }
+    if (error && error != std::errc::no_such_file_or_directory && message) {
+        *message = translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be read: %2"))
+                       .arg({LyrString(mFolder), LyrString(error.message())});
+    }
+    std::vector<Entry> result;
+    std::set<LyrString> names;
+    for (const std::string& path : paths) {
+        const std::optional<PresetHeader> header = mIndex->headerOf(path);
+        if (header && header->isOf(mClass) && names.insert(header->name).second) {
+            result.push_back({header->name, path, header->problem, header->isNewer});
+        }
+    }
+    std::erase_if(mIndex->files, [&](const auto& known) { return !paths.contains(known.first); });
+    std::sort(result.begin(), result.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
+    return result;
+}
+
+bool LyqPresetStore::find(const LyrString& name, Entry& entry) const {
+    const std::vector<Entry> entries = list();
+    const auto found =
+        std::lower_bound(entries.begin(), entries.end(), name, [](const Entry& e, const LyrString& n) { return e.name < n; });
+    if (found == entries.end() || found->name != name) {
+        return false;
+    }
+    entry = *found;
+    return true;
+}
+
+bool LyqPresetStore::contains(const LyrString& name) const {
+    Entry entry;
+    return find(name, entry);
+}
+
+LyrObjectPtr LyqPresetStore::load(const LyrString& name, LyrObjectFile::Report& report, Lyrenum scope) const {
+    report = LyrObjectFile::Report();
+    Entry entry;
+    if (!find(name, entry)) {
+        report.message = translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
+                             .arg({name, LyrString(mFolder)});
+        return {};
+    }
+    return loadEntry(entry, report, scope);
+}
+
+LyrObjectPtr LyqPresetStore::loadEntry(const Entry& entry, LyrObjectFile::Report& report, Lyrenum scope) const {
+    std::string bytes;
+    LyrObjectPtr object;
+    if (!lysReadPresetFile(entry.path, bytes, report.message)) {
+        return {};
+    }
+    if (mClass.empty()) {
+        LyrObjectFile::read(bytes, object, report, {}, scope);
+    } else {
+        LyrObjectFile::read(bytes, object, report, {mClass.c_str()}, scope);
+    }
+    const LyrString path(entry.path + ": ");
+    report.message = report.message.isEmpty() ? report.message : path + report.message;
+    for (LyrString& warning : report.warnings) {
+        warning = path + warning;
+    }
+    return object;
+}
+
+bool LyqPresetStore::mayChange(LyrString& message) const {
+    if (!mIsWritable) {
+        return fail(message, translated(QT_TRANSLATE_NOOP(
+                                 "LyqPresetStore", "The presets that come with the program cannot be changed.")));
+    }
+    std::error_code error;
+    std::filesystem::create_directories(mFolder, error);
+    return !error || fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be made: %2"))
+                                       .arg({LyrString(mFolder), LyrString(error.message())}));
+}
+
+/** The file that a preset is to be written to; empty, and a message, if it must not be. To be called under the lock. */
+std::string LyqPresetStore::targetFor(const LyrString& name, LyrString& message) const {
+    Entry present;
+    if (find(name, present)) {
+        struct stat status {};
+        if (::lstat(present.path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) {
+            message = translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                                   "%1: this is a link, which presets are not written through; delete "
+                                                   "it first"))
+                          .arg(LyrString(present.path));
+            return {};
+        }
+        return present.path;
+    }
+    const std::string path = mFolder + '/' + lys::presets::fileNameOf(name);
+    struct stat status {};
+    const bool isTaken = ::lstat(path.c_str(), &status) == 0;
+    if (isTaken || errno != ENOENT) {
+        message = isTaken ? translated(QT_TRANSLATE_NOOP(
+                                           "LyqPresetStore", "%1: something else lies in the place of this preset; move it away"))
+                                .arg(LyrString(path))
+                          : systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be examined: %2")),
+                                          path, errno);
+        return {};
+    }
+    return path;
+}
+
+bool LyqPresetStore::save(LyrObject& preset, const LyrString& name, LyrString& message) {
+    message = checkName(name);
+    Lock lock;
+    if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
+        return false;
+    }
+    const std::string path = targetFor(name, message);
+    if (path.empty() || !preset.setNameTemplate(name.utf8())) {
+        return false;
+    }
+    LyrObjectFile::Report report;
+    const bool done = LyrObjectFile::save(preset, path, report);
+    message = done ? LyrString() : report.message;
+    return done;
+}
+
+// Killed half-way the preset is there under both names, never under none.
+bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrString& message) {
+    message = checkName(to);
+    Lock lock;
+    if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
+        return false;
+    }
+    Entry entry;
+    LyrObjectFile::Report report;
+    if (from == to) {
+        return true;
+    }
+    if (contains(to)) {
+        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already."))
+                                 .arg(to));
+    }
+    if (!find(from, entry)) {
+        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
+                                 .arg({from, LyrString(mFolder)}));
+    }
+    const LyrObjectPtr preset = loadEntry(entry, report, Lyr::TransientScope);
+    if (!preset || report.newerVersion) {
+        return fail(message, report.message);
+    }
+    const std::string path = targetFor(to, message);
+    if (path.empty() || !preset->setNameTemplate(to.utf8())) {
+        return false;
+    }
+    if (!LyrObjectFile::save(*preset, path, report)) {
+        return fail(message, report.message);
+    }
+    if (::unlink(entry.path.c_str()) != 0) {
+        message = systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be removed: %2")), entry.path,
+                                errno);
+        ::unlink(path.c_str());
+        return false;
+    }
+    flushFolder(mFolder);
+    return true;
+}
+
+bool LyqPresetStore::remove(const LyrString& name, LyrString& message) {
+    Lock lock;
+    if (!mayChange(message) || !lock.take(mFolder, message)) {
+        return false;
+    }
+    Entry entry;
+    if (!find(name, entry)) {
+        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
+                                 .arg({name, LyrString(mFolder)}));
+    }
+    if (::unlink(entry.path.c_str()) != 0) {
+        return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be removed: %2")),
+                                           entry.path, errno));
+    }
+    flushFolder(mFolder);
+    return true;
+}
+
+bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString& name, LyrString& message) {
+    std::string bytes;
+    LyrObjectPtr object;
+    LyrObjectFile::Report report;
+    std::error_code error;
+    const std::string real = std::filesystem::weakly_canonical(path, error).string();
+    if (!lysReadPresetFile(error ? path : real, bytes, message)) {
+        return false;
+    }
+    const bool isUsable = mClass.empty() ? LyrObjectFile::read(bytes, object, report)
+                                         : LyrObjectFile::read(bytes, object, report, {mClass.c_str()});
+    if (!isUsable) {
+        return fail(message, LyrString(path + ": ") + report.message);
+    }
+    const PresetHeader header = PresetHeader::parse(path, bytes);
+    name = header.name;
+    message = header.problem.isNull() ? checkName(name) : header.problem;
+    Lock lock;
+    if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
+        return false;
+    }
+    Entry present;
+    if (find(name, present) && (!replace || present.isNewer)) {
+        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already."))
+                                 .arg(name));
+    }
+    const std::string target = targetFor(name, message);
+    return !target.empty() && LyrFileSaver::replace(target, bytes, &message);
+}
+
+bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, LyrString& message) const {
+    Entry entry;
+    std::string bytes;
+    LyrObjectFile::Report report;
+    if (!find(name, entry)) {
+        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
+                                 .arg({name, LyrString(mFolder)}));
+    }
+    if (!loadEntry(entry, report, Lyr::TransientScope)) {
+        return fail(message, report.message);
+    }
+    return lysReadPresetFile(entry.path, bytes, message) && LyrFileSaver::replace(path, bytes, &message);
+}
