@@ -1,0 +1,66 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <string>
+
+#include <analysis/compute/LyrAnalysisControl.h>
+
+namespace lyranalysis {
+
+/** One run of an analysis: spreads its stages over threads, tells the progress, and notices that it is to stop. */
+class AnalysisTask {
+public:
+    /** `name` begins every message, `weight` is the sum of the weights of all stages to come. */
+    AnalysisTask(const char* name, double weight, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome);
+
+    /** Runs work(index, worker) for each index below count, in any order, on all threads; `worker` is below threads().
+     *  False when the task was stopped: some indices were then not visited. Throws what the work threw. */
+    using Work = std::function<void(std::size_t index, std::size_t worker)>;
+    bool stage(double weight, std::size_t count, const Work& work);
+
+    /** True once the task is to be given up; for work that takes long for one index. Called from any thread. */
+    bool isStopped() const {
+        return stopped_.load(std::memory_order_relaxed) ||
+               (control_.cancel && control_.cancel->load(std::memory_order_relaxed));
+    }
+
+    std::size_t threads() const { return threads_; }
+
+    /** False, with a message, when `bytes` are more than there is. */
+    bool hasMemory(std::uint64_t bytes);
+
+    /** Sets the message and returns false. */
+    bool fail(const std::string& reason);
+
+    /** Runs the body with everything it throws turned into messages, and ends the progress. False when the body
+     *  returned false or threw. */
+    bool run(const std::function<bool()>& body);
+
+private:
+    void drain(std::size_t count, const Work& work, std::size_t worker, double weight);
+    void report(double done);
+    void keep(std::exception_ptr problem);
+
+    const char* name_;
+    const double weight_;
+    const LyrAnalysisControl& control_;
+    LyrAnalysisOutcome& outcome_;
+    std::size_t threads_;
+    double done_ = 0.0;
+    double told_ = -1.0;
+    std::atomic<bool> stopped_{false};
+    std::atomic<std::size_t> next_{0};
+    std::atomic<std::size_t> finished_{0};
+    std::mutex mutex_;
+    std::exception_ptr problem_;
+};
+
+/** Bytes of memory that a new buffer can have without pushing others out; where that is unknown, the largest number. */
+std::uint64_t freeMemory();
+
+}  // namespace lyranalysis

@@ -1,0 +1,174 @@
+#include <analysis/compute/LyrAnalysisReport.h>
+
+#include <algorithm>
+#include <exception>
+#include <limits>
+
+#include <lyr_core/LyrFileSaver.h>
+
+#include <analysis/compute/LyrValueHistogram.h>
+#include <analysis/compute/ReportText_p.h>
+
+namespace {
+
+using lyranalysis::ReportText;
+using lyranalysis::ReportValue;
+
+/** The lines that every report begins with. Lengths of a volume without a unit are taken for mm. */
+template <typename Result>
+ReportText beginReport(const char* analysis, const Result& result) {
+    ReportText report;
+    const LyrVolume::Description description = result.volume ? result.volume->description() : LyrVolume::Description{};
+    report.head = {{"analysis", ReportValue(std::string(analysis))},
+                   {"source", ReportValue(description.source)},
+                   {"voxels_x", ReportValue(description.size[0])},
+                   {"voxels_y", ReportValue(description.size[1])},
+                   {"voxels_z", ReportValue(description.size[2])},
+                   {"voxel_volume_mm3", ReportValue(result.voxelVolume)},
+                   {"threshold", ReportValue(result.threshold)},
+                   {"threshold_by", ReportValue(std::string(result.thresholdWasGiven ? "user" : "otsu"))}};
+    return report;
+}
+
+ReportText reportOf(const LyrDefectResult& result) {
+    ReportText report = beginReport("defect-volume", result);
+    const std::vector<std::pair<std::string, ReportValue>> totals = {
+        {"minimum_voxels", ReportValue(result.minimumVoxels)},
+        {"air_level", ReportValue(result.airLevel)},
+        {"material_level", ReportValue(result.materialLevel)},
+        {"defect_count", ReportValue(static_cast<std::uint64_t>(result.defects.size()))},
+        {"defect_voxels", ReportValue(result.defectVoxels)},
+        {"counted_defect_volume_mm3", ReportValue(result.countedDefectVolume)},
+        {"defect_volume_mm3", ReportValue(result.defectVolume)},
+        {"material_voxels", ReportValue(result.materialVoxels)},
+        {"counted_material_volume_mm3", ReportValue(result.countedMaterialVolume)},
+        {"material_volume_mm3", ReportValue(result.materialVolume)},
+        {"counted_porosity_percent", ReportValue(result.countedPorosity)},
+        {"porosity_percent", ReportValue(result.porosity)},
+        {"small_hollow_count", ReportValue(result.smallHollows)},
+        {"small_hollow_voxels", ReportValue(result.smallHollowVoxels)}};
+    report.head.insert(report.head.end(), totals.begin(), totals.end());
+    report.rowsName = "defects";
+    report.columns = {"number",      "volume_mm3",  "voxels",    "counted_volume_mm3", "center_x_mm",
+                      "center_y_mm", "center_z_mm", "size_mm",   "sphericity",         "low_x_mm",
+                      "low_y_mm",    "low_z_mm",    "high_x_mm", "high_y_mm",          "high_z_mm"};
+    report.rows.reserve(result.defects.size());
+    for (const LyrDefect& defect : result.defects) {
+        std::vector<ReportValue> row{ReportValue(std::uint64_t{defect.number}), ReportValue(defect.volume),
+                                     ReportValue(defect.voxels), ReportValue(defect.countedVolume)};
+        const auto append = [&row](const std::array<double, 3>& place) {
+            row.insert(row.end(), {ReportValue(place[0]), ReportValue(place[1]), ReportValue(place[2])});
+        };
+        append(defect.center);
+        row.insert(row.end(), {ReportValue(defect.size), ReportValue(defect.sphericity)});
+        append(defect.low);
+        append(defect.high);
+        report.rows.push_back(std::move(row));
+    }
+    return report;
+}
+
+void addRow(ReportText& report, double low, double high, std::uint64_t voxels, const LyrThicknessResult& result) {
+    const double all = static_cast<double>(std::max<std::uint64_t>(result.materialVoxels, 1));
+    const double share = static_cast<double>(voxels) / all;
+    report.rows.push_back({ReportValue(low), ReportValue(high), ReportValue(voxels),
+                           ReportValue(static_cast<double>(voxels) * result.voxelVolume), ReportValue(100.0 * share)});
+}
+
+void addBins(ReportText& report, const LyrThicknessResult& result) {
+    constexpr std::size_t kBins = 50;
+    LyrValueHistogram histogram;
+    if (result.values && LyrValueHistogram::make(*result.values, kBins, histogram)) {
+        for (std::size_t bin = 0; bin < kBins; ++bin) {
+            addRow(report, histogram.edge(bin), histogram.edge(bin + 1), histogram.counts[bin], result);
+        }
+    }
+}
+
+void addSections(ReportText& report, const LyrThicknessResult& result, std::span<const float> boundaries) {
+    constexpr double kEndless = std::numeric_limits<double>::infinity();
+    LyrSectionShares shares;
+    if (result.values && LyrSectionShares::make(result.values->samples(), boundaries, shares)) {
+        for (std::size_t i = 0; i < shares.counts.size(); ++i) {
+            const double low = i > 0 ? static_cast<double>(boundaries[i - 1]) : -kEndless;
+            const double high = i < boundaries.size() ? static_cast<double>(boundaries[i]) : kEndless;
+            addRow(report, low, high, shares.counts[i], result);
+        }
+    }
+}
+
+ReportText reportOf(const LyrThicknessResult& result, std::span<const float> boundaries) {
+    ReportText report = beginReport("wall-thickness", result);
+    const std::vector<std::pair<std::string, ReportValue>> totals = {
+        {"material_voxels", ReportValue(result.materialVoxels)},
+        {"counted_material_volume_mm3", ReportValue(result.countedMaterialVolume)},
+        {"least_mm", ReportValue(result.least)},
+        {"greatest_mm", ReportValue(result.greatest)},
+        {"mean_mm", ReportValue(result.mean)},
+        {"standard_deviation_mm", ReportValue(result.deviation)},
+        {"median_mm", ReportValue(result.median)}};
+    report.head.insert(report.head.end(), totals.begin(), totals.end());
+    report.rowsName = boundaries.empty() ? "bins" : "sections";
+    report.columns = {"from_mm", "to_mm", "voxels", "counted_volume_mm3", "percent"};
+    if (boundaries.empty()) {
+        addBins(report, result);
+    } else {
+        addSections(report, result, boundaries);
+    }
+    return report;
+}
+
+bool endsWith(const std::string& path, std::string_view ending) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return path.size() > ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), path.rbegin(), [&](char a, char b) { return a == lower(b); });
+}
+
+/** `make` returns the report. Nothing is made for a path of another kind. */
+template <typename Make>
+bool saveReport(const std::string& path, std::string& error, const Make& make) {
+    const bool asJson = endsWith(path, ".json");
+    if (!asJson && !endsWith(path, ".csv")) {
+        error = "report '" + path + "': the kind of the report follows from the name; let it end in .csv or .json";
+        return false;
+    }
+    try {
+        const std::string content = asJson ? make().json() : make().csv();
+        LyrString message;
+        if (!LyrFileSaver::replace(path, content, &message)) {
+            error = message.utf8();
+            return false;
+        }
+    } catch (const std::exception&) {
+        error = "report '" + path + "': not enough memory; close other programs and try again";
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string LyrAnalysisReport::csv(const LyrDefectResult& result) {
+    return reportOf(result).csv();
+}
+
+std::string LyrAnalysisReport::json(const LyrDefectResult& result) {
+    return reportOf(result).json();
+}
+
+std::string LyrAnalysisReport::csv(const LyrThicknessResult& result, std::span<const float> boundaries) {
+    return reportOf(result, boundaries).csv();
+}
+
+std::string LyrAnalysisReport::json(const LyrThicknessResult& result, std::span<const float> boundaries) {
+    return reportOf(result, boundaries).json();
+}
+
+bool LyrAnalysisReport::save(const std::string& path, const LyrDefectResult& result, std::string& error) {
+    return saveReport(path, error, [&] { return reportOf(result); });
+}
+
+bool LyrAnalysisReport::save(const std::string& path, const LyrThicknessResult& result, std::string& error,
+                             std::span<const float> boundaries) {
+    return saveReport(path, error, [&] { return reportOf(result, boundaries); });
+}

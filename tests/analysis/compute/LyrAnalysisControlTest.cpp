@@ -1,0 +1,240 @@
+#include <analysis/compute/LyrAnalysisControl.h>
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+
+#include <analysis/compute/LyrDefectAnalysis.h>
+#include <analysis/compute/LyrOtsuThreshold.h>
+#include <analysis/compute/LyrSortedValues.h>
+#include <analysis/compute/LyrWallThickness.h>
+
+#include "TestVolumes.h"
+
+using testvolumes::VolumePtr;
+
+namespace {
+
+bool runDefects(const VolumePtr& volume, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome) {
+    LyrDefectResult result;
+    const bool done = LyrDefectAnalysis::run(volume, {}, result, outcome, control);
+    EXPECT_EQ(done, result.values != nullptr);
+    return done;
+}
+
+bool runThickness(const VolumePtr& volume, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome) {
+    LyrThicknessResult result;
+    const bool done = LyrWallThickness::run(volume, {}, result, outcome, control);
+    EXPECT_EQ(done, result.values != nullptr);
+    return done;
+}
+
+bool runThreshold(const VolumePtr& volume, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome) {
+    float threshold = -1.0F;
+    const bool done = LyrOtsuThreshold::find(*volume, threshold, outcome, control);
+    EXPECT_EQ(done, threshold != -1.0F);
+    return done;
+}
+
+bool runSorting(const VolumePtr& volume, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome) {
+    LyrSortedValues values;
+    const bool done = LyrSortedValues::make(*volume, values, outcome, control);
+    EXPECT_EQ(done, !values.values().empty());
+    return done;
+}
+
+using Analyse = bool (*)(const VolumePtr&, const LyrAnalysisControl&, LyrAnalysisOutcome&);
+constexpr Analyse kAll[] = {runDefects, runThickness, runThreshold, runSorting};
+
+bool sameBits(const LyrVolume& a, const LyrVolume& b) {
+    return a.samples().size() == b.samples().size() &&
+           std::memcmp(a.samples().data(), b.samples().data(), a.samples().size_bytes()) == 0;
+}
+
+}  // namespace
+
+TEST(LyrAnalysisControl, progress_begins_at_0_never_falls_and_ends_at_1_on_the_calling_thread) {
+    const VolumePtr volume = testvolumes::casting(48, 3.0);
+    for (const Analyse run : kAll) {
+        std::vector<double> told;
+        LyrAnalysisControl control;
+        control.threads = 3;
+        control.progress = [&, caller = std::this_thread::get_id()](double part) {
+            EXPECT_EQ(std::this_thread::get_id(), caller);
+            told.push_back(part);
+            return true;
+        };
+        LyrAnalysisOutcome outcome;
+        ASSERT_TRUE(run(volume, control, outcome)) << outcome.error;
+        ASSERT_GE(told.size(), 3U);
+        EXPECT_EQ(told.front(), 0.0);
+        EXPECT_EQ(told.back(), 1.0);
+        for (std::size_t i = 1; i < told.size(); ++i) {
+            EXPECT_GT(told[i], told[i - 1]);
+        }
+    }
+}
+
+TEST(LyrAnalysisControl, progress_moves_all_the_while) {
+    const VolumePtr volume = testvolumes::casting(64);
+    for (const Analyse run : {runDefects, runThickness}) {
+        double widest = 0.0;
+        double last = 0.0;
+        LyrAnalysisControl control;
+        control.threads = 1;
+        control.progress = [&](double part) {
+            widest = std::max(widest, part - last);
+            last = part;
+            return true;
+        };
+        LyrAnalysisOutcome outcome;
+        ASSERT_TRUE(run(volume, control, outcome));
+        EXPECT_LT(widest, 0.15);
+    }
+}
+
+TEST(LyrAnalysisControl, a_progress_function_that_says_no_cancels_at_any_time) {
+    const VolumePtr volume = testvolumes::casting(40, 3.0);
+    for (const Analyse run : kAll) {
+        int calls = 0;
+        LyrAnalysisControl control;
+        control.progress = [&](double) {
+            ++calls;
+            return true;
+        };
+        LyrAnalysisOutcome outcome;
+        control.threads = 1;
+        ASSERT_TRUE(run(volume, control, outcome));
+        const int all = calls;
+        for (int stop = 0; stop < all; ++stop) {
+            int seen = 0;
+            double last = 0.0;
+            control.progress = [&](double part) {
+                EXPECT_LE(seen, stop) << "no call after the no";
+                last = part;
+                return seen++ < stop;
+            };
+            EXPECT_FALSE(run(volume, control, outcome)) << stop;
+            EXPECT_TRUE(outcome.cancelled);
+            EXPECT_NE(outcome.error.find("cancelled"), std::string::npos);
+        }
+    }
+}
+
+TEST(LyrAnalysisControl, a_flag_cancels_before_and_during) {
+    const VolumePtr volume = testvolumes::casting(64);
+    for (const Analyse run : kAll) {
+        std::atomic<bool> flag{true};
+        LyrAnalysisControl control;
+        control.cancel = &flag;
+        LyrAnalysisOutcome outcome;
+        EXPECT_FALSE(run(volume, control, outcome));
+        EXPECT_TRUE(outcome.cancelled);
+        flag = false;
+        control.progress = [&](double part) {
+            flag = flag || part > 0.3;
+            return true;
+        };
+        EXPECT_FALSE(run(volume, control, outcome));
+        EXPECT_TRUE(outcome.cancelled);
+        flag = false;
+        control.progress = {};
+        EXPECT_TRUE(run(volume, control, outcome)) << "a cancelled analysis can be run again";
+        EXPECT_FALSE(outcome.cancelled);
+        EXPECT_TRUE(outcome.error.empty());
+    }
+}
+
+TEST(LyrAnalysisControl, results_are_the_same_for_any_number_of_threads) {
+    for (const VolumePtr& volume : {testvolumes::casting(64, 5.0), testvolumes::noise(40)}) {
+        LyrDefectResult defects;
+        LyrThicknessResult thickness;
+        LyrAnalysisOutcome outcome;
+        LyrAnalysisControl control;
+        control.threads = 1;
+        ASSERT_TRUE(LyrDefectAnalysis::run(volume, {}, defects, outcome, control));
+        ASSERT_TRUE(LyrWallThickness::run(volume, {}, thickness, outcome, control));
+        for (const int threads : {2, 3, 8}) {
+            control.threads = threads;
+            LyrDefectResult otherDefects;
+            LyrThicknessResult otherThickness;
+            ASSERT_TRUE(LyrDefectAnalysis::run(volume, {}, otherDefects, outcome, control));
+            ASSERT_TRUE(LyrWallThickness::run(volume, {}, otherThickness, outcome, control));
+            EXPECT_EQ(otherDefects.labels, defects.labels);
+            EXPECT_TRUE(sameBits(*otherDefects.values, *defects.values));
+            EXPECT_EQ(otherDefects.materialVolume, defects.materialVolume);
+            EXPECT_EQ(otherDefects.defectVolume, defects.defectVolume);
+            EXPECT_TRUE(sameBits(*otherThickness.values, *thickness.values));
+            EXPECT_EQ(otherThickness.mean, thickness.mean);
+            EXPECT_EQ(otherThickness.median, thickness.median);
+        }
+    }
+}
+
+TEST(LyrAnalysisControl, two_analyses_at_once_do_not_disturb_each_other) {
+    const VolumePtr volume = testvolumes::casting(64, 5.0);
+    LyrDefectResult alone;
+    LyrAnalysisOutcome outcome;
+    ASSERT_TRUE(LyrDefectAnalysis::run(volume, {}, alone, outcome));
+    LyrDefectResult defects;
+    LyrThicknessResult thickness;
+    {
+        const std::jthread first([&] {
+            LyrAnalysisOutcome mine;
+            EXPECT_TRUE(LyrDefectAnalysis::run(volume, {}, defects, mine)) << mine.error;
+        });
+        const std::jthread second([&] {
+            LyrAnalysisOutcome mine;
+            EXPECT_TRUE(LyrWallThickness::run(volume, {}, thickness, mine)) << mine.error;
+        });
+    }
+    EXPECT_EQ(defects.labels, alone.labels);
+    EXPECT_EQ(defects.defectVolume, alone.defectVolume);
+    EXPECT_GT(thickness.median, 0.0);
+}
+
+TEST(LyrAnalysisControl, a_volume_may_be_let_go_of_while_it_is_analysed) {
+    VolumePtr volume = testvolumes::casting(40);
+    const std::weak_ptr<const LyrVolume> watched = volume;
+    LyrAnalysisControl control;
+    control.progress = [&](double) {
+        volume.reset();
+        return true;
+    };
+    {
+        LyrThicknessResult result;
+        LyrAnalysisOutcome outcome;
+        EXPECT_TRUE(LyrWallThickness::run(VolumePtr(volume), {}, result, outcome, control)) << outcome.error;
+        EXPECT_EQ(result.volume, watched.lock());
+    }
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST(LyrAnalysisControl, memory_that_is_not_there_is_a_message_before_it_is_taken) {
+    const VolumePtr volume = testvolumes::casting(64);
+    for (const Analyse run : {runDefects, runThickness, runSorting}) {
+        LyrAnalysisControl control;
+        control.memoryLimit = 1000;
+        LyrAnalysisOutcome outcome;
+        EXPECT_FALSE(run(volume, control, outcome));
+        EXPECT_FALSE(outcome.cancelled);
+        EXPECT_NE(outcome.error.find("GiB of memory"), std::string::npos) << outcome.error;
+    }
+}
+
+TEST(LyrAnalysisControl, what_a_progress_function_throws_does_not_leave_the_analysis) {
+    const VolumePtr volume = testvolumes::casting(40);
+    LyrAnalysisControl control;
+    control.progress = [](double part) {
+        if (part > 0.2) {
+            throw std::runtime_error("out of order");
+        }
+        return true;
+    };
+    for (const Analyse run : kAll) {
+        LyrAnalysisOutcome outcome;
+        EXPECT_FALSE(run(volume, control, outcome));
+        EXPECT_NE(outcome.error.find("out of order"), std::string::npos) << outcome.error;
+    }
+}
