@@ -45,8 +45,8 @@ TEST(Screenshot, writes_a_picture_of_the_window_with_the_volume_in_color_and_end
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
             const QColor color = picture.pixelColor(x, y);
-            red += color == QColor(255, 0, 0) ? 1 : 0;   // material in the slices
-            blue += color == QColor(0, 0, 255) ? 1 : 0;  // air in the slices
+            red += color == QColor(255, 0, 0) ? 1 : 0;                                     // material in the slices
+            blue += color == QColor(0, 0, 255) ? 1 : 0;                                    // air in the slices
             green += color.green() > 60 && color.red() < 40 && color.blue() < 40 ? 1 : 0;  // the surface between them
         }
     }
