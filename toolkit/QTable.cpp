@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <QTimer>
 
@@ -238,6 +239,14 @@ void QTable::setRowSelection(bool multiple) {
 
 bool QTable::isRowSelected(int row) const {
     return selectionModel()->isRowSelected(row, QModelIndex());
+}
+
+QSize QTable::sizeHint() const {
+    int width = 2 * frameWidth() + verticalHeader()->sizeHint().width() + verticalScrollBar()->sizeHint().width();
+    for (int column = 0; column < columnCount(); ++column) {
+        width += isColumnStretchable(column) ? 2 * horizontalHeader()->sectionSizeHint(column) : columnWidth(column);
+    }
+    return QSize(width, QTableWidget::sizeHint().height());
 }
 
 bool QTable::isEditing() const {

@@ -48,6 +48,9 @@ public:
     void setRowSelection(bool multiple);
     bool isRowSelected(int row) const;
 
+    /** Wide enough for its columns; of a stretchable one, for twice its label. */
+    QSize sizeHint() const override;
+
     /** Whether the user is entering something, here or anywhere. */
     bool isEditing(int row, int column) const;
     bool isEditing() const;

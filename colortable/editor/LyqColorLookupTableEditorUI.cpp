@@ -40,6 +40,8 @@ void LyqColorLookupTableEditorUI::makeSections() {
     mSectionsTable = new QTable(mSectionsGroupBox, "mSectionsTable");
     mSectionsTable->setNumCols(4);
     mSectionsTable->verticalHeader()->setDefaultAlignment(Qt::AlignCenter);
+    // Whole rows are selected: bold column labels would tell nothing and take more room.
+    mSectionsTable->horizontalHeader()->setHighlightSections(false);
     mCreateSmoothPushButton = named(new QPushButton(mSectionsGroupBox), "mCreateSmoothPushButton");
     mCreateSteppedPushButton = named(new QPushButton(mSectionsGroupBox), "mCreateSteppedPushButton");
     mCreateSphereSegmentSteppedPushButton =

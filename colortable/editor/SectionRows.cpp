@@ -24,8 +24,8 @@ namespace {
 constexpr const char* CONTEXT = "LyqColorLookupTableEditor";
 constexpr int SWATCH_WIDTH = 32;
 constexpr int CELL_MARGIN = 12;
-/** A value of six digits with sign and exponent is the widest there is. */
-constexpr const char* WIDEST_BOUND = "-1.23457e+06";
+/** What every bounds column has room for; longer texts widen it. */
+constexpr const char* ORDINARY_BOUND = "-0.0000";
 
 QString text(const char* source) {
     return QCoreApplication::translate(CONTEXT, source);
@@ -84,6 +84,15 @@ void fillSwatch(QTable& rows, int row, const TableContent& content, long long in
                                                    content.sectionAt(index - 1), content.sectionAt(index + 1));
     if (!image.isNull()) {
         itemAt<PixmapTableItem>(rows, row, DETAIL, PixmapTableItem::RTTI).setPixmap(QPixmap::fromImage(image));
+    }
+}
+
+/** Widens a column for its longest text: digits are equally wide. A column never shrinks under the user's hands. */
+void widenFor(QTable& rows, Column column, const QString& longest) {
+    const int width = rows.fontMetrics().horizontalAdvance(longest) + CELL_MARGIN;
+    if (width > rows.columnWidth(column)) {
+        rows.setColumnWidth(column, width);
+        rows.updateGeometry();
     }
 }
 
@@ -169,12 +178,14 @@ void fitColumns(QTable& rows) {
     for (const QString& entry : innerTexts() + borderTexts()) {
         widest = std::max(widest, metrics.horizontalAdvance(entry));
     }
-    const int bound = metrics.horizontalAdvance(QString::fromLatin1(WIDEST_BOUND)) + CELL_MARGIN;
-    rows.setColumnWidth(FROM, bound);
-    rows.setColumnWidth(TO, bound);
+    rows.horizontalHeader()->setMinimumSectionSize(SWATCH_WIDTH);
+    const int bound = metrics.horizontalAdvance(QString::fromLatin1(ORDINARY_BOUND)) + CELL_MARGIN;
+    for (const Column column : {FROM, TO}) {
+        rows.setColumnWidth(column, std::max(bound, rows.horizontalHeader()->sectionSizeHint(column)));
+    }
     // Room for the arrow that shows that there is a list.
     rows.setColumnWidth(TYPE, widest + CELL_MARGIN + metrics.height());
-    rows.horizontalHeader()->setMinimumSectionSize(SWATCH_WIDTH);
+    rows.updateGeometry();
 }
 
 void fillRows(QTable& rows, const LyrObject* table, const TableContent& content, const LyqUnitConverter& converter) {
@@ -182,6 +193,7 @@ void fillRows(QTable& rows, const LyrObject* table, const TableContent& content,
     const QStringList inner = innerTexts();
     const QStringList outer = borderTexts();
     const Hidden hidden(table);
+    QString longest;
     rows.setNumRows(static_cast<int>(content.sectionCount()));
     showRows(rows, hidden);
     for (int row = 0; row < rows.numRows(); ++row) {
@@ -193,11 +205,16 @@ void fillRows(QTable& rows, const LyrObject* table, const TableContent& content,
             continue;
         }
         const bool border = isBorderRow(content.sectionCount(), row);
-        fillBound(rows, row, FROM, bounds.at(index - 1));
-        fillBound(rows, row, TO, bounds.at(index));
+        for (const Column column : {FROM, TO}) {
+            const QString bound = bounds.at(column == TO ? index : index - 1);
+            fillBound(rows, row, column, bound);
+            longest = bound.size() > longest.size() ? bound : longest;
+        }
         fillType(rows, row, border ? outer : inner, border, lyrGetValue(section, Lyr::Type, Lyrenum(-1)));
         fillSwatch(rows, row, content, index);
     }
+    widenFor(rows, FROM, longest);
+    widenFor(rows, TO, longest);
     hideRows(rows, hidden);
 }
 

@@ -20,6 +20,9 @@
 class LYS_CORE_EXPORT LyqSpinBox : public QDoubleSpinBox {
     Q_OBJECT
     Q_PROPERTY(double value READ value WRITE setValue NOTIFY valueChanged USER true)
+    Q_PROPERTY(double minimum READ minimum WRITE setMinimum)
+    Q_PROPERTY(double maximum READ maximum WRITE setMaximum)
+    Q_PROPERTY(int decimals READ decimals WRITE setDecimals)
 
 public:
     /** Numbers without unit from 0 to 99.99, 2 decimals. */

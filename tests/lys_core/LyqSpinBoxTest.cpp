@@ -251,3 +251,15 @@ TEST_F(SpinBox, a_wheel_over_a_box_without_focus_changes_nothing) {
     QCoreApplication::sendEvent(&box, &wheel);
     EXPECT_EQ(box.value(), 5.0);
 }
+
+TEST_F(SpinBox, tells_limits_value_and_decimals_as_properties_in_the_internal_unit) {
+    box.setQuantity(Lyr::Length);
+    box.setUnit(Lyr::Inch);
+    box.setRange(-25.4, 254.0);
+    box.setDecimals(5);
+    box.setValue(12.7);
+    EXPECT_EQ(box.property("minimum").toDouble(), -25.4);
+    EXPECT_EQ(box.property("maximum").toDouble(), 254.0);
+    EXPECT_EQ(box.property("value").toDouble(), 12.7);
+    EXPECT_EQ(box.property("decimals").toInt(), 5);
+}

@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPainter>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -269,6 +270,16 @@ TEST_F(Table, a_stretchable_column_takes_the_room_that_is_left) {
     EXPECT_EQ(table.columnWidth(0) + table.columnWidth(1) + table.columnWidth(2), table.viewport()->width());
     table.setColumnStretchable(2, false);
     EXPECT_FALSE(table.isColumnStretchable(2));
+}
+
+TEST_F(Table, asks_for_a_width_that_shows_its_columns) {
+    table.setColumnWidth(0, 300);
+    table.setColumnWidth(1, 200);
+    table.setColumnStretchable(2, true);
+    table.resize(table.sizeHint());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(table.horizontalScrollBar()->isVisible());
+    EXPECT_GE(table.columnWidth(2), table.horizontalHeader()->sectionSizeHint(2));
 }
 
 TEST_F(Table, rows_and_columns_are_labelled) {

@@ -14,6 +14,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <limits>
@@ -410,6 +411,22 @@ TEST_F(TableEditor, a_new_language_sets_the_texts_and_brings_the_rows_up_to_date
     EXPECT_EQ(find<QPushButton>("mCreateSmoothPushButton")->text(), QStringLiteral("Create smooth"));
     EXPECT_EQ(title(), QStringLiteral("Sections [Millimeter]"));
     EXPECT_EQ(editor.syncs, before + 2);
+}
+
+TEST_F(TableEditor, its_columns_have_room_for_every_text) {
+    setPositions(table.get(), {-1234567.0f, -0.000123456f});
+    editor.resize(editor.sizeHint());
+    settle();
+    for (int column = 0; column < 3; ++column) {
+        for (int row = 0; row < 3; ++row) {
+            const int needed = rows.fontMetrics().horizontalAdvance(rows.text(row, column));
+            EXPECT_GT(rows.columnWidth(column), needed + 6) << rows.text(row, column).toStdString();
+        }
+    }
+    EXPECT_GT(rows.columnWidth(TYPE), rows.fontMetrics().horizontalAdvance(QStringLiteral("Reverse Rainbow")) + 16);
+    editor.resize(editor.sizeHint());
+    settle();
+    EXPECT_FALSE(rows.horizontalScrollBar()->isVisible());
 }
 
 TEST_F(TableEditor, ten_thousand_sections_are_shown) {
