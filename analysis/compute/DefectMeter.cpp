@@ -306,40 +306,43 @@ GreyLevels DefectMeter::levelsAround(std::size_t region, std::uint64_t surfaceVo
 }
 
 /** Whether a material voxel at the surface counts for a region, found from the region's voxel `finder`: once, from the
- *  first that has it as a neighbour, and for one region only. */
+ *  first that has it as a neighbour; if the region meets it with enough weight, and no other region with more. Of two
+ * that meet it equally the first one counts. */
 bool DefectMeter::belongsTo(const Spot& spot, std::uint32_t label, std::size_t finder) const {
-    bool first = true;
+    std::array<std::uint32_t, kNeighbours.size()> around{};
+    int mine = 0;
+    bool met = false;
     bool contested = false;
-    Spot near{};
     for (std::size_t i = 0; i < kNeighbours.size(); ++i) {
-        if (!neighbour(spot, i, near)) {
+        around[i] = labelNear(spot, i);
+        if (around[i] != label) {
+            contested = contested || around[i] != 0;
             continue;
         }
-        const std::uint32_t found = labels_[near.index];
-        if (found == label && first) {
-            if (near.index != finder) {
+        if (!met && (spot.free || isInGrid(spot.place + kNeighbours[i]))) {
+            met = true;
+            if (static_cast<std::size_t>(static_cast<std::ptrdiff_t>(spot.index) + offsets_[i]) != finder) {
                 return false;
             }
-            first = false;
         }
-        contested = contested || (found != 0 && found != label);
+        mine += weightOfStep(kNeighbours[i]);
     }
-    return !contested || !isOutdone(spot, label);
-}
-
-/** Whether a voxel meets another region more, or as much and that comes first. */
-bool DefectMeter::isOutdone(const Spot& spot, std::uint32_t label) const {
-    const int mine = weightOf(spot, label);
+    if (mine < kSmallestWeight || !contested) {
+        return mine >= kSmallestWeight;
+    }
     for (std::size_t i = 0; i < kNeighbours.size(); ++i) {
-        const std::uint32_t rival = labelNear(spot, i);
-        if (rival != 0 && rival != label) {
-            const int theirs = weightOf(spot, rival);
-            if (theirs > mine || (theirs == mine && rival < label)) {
-                return true;
-            }
+        if (around[i] == 0 || around[i] == label) {
+            continue;
+        }
+        int theirs = 0;
+        for (std::size_t k = i; k < kNeighbours.size(); ++k) {
+            theirs += around[k] == around[i] ? weightOfStep(kNeighbours[k]) : 0;
+        }
+        if (theirs > mine || (theirs == mine && around[i] < label)) {
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 /** Air of a region in voxels: by grey value in a layer of one voxel to both sides of its surface. */
@@ -355,8 +358,7 @@ double DefectMeter::airVoxels(std::size_t region, const GreyLevels& levels, cons
         const bool whole = weightOf(spot, label) > kFullWeight - kSmallestWeight;
         sum += whole ? 1.0 : levels.airShare(grid_.samples[spot.index]);
         for (std::size_t i = 0; i < kNeighbours.size(); ++i) {
-            if (neighbour(spot, i, near) && grid_.isMaterial(near.index) && belongsTo(near, label, spot.index) &&
-                weightOf(near, label) >= kSmallestWeight) {
+            if (neighbour(spot, i, near) && grid_.isMaterial(near.index) && belongsTo(near, label, spot.index)) {
                 sum += levels.airShare(grid_.samples[near.index]);
             }
         }

@@ -42,7 +42,6 @@ private:
     std::uint32_t labelNear(const Spot& spot, std::size_t direction) const;
     int weightOf(const Spot& spot, std::uint32_t label) const;
     bool belongsTo(const Spot& spot, std::uint32_t label, std::size_t finder) const;
-    bool isOutdone(const Spot& spot, std::uint32_t label) const;
     void addToShape(const Spot& spot, std::uint32_t label, Shape& shape) const;
     void addMaterialNear(const Spot& spot, std::size_t axis, std::int64_t side, std::vector<std::size_t>& found) const;
     GreyLevels levelsAround(std::size_t region, std::uint64_t surfaceVoxels, const AnalysisTask& task) const;

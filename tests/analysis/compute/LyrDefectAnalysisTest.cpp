@@ -1,7 +1,6 @@
 #include <analysis/compute/LyrDefectAnalysis.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 #include <map>
 #include <numbers>
@@ -311,8 +310,7 @@ TEST(LyrDefectAnalysis, shares_a_thin_wall_between_two_hollows_once) {
 }
 
 TEST(LyrDefectAnalysis, gets_through_noise_that_is_full_of_hollows) {
-    const char* wanted = std::getenv("LYS_NOISE_EDGE");
-    const std::int64_t edge = wanted ? std::atoll(wanted) : 64;
+    const std::int64_t edge = testvolumes::edgesOf("LYS_NOISE_EDGE", {64}).at(0);
     const VolumePtr volume = testvolumes::noise(edge);
     LyrDefectAnalysis::Options options;
     options.minimumVoxels = 1;

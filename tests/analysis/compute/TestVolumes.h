@@ -95,9 +95,9 @@ inline VolumePtr noise(std::int64_t edge, std::uint32_t seed = 1) {
     });
 }
 
-/** Edge lengths that casting tests run with; LYS_CASTING_EDGES="256 320" takes the place of the short ones. */
-inline std::vector<std::int64_t> castingEdges(std::vector<std::int64_t> usual) {
-    const char* wanted = std::getenv("LYS_CASTING_EDGES");
+/** Edge lengths that tests run with: numbers in a variable of the environment take the place of the usual ones. */
+inline std::vector<std::int64_t> edgesOf(const char* variable, std::vector<std::int64_t> usual) {
+    const char* wanted = std::getenv(variable);
     if (!wanted) {
         return usual;
     }
@@ -112,6 +112,11 @@ inline std::vector<std::int64_t> castingEdges(std::vector<std::int64_t> usual) {
         at = static_cast<std::size_t>(end - text.data()) + 1;
     }
     return edges;
+}
+
+/** LYS_CASTING_EDGES="256 320" for the long check. */
+inline std::vector<std::int64_t> castingEdges(std::vector<std::int64_t> usual) {
+    return edgesOf("LYS_CASTING_EDGES", std::move(usual));
 }
 
 }  // namespace testvolumes
