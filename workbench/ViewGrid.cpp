@@ -4,12 +4,15 @@
 #include <lys_core/LyqSliceWidget.h>
 #include <workbench/ViewGrid.h>
 
+#include <QApplication>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QSignalBlocker>
+
+#include <algorithm>
 
 namespace workbench {
 
@@ -114,10 +117,15 @@ void ViewGrid::connectView(LyqCameraWidget* view) {
 }
 
 bool ViewGrid::eventFilter(QObject* watched, QEvent* event) {
-    // After the view has had the event: its own handling tells what lies there.
-    if (event->type() == QEvent::MouseButtonRelease && mInside &&
-        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-        Q_EMIT positionPicked(mHovered);
+    // A click, not the end of a drag that turned the scene.
+    if (event->type() == QEvent::MouseButtonPress) {
+        mPressed = static_cast<QMouseEvent*>(event)->pos();
+    } else if (event->type() == QEvent::MouseButtonRelease) {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        const bool isClick = (mouse->pos() - mPressed).manhattanLength() < QApplication::startDragDistance();
+        if (isClick && mInside && mouse->button() == Qt::LeftButton) {
+            Q_EMIT positionPicked(mHovered);
+        }
     }
     return QWidget::eventFilter(watched, event);
 }

@@ -2,6 +2,7 @@
 
 #include <lyr_core/LyrVector3.h>
 
+#include <QPoint>
 #include <QWidget>
 
 #include <array>
@@ -55,6 +56,7 @@ private:
     LyqCameraWidget* mMaximized = nullptr;
     LyrVector3<float> mHovered;
     bool mInside = false;
+    QPoint mPressed;
 };
 
 }  // namespace workbench

@@ -13,12 +13,21 @@
 #include <workbench/LyrGreyLayer.h>
 #include <workbench/ReadoutBar.h>
 
+#include <QApplication>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFile>
 #include <QListWidget>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
+
+#include <algorithm>
+#include <random>
 
 namespace {
 
@@ -49,6 +58,18 @@ void recolorUpperSection(float red) {
     ASSERT_TRUE(points.load(section, Lyrenum("PointListRed", true)));
     points.items()[0].y = red;
     ASSERT_TRUE(points.store(section, Lyrenum("PointListRed", true)));
+}
+
+/** Memory that the process holds at present. */
+long residentKilobytes() {
+    QFile status("/proc/self/status");
+    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:")) {
+            return line.mid(6).trimmed().split(' ').first().toLong();
+        }
+    }
+    return 0;
 }
 
 }  // namespace
@@ -202,4 +223,89 @@ TEST_F(OpenWorkbench, a_picture_that_cannot_be_written_is_a_message) {
     EXPECT_FALSE(workbench::MainWindow::savePicture(picture, folder.filePath("a.strange"), message));
     EXPECT_TRUE(message.contains("strange"));
     EXPECT_FALSE(QFile::exists(folder.filePath("a.strange")));
+}
+
+TEST_F(OpenWorkbench, a_click_in_a_slice_picks_its_place_and_a_drag_does_not) {
+    ASSERT_TRUE(open("builtin:casting@32"));
+    std::vector<LyrVector3<float>> picks;
+    connect(&LyqSession::instance(), &LyqSession::picked, window.get(),
+            [&](const LyrVector3<float>& place) { picks.push_back(place); });
+    LyqSliceWidget* view = window->views().sliceView(2);
+    const QPoint middle(view->width() / 2, view->height() / 2);
+    QTest::mouseMove(view, middle - QPoint(1, 1));
+    QTest::mouseMove(view, middle);
+    QTest::mouseClick(view, Qt::LeftButton, {}, middle);
+    ASSERT_EQ(picks.size(), 1u);
+    // The casting's cube of 64 mm is in the middle of its view; half a pixel is some tenths of a millimetre.
+    EXPECT_NEAR(picks[0].x, 32.0f, 0.5f);
+    EXPECT_NEAR(picks[0].y, 32.0f, 0.5f);
+    QTest::mousePress(view, Qt::LeftButton, {}, middle);
+    QTest::mouseMove(view, middle + QPoint(60, 0));
+    QTest::mouseRelease(view, Qt::LeftButton, {}, middle + QPoint(60, 0));
+    EXPECT_EQ(picks.size(), 1u);
+}
+
+TEST_F(OpenWorkbench, a_file_that_is_dropped_onto_the_window_is_opened) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("two.nrrd"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("NRRD0004\ntype: uchar\ndimension: 3\nsizes: 2 1 1\nencoding: raw\n\n\x01\x02");
+    file.close();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file.fileName())});
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 20000));
+    const auto* opened = dynamic_cast<LyrVolumeObject*>(LyqSession::instance().document());
+    ASSERT_TRUE(opened);
+    EXPECT_EQ(opened->name(), "two.nrrd");
+    EXPECT_EQ(opened->volume()->samples()[1], 2.0f);
+}
+
+TEST_F(OpenWorkbench, much_handling_of_the_window_leaves_its_memory_as_it_was) {
+    ASSERT_TRUE(open("builtin:casting@32"));
+    QList<QDockWidget*> docks = window->findChildren<QDockWidget*>();
+    ASSERT_FALSE(docks.isEmpty());
+    std::mt19937 random(7);
+    const auto handle = [&] {
+        QDockWidget* dock = docks[static_cast<int>(random() % static_cast<unsigned>(docks.size()))];
+        LyqCameraWidget* view = window->views().views()[random() % 4];
+        switch (random() % 6) {
+            case 0:
+                dock->setFloating(!dock->isFloating());
+                break;
+            case 1:
+                dock->setVisible(!dock->isVisible());
+                break;
+            case 2:
+                window->resize(700 + static_cast<int>(random() % 400), 500 + static_cast<int>(random() % 300));
+                break;
+            case 3:
+                window->views().setMaximizedView(window->views().maximizedView() ? nullptr : view);
+                break;
+            case 4:
+                recolorUpperSection(static_cast<float>(random() % 256) / 256.0f);
+                break;
+            default:
+                window->views()
+                    .sliceView(static_cast<int>(random() % 3))
+                    ->setSliceIndex(static_cast<int>(random() % 32));
+        }
+        QTest::qWait(1);
+        window->views().finishFrames();
+    };
+    const auto handleOften = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            handle();
+        }
+        return residentKilobytes();
+    };
+    // What the software renderer holds goes up and down with the sizes of the views; one picture of a view that leaked
+    // with each step would come to 50 MiB and more.
+    const long before = handleOften(150);
+    const long first = handleOften(100);
+    EXPECT_LT(std::min(first, handleOften(100)) - before, 24 * 1024);
 }
