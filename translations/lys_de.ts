@@ -1410,6 +1410,10 @@ Die angegebenen Parameter sind ungültig.</translation>
         <source>Shows volumes in slices and in 3D, colored through tables whose every color is exact.</source>
         <translation>Zeigt Volumen in Schnitten und in 3D, gefärbt über Tabellen, in denen jede Farbe genau ist.</translation>
     </message>
+    <message>
+        <source>Plug-ins could not be loaded</source>
+        <translation>Erweiterungen konnten nicht geladen werden</translation>
+    </message>
 </context>
 <context>
     <name>workbench::ReadoutBar</name>

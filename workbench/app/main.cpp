@@ -45,7 +45,7 @@ void takePictureWhenDone(workbench::MainWindow& window, const QString& file) {
     timer->start(LOOK_AGAIN);
 }
 
-int runWindow(const workbench::Options& options) {
+int runWindow(const workbench::Options& options, const QStringList& problems) {
     const bool isForPicture = !options.screenshot.isEmpty();
     workbench::MainWindow window(!isForPicture);
     QObject::connect(&window, &workbench::MainWindow::volumeFailed, &window,
@@ -64,6 +64,9 @@ int runWindow(const workbench::Options& options) {
                          [&] { takePictureWhenDone(window, options.screenshot); });
     }
     window.show();
+    if (!isForPicture && !problems.isEmpty()) {
+        window.showError(workbench::MainWindow::tr("Plug-ins could not be loaded"), problems.join("\n\n"));
+    }
     window.openVolume(options.volume);
     return QApplication::exec();
 }
@@ -87,10 +90,11 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName("workbench");
     LyqTranslations::install(QLocale());
     workbench::PluginHost plugins(workbench::PluginHost::defaultFolder());
-    for (const QString& problem : plugins.loadAll()) {
+    const QStringList problems = plugins.loadAll();
+    for (const QString& problem : problems) {
         say(problem);
     }
-    status = runWindow(options);
+    status = runWindow(options, problems);
     for (const QString& problem : plugins.unloadAll()) {
         say(problem);
     }
