@@ -21,7 +21,7 @@ constexpr int PROBLEM_ROLE = Qt::UserRole + 2;
 
 /** Size of the list, in characters and lines of its font. */
 constexpr int LIST_CHARACTERS = 44;
-constexpr int LIST_LINES = 18;
+constexpr int LIST_LINES = 22;
 
 QString filterText() {
     return LyqPresetManageDialog::tr("Presets (*.json);;All files (*)");
@@ -108,7 +108,7 @@ void LyqPresetManageDialog::addKind(Lyrenum kind, const QString& title) {
     font.setBold(true);
     group->setFont(0, font);
     const auto add = [&](const LyrString& name, const LyrString& problem) {
-        auto* const item = new QTreeWidgetItem(group, {static_cast<QString>(mHandler->getPresetText(name, kind))});
+        auto* const item = new QTreeWidgetItem(group, {static_cast<QString>(mHandler->getPresetText(name, kind)).simplified()});
         item->setData(0, NAME_ROLE, QByteArray(name.utf8()));
         item->setData(0, KIND_ROLE, int(kind));
         item->setData(0, PROBLEM_ROLE, static_cast<QString>(problem));
