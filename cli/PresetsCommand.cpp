@@ -196,7 +196,8 @@ void addName(CLI::App* part, const Options& options) {
 }
 
 void addReading(CLI::App& presets, const Options& options) {
-    CLI::App* list = addPart(presets, options, "list", "List presets: the user's, installed and built-in ones", listPresets);
+    CLI::App* list =
+        addPart(presets, options, "list", "List presets: the user's, installed and built-in ones", listPresets);
     list->add_option("--kind", options->kind, "Those of one kind only")->type_name("user|installed|built-in");
     list->add_flag("--json", options->json, "As JSON");
 

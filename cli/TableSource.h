@@ -8,8 +8,8 @@
 
 namespace lys::cli {
 
-/** Finds the table that a user names: an existing file (a table's or a preset's) first, then the user's, an installed or
- * a built-in preset by its name. The table is the caller's alone and may be changed. */
+/** Finds the table that a user names: an existing file (a table's or a preset's) first, then the user's, an installed
+ * or a built-in preset by its name. The table is the caller's alone and may be changed. */
 class TableSource {
 public:
     /** Throws Failure (Unusable) when there is no such table or its file cannot be used. */

@@ -5,9 +5,9 @@
 
 #include <memory>
 
-/** What is saved as a preset of a colour lookup table: the table (`ColorLookupTable`, owned), the value range of the data
- * that it was made for (`ReferenceRange`, empty where low > high), and whether its positions are to be applied as they
- * are (`AbsoluteMode`) or are relative to that range. A new one holds a default table. */
+/** What is saved as a preset of a colour lookup table: the table (`ColorLookupTable`, owned), the value range of the
+ * data that it was made for (`ReferenceRange`, empty where low > high), and whether its positions are to be applied as
+ * they are (`AbsoluteMode`) or are relative to that range. A new one holds a default table. */
 class LYS_COLORTABLE_EXPORT LyrPresetColortableProxyObject : public LyrObject {
 public:
     LyrPresetColortableProxyObject();

@@ -10,8 +10,8 @@ class LyqPresetHandler;
 class LyqPresetNotifier;
 
 /** Offers the presets of one preset handler, which it finds in the registry by an identifier: the user's, the installed
- * and the built-in ones, and below them saving and managing. Shows the current preset, with "*" behind a modified one. A
- * preset that is chosen is applied. */
+ * and the built-in ones, and below them saving and managing. Shows the current preset, with "*" behind a modified one.
+ * A preset that is chosen is applied. */
 class LYS_CORE_EXPORT LyqPresetComboBox : public LyqComboBox {
     Q_OBJECT
     /** The handler's identifier as a number, so that a form can set it; -1 for none. */

@@ -74,8 +74,8 @@ void LyqPresetDefaultHandler::setPresetClass(const std::string& className) {
 }
 
 bool LyqPresetDefaultHandler::refuseKind() {
-    setMessage(translated(QT_TRANSLATE_NOOP("LyqPresetHandler",
-                                            "Only presets of one's own can be changed; save under another name.")));
+    setMessage(translated(
+        QT_TRANSLATE_NOOP("LyqPresetHandler", "Only presets of one's own can be changed; save under another name.")));
     return false;
 }
 

@@ -102,14 +102,16 @@ bool LyqPresetHandler::applyPreset(const LyrString& name, Lyrenum kind) {
     const LyrObjectPtr object(getApplicationObject());
     const bool wasModified = mModified;
     if (!object) {
-        mMessage = translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "Nothing is being edited that a preset could be "
-                                                                    "applied to."));
+        mMessage = translated(QT_TRANSLATE_NOOP("LyqPresetHandler",
+                                                "Nothing is being edited that a preset could be "
+                                                "applied to."));
         return false;
     }
     if (!applyInAction(name, kind, *object)) {
         setCurrentPresetModified(wasModified);
         if (mMessage.isNull()) {
-            mMessage = translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "The preset \"%1\" cannot be applied.")).arg(name);
+            mMessage =
+                translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "The preset \"%1\" cannot be applied.")).arg(name);
         }
         return false;
     }
@@ -135,7 +137,8 @@ bool LyqPresetHandler::savePresetAs(const LyrString& name, Lyrenum kind) {
     }
     if (!appToPreset(name, kind)) {
         if (mMessage.isNull()) {
-            mMessage = translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "The preset \"%1\" cannot be saved.")).arg(name);
+            mMessage =
+                translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "The preset \"%1\" cannot be saved.")).arg(name);
         }
         return false;
     }

@@ -108,7 +108,8 @@ void LyqPresetManageDialog::addKind(Lyrenum kind, const QString& title) {
     font.setBold(true);
     group->setFont(0, font);
     const auto add = [&](const LyrString& name, const LyrString& problem) {
-        auto* const item = new QTreeWidgetItem(group, {static_cast<QString>(mHandler->getPresetText(name, kind)).simplified()});
+        auto* const item =
+            new QTreeWidgetItem(group, {static_cast<QString>(mHandler->getPresetText(name, kind)).simplified()});
         item->setData(0, NAME_ROLE, QByteArray(name.utf8()));
         item->setData(0, KIND_ROLE, int(kind));
         item->setData(0, PROBLEM_ROLE, static_cast<QString>(problem));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <lyr_core/Lyrenum.h>
 #include <lyr_core/LyrString.h>
+#include <lyr_core/Lyrenum.h>
 #include <lys_core/LysCoreExport.h>
 
 #include <QDialog>

@@ -9,8 +9,8 @@
 class LyqPresetHandler;
 class LyrObject;
 
-/** Knows the preset handlers of the application by their identifiers, those of their categories, so that an editor finds
- * the one for what it edits. Handlers that it keeps go before the module that their class belongs to. */
+/** Knows the preset handlers of the application by their identifiers, those of their categories, so that an editor
+ * finds the one for what it edits. Handlers that it keeps go before the module that their class belongs to. */
 class LYS_CORE_EXPORT LyqPresetRegistry {
 public:
     /** What an editor sees of a handler: it gets told which object presets are saved from and applied to. Leaves the
@@ -30,10 +30,11 @@ public:
     /** Null if there is none. */
     Receiver* find(Lyrenum id) const;
 
-    /** Adds a handler under its category and keeps it alive. False if it is null or has no category, or if that is taken
-     * by another one. */
+    /** Adds a handler under its category and keeps it alive. False if it is null or has no category, or if that is
+     * taken by another one. */
     bool keep(LyqPresetHandler* handler);
-    /** Makes a handler by the name of its class and keeps it. Null if there is no such class or the category is taken. */
+    /** Makes a handler by the name of its class and keeps it. Null if there is no such class or the category is taken.
+     */
     LyqPresetHandler* create(const char* className, Lyrenum category, const char* name);
     /** Lets go of a handler that is kept. False if there is none. */
     bool release(Lyrenum category);

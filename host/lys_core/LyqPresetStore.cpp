@@ -65,9 +65,10 @@ public:
     bool take(const std::string& folder, LyrString& message) {
         mFolder = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (mFolder < 0) {
-            return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP(
-                                                   "LyqPresetStore", "%1: the folder cannot be opened: %2")),
-                                               folder, errno));
+            return fail(
+                message,
+                systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be opened: %2")),
+                              folder, errno));
         }
         const auto end = std::chrono::steady_clock::now() + LOCK_PATIENCE;
         while (::flock(mFolder, LOCK_EX | LOCK_NB) != 0) {
@@ -76,8 +77,8 @@ public:
                 return true;  // no locks here: each file by itself is replaced safely all the same
             }
             if (error != EWOULDBLOCK && error != EINTR) {
-                return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP(
-                                                       "LyqPresetStore", "%1: the folder cannot be locked: %2")),
+                return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                                                                "%1: the folder cannot be locked: %2")),
                                                    folder, error));
             }
             if (std::chrono::steady_clock::now() > end) {
@@ -141,8 +142,8 @@ std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) cons
 
 bool LyqPresetStore::find(const LyrString& name, Entry& entry) const {
     const std::vector<Entry> entries = list();
-    const auto found =
-        std::lower_bound(entries.begin(), entries.end(), name, [](const Entry& e, const LyrString& n) { return e.name < n; });
+    const auto found = std::lower_bound(entries.begin(), entries.end(), name,
+                                        [](const Entry& e, const LyrString& n) { return e.name < n; });
     if (found == entries.end() || found->name != name) {
         return false;
     }
@@ -214,11 +215,12 @@ std::string LyqPresetStore::targetFor(const LyrString& name, LyrString& message)
     struct stat status {};
     const bool isTaken = ::lstat(path.c_str(), &status) == 0;
     if (isTaken || errno != ENOENT) {
-        message = isTaken ? translated(QT_TRANSLATE_NOOP(
-                                           "LyqPresetStore", "%1: something else lies in the place of this preset; move it away"))
-                                .arg(LyrString(path))
-                          : systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be examined: %2")),
-                                          path, errno);
+        message =
+            isTaken ? translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                                   "%1: something else lies in the place of this preset; move it away"))
+                          .arg(LyrString(path))
+                    : systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be examined: %2")), path,
+                                    errno);
         return {};
     }
     return path;
@@ -253,8 +255,8 @@ bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrStrin
         return true;
     }
     if (contains(to)) {
-        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already."))
-                                 .arg(to));
+        return fail(message,
+                    translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already.")).arg(to));
     }
     if (!find(from, entry)) {
         return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
@@ -272,8 +274,8 @@ bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrStrin
         return fail(message, report.message);
     }
     if (::unlink(entry.path.c_str()) != 0) {
-        message = systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be removed: %2")), entry.path,
-                                errno);
+        message = systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be removed: %2")),
+                                entry.path, errno);
         ::unlink(path.c_str());
         return false;
     }
@@ -322,8 +324,8 @@ bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString
     }
     Entry present;
     if (find(name, present) && (!replace || present.isNewer)) {
-        return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already."))
-                                 .arg(name));
+        return fail(message,
+                    translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already.")).arg(name));
     }
     const std::string target = targetFor(name, message);
     return !target.empty() && LyrFileSaver::replace(target, bytes, &message);

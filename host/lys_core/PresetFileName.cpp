@@ -36,8 +36,8 @@ std::string readablePart(std::string_view name) {
     std::string text;
     for (const char c : name) {
         const auto byte = static_cast<unsigned char>(c);
-        const std::string item = isPlain(c, text.empty()) ? std::string(1, c)
-                                                          : std::string{'%', digits[byte >> 4], digits[byte & 15]};
+        const std::string item =
+            isPlain(c, text.empty()) ? std::string(1, c) : std::string{'%', digits[byte >> 4], digits[byte & 15]};
         if (text.size() + item.size() > MAXIMUM_READABLE) {
             return text + '~';
         }
@@ -57,8 +57,7 @@ std::string decoded(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         unsigned int byte = 0;
         const char* begin = text.data() + i + 1;
-        if (text[i] == '%' && i + 2 < text.size() &&
-            std::from_chars(begin, begin + 2, byte, 16).ptr == begin + 2) {
+        if (text[i] == '%' && i + 2 < text.size() && std::from_chars(begin, begin + 2, byte, 16).ptr == begin + 2) {
             name += static_cast<char>(byte);
             i += 2;
         } else {
@@ -78,8 +77,7 @@ LyrString checkName(const LyrString& name) {
         return translated(QT_TRANSLATE_NOOP("LyqPresetStore", "The name of a preset cannot hold the character 0."));
     }
     if (name.size() > MAXIMUM_NAME) {
-        return translated(
-                   QT_TRANSLATE_NOOP("LyqPresetStore", "The name of a preset cannot be longer than %1 bytes."))
+        return translated(QT_TRANSLATE_NOOP("LyqPresetStore", "The name of a preset cannot be longer than %1 bytes."))
             .arg(MAXIMUM_NAME);
     }
     if (!isUtf8(name.view())) {

@@ -87,8 +87,8 @@ PresetHeader PresetHeader::parse(const std::string& path, const std::string& byt
     const QJsonObject root =
         QJsonDocument::fromJson(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())), &error).object();
     if (error.error != QJsonParseError::NoError || root.value(QLatin1String("format")).toString() != "lyr-object") {
-        header.problem = translated(QT_TRANSLATE_NOOP(
-            "LyqPresetStore", "%1: this is no whole preset; the file may be cut off or damaged"));
+        header.problem = translated(
+            QT_TRANSLATE_NOOP("LyqPresetStore", "%1: this is no whole preset; the file may be cut off or damaged"));
         header.problem = header.problem.arg(LyrString(path));
         return header;
     }

@@ -22,8 +22,8 @@ struct PresetHeader {
     bool isOf(const std::string& className) const;
 };
 
-/** Reads a whole ordinary file of at most as many bytes as an object file may have; links are not followed. False, and a
- * reason. */
+/** Reads a whole ordinary file of at most as many bytes as an object file may have; links are not followed. False, and
+ * a reason. */
 bool lysReadPresetFile(const std::string& path, std::string& bytes, LyrString& reason);
 
 /** The headers of a folder's files, read again only where a file has changed. */

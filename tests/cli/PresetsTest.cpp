@@ -54,7 +54,8 @@ TEST_F(Presets, the_list_has_installed_and_built_in_presets_and_then_ones_own_fi
 TEST_F(Presets, a_saved_table_is_found_by_name_everywhere_and_comes_back_to_the_bit) {
     const std::string file = table("-2", "6");
     ASSERT_EQ(run({"presets", "save", "a/b", "--table", file}).status, 0);
-    EXPECT_EQ(run({"map", "--table", "a/b", "--at", "-3,0.1,5"}).out, run({"map", "--table", file, "--at", "-3,0.1,5"}).out);
+    EXPECT_EQ(run({"map", "--table", "a/b", "--at", "-3,0.1,5"}).out,
+              run({"map", "--table", file, "--at", "-3,0.1,5"}).out);
     const std::string back = data / "back.json";
     ASSERT_EQ(run({"presets", "apply", "a/b", "-o", back}).status, 0);
     EXPECT_EQ(readBytes(back), readBytes(file));
@@ -74,12 +75,13 @@ TEST_F(Presets, ones_own_preset_comes_before_a_built_in_one_of_its_name) {
 
 TEST_F(Presets, show_tells_mode_range_and_table) {
     ASSERT_EQ(run({"presets", "save", "mine", "--absolute", "--table", table("-2", "6")}).status, 0);
-    EXPECT_THAT(run({"presets", "show", "mine"}).out,
-                AllOf(HasSubstr("preset mine (user)\nabsolute, reference range none\n"), HasSubstr("positions (2): -2 6")));
+    EXPECT_THAT(
+        run({"presets", "show", "mine"}).out,
+        AllOf(HasSubstr("preset mine (user)\nabsolute, reference range none\n"), HasSubstr("positions (2): -2 6")));
     EXPECT_THAT(run({"presets", "show", "Uniform Heat"}).out, HasSubstr("relative, reference range 0 to 1\n"));
     EXPECT_THAT(run({"presets", "show", "Rainbow", "--json"}).out,
-                AllOf(HasSubstr("\"absolute\": false"), HasSubstr("\"referenceRange\": []"), HasSubstr("\"from\": \"built-in\""),
-                      HasSubstr("\"positions\": [-1, 1]")));
+                AllOf(HasSubstr("\"absolute\": false"), HasSubstr("\"referenceRange\": []"),
+                      HasSubstr("\"from\": \"built-in\""), HasSubstr("\"positions\": [-1, 1]")));
 }
 
 TEST_F(Presets, a_preset_is_replaced_only_on_request) {
@@ -121,12 +123,17 @@ TEST_F(Presets, presets_that_come_with_the_program_stay) {
 }
 
 TEST_F(Presets, names_that_are_not_there_or_not_possible_are_unusable) {
-    for (const std::vector<std::string>& arguments :
-         {std::vector<std::string>{"presets", "show", "none"}, {"presets", "apply", "none", "-o", "-"},
-          {"presets", "delete", "none"}, {"presets", "rename", "none", "x"}, {"presets", "export", "none", "-o", "-"},
-          {"presets", "save", "", "--table", "Rainbow"}, {"presets", "save", "\xff", "--table", "Rainbow"},
-          {"presets", "save", "x", "--table", "none"}, {"presets", "import", "/nonexistent"}, {"presets"},
-          {"map", "--table", std::string(300, 'x'), "--at", "0"}}) {
+    for (const std::vector<std::string>& arguments : {std::vector<std::string>{"presets", "show", "none"},
+                                                      {"presets", "apply", "none", "-o", "-"},
+                                                      {"presets", "delete", "none"},
+                                                      {"presets", "rename", "none", "x"},
+                                                      {"presets", "export", "none", "-o", "-"},
+                                                      {"presets", "save", "", "--table", "Rainbow"},
+                                                      {"presets", "save", "\xff", "--table", "Rainbow"},
+                                                      {"presets", "save", "x", "--table", "none"},
+                                                      {"presets", "import", "/nonexistent"},
+                                                      {"presets"},
+                                                      {"map", "--table", std::string(300, 'x'), "--at", "0"}}) {
         const ProgramRun refused = run(arguments);
         EXPECT_EQ(refused.status, 2) << arguments.back() << refused.error;
         EXPECT_EQ(refused.out, "");

@@ -178,8 +178,8 @@ TEST_F(PresetDialogs, the_manager_exports_and_imports_and_names_the_files_that_i
     ASSERT_TRUE(dialog.exportSelected(QString::fromStdString(other.file("copy.json"))));
     ASSERT_TRUE(dialog.removeSelected());
     other.write("bad.json", "{}");
-    EXPECT_FALSE(dialog.importFiles({QString::fromStdString(other.file("bad.json")),
-                                     QString::fromStdString(other.file("copy.json"))}));
+    EXPECT_FALSE(dialog.importFiles(
+        {QString::fromStdString(other.file("bad.json")), QString::fromStdString(other.file("copy.json"))}));
     EXPECT_THAT(dialog.message().toStdString(), HasSubstr("bad.json"));
     EXPECT_TRUE(dialog.select("a", Lyr::UserPreset));
     answer(QStringLiteral("Replace"));

@@ -74,8 +74,8 @@ TEST_F(BadPresetFiles, a_preset_without_a_table_is_a_failed_copy_that_is_reporte
     const auto end = text.find("\n    \"NameTemplate\"", begin) + 1;
     std::string without = text;
     without.erase(begin, end - begin);
-    for (const std::string& content : {without, replaced(text.substr(begin, end - begin),
-                                                         "    \"ColorLookupTable\": null,\n")}) {
+    for (const std::string& content :
+         {without, replaced(text.substr(begin, end - begin), "    \"ColorLookupTable\": null,\n")}) {
         folder.write(file, content);
         handler->setAbsolutePreset(true);
         EXPECT_FALSE(handler->presetToApp("mine", Lyr::UserPreset));

@@ -148,8 +148,8 @@ TEST_F(LyqPresetColortableHandlerTest, a_handler_with_the_two_hooks_stretches_re
     EXPECT_THAT(model::listOf<float>(*table, Lyr::PositionList), ElementsAre(10, 14));
     ASSERT_TRUE(stretching.applyPreset("absolute", Lyr::UserPreset));
     EXPECT_THAT(model::listOf<float>(*table, Lyr::PositionList), ElementsAre(-1, 1));
-    EXPECT_THAT(stretching.adjusted, ElementsAre(std::make_pair(false, Interval(-1, 1)),
-                                                 std::make_pair(true, Interval(-1, 1))));
+    EXPECT_THAT(stretching.adjusted,
+                ElementsAre(std::make_pair(false, Interval(-1, 1)), std::make_pair(true, Interval(-1, 1))));
     // The hook's writes belong to the step.
     ASSERT_TRUE(LyqApplication::instance().undo());
     EXPECT_THAT(model::listOf<float>(*table, Lyr::PositionList), ElementsAre(10, 14));

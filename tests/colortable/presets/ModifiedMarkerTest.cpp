@@ -36,7 +36,9 @@ TEST_F(ModifiedMarker, each_flagged_property_marks_and_no_other_does) {
         {"AutoLabel", [&] { return lyrSetValue(table.get(), Lyr::AutoLabel, Lyrenum(0)); }},
         {"AutoScale", [&] { return lyrSetValue(table.get(), Lyr::AutoScale, Lyrenum(0)); }},
         {"CreationParameters",
-         [&] { return lyrSetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{1, 2, 3}); }},
+         [&] {
+             return lyrSetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{1, 2, 3});
+         }},
         {"CreationType", [&] { return lyrSetValue(table.get(), Lyr::CreationType, Lyrenum(Lyr::HueCycle)); }},
         {"MaximumRange", [&] { return lyrSetValue(table.get(), Lyr::MaximumRange, LyrValuePair<float>(0, 1)); }},
     };
