@@ -119,29 +119,35 @@ TEST(LyrDefectAnalysis, finds_every_pore_of_the_casting_and_measures_it_within_t
     }
 }
 
+// Noise on the surface voxels alone gives a pore of 4 voxels across a standard deviation of more than 1 %: a single one
+// may stray beyond 2 %, whatever measures it.
 TEST(LyrDefectAnalysis, finds_every_pore_of_the_casting_under_noise_of_five_percent) {
     for (const std::int64_t edge : testvolumes::castingEdges({64, 96, 128})) {
-        expectPores(analyse(testvolumes::casting(edge, 5.0)), edge, 2.0);
+        expectPores(analyse(testvolumes::casting(edge, 5.0)), edge, 4.0);
     }
 }
 
-// Noise of 5 % on the surface voxels alone gives a pore of 4 voxels across a standard deviation of about 1.4 %; over
-// many castings the mean is right and no volume strays far.
-TEST(LyrDefectAnalysis, is_right_on_average_over_many_noises) {
+TEST(LyrDefectAnalysis, measures_pores_within_two_percent_on_the_whole_over_many_noises) {
     constexpr int kSeeds = 12;
     const LyrCasting::Truth truth = LyrCasting::truth(128);
     std::vector<double> sums(truth.pores.size());
+    std::vector<double> squares(truth.pores.size());
     for (int seed = 1; seed <= kSeeds; ++seed) {
         const LyrDefectResult result = analyse(testvolumes::casting(128, 5.0, static_cast<std::uint64_t>(seed)));
-        expectPores(result, 128, 5.0);
+        expectPores(result, 128, 4.0);
         for (std::size_t i = 0; i < truth.pores.size(); ++i) {
+            double volume = 0.0;
             for (const LyrDefect& defect : result.defects) {
-                sums[i] += distance(defect.center, truth.pores[i].center) < 0.5 ? defect.volume : 0.0;
+                volume += distance(defect.center, truth.pores[i].center) < 0.5 ? defect.volume : 0.0;
             }
+            const double error = volume / truth.pores[i].volume - 1.0;
+            sums[i] += error;
+            squares[i] += error * error;
         }
     }
     for (std::size_t i = 0; i < truth.pores.size(); ++i) {
-        EXPECT_NEAR(sums[i] / kSeeds / truth.pores[i].volume, 1.0, 0.015) << "pore " << i;
+        EXPECT_NEAR(sums[i] / kSeeds, 0.0, 0.01) << "pore " << i;
+        EXPECT_LT(std::sqrt(squares[i] / kSeeds), 0.02) << "pore " << i;
     }
 }
 
