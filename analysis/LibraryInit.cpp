@@ -1,5 +1,6 @@
 #include <analysis/AnalysisIdentifiers.h>
 #include <analysis/AnnotationHandlerHook_p.h>
+#include <analysis/EditorDocks_p.h>
 #include <analysis/LibraryInit.h>
 #include <analysis/LyrAnalysisRenderPlugin.h>
 #include <analysis/LyrColoredLayer.h>
@@ -93,6 +94,8 @@ void LibraryInit::install() {
     LYQCOLORTABLE::LibraryInit::init();
     sHandlerHook = std::make_unique<AnnotationHandlerHook>();
     LyqExtensionRegistry::instance().add(std::make_unique<ValueLayerExtension>());
+    LyqExtensionRegistry::instance().add(std::make_unique<ColorsDock>());
+    LyqExtensionRegistry::instance().add(std::make_unique<LegendDock>());
 }
 
 void LibraryInit::remove() {

@@ -9,6 +9,7 @@
 #include <lyr_volume/LyrVolumeObject.h>
 #include <lys_core/LyqUnitConverter.h>
 
+#include <QCoreApplication>
 #include <QObject>
 
 #include <algorithm>
@@ -102,6 +103,17 @@ const LyrMetaClass& LyrColoredLayer::getMetaClass() const {
 
 bool LyrColoredLayer::isComplete() const {
     return d->surface->isFinished();
+}
+
+std::vector<LyqLayer::Content> LyrColoredLayer::contents() const {
+    std::vector<Content> all;
+    if (LyrObject* colors = table()) {
+        all.push_back({colors, QCoreApplication::translate("LyrColoredLayer", "Color Table"), "colors.json"});
+    }
+    if (LyrObject* legend = renderSettings()) {
+        all.push_back({legend, QCoreApplication::translate("LyrColoredLayer", "Legend Settings"), "legend.json"});
+    }
+    return all;
 }
 
 const std::shared_ptr<const LyrVolume>& LyrColoredLayer::values() const {

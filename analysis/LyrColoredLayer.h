@@ -25,6 +25,8 @@ public:
 
     bool isColored() const override { return true; }
     bool isComplete() const override;
+    /** The table and the settings of its legend, as far as they are there. */
+    std::vector<Content> contents() const override;
     /** The value under a place with the unit of its quantity, and its colour. */
     bool readout(const LyrVector3<float>& position, Readout& out) const override;
 

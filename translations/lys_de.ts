@@ -2,6 +2,20 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>ColorsDock</name>
+    <message>
+        <source>Colors</source>
+        <translation>Farben</translation>
+    </message>
+</context>
+<context>
+    <name>LegendDock</name>
+    <message>
+        <source>Legend</source>
+        <translation>Legende</translation>
+    </message>
+</context>
+<context>
     <name>LyqBackgroundJob</name>
     <message>
         <source>There is not enough memory. Close other programs or take a part of the data.</source>
@@ -905,6 +919,17 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyrColoredLayer</name>
+    <message>
+        <source>Color Table</source>
+        <translation>Farbtabelle</translation>
+    </message>
+    <message>
+        <source>Legend Settings</source>
+        <translation>Legendeneinstellungen</translation>
+    </message>
+</context>
+<context>
     <name>LyrGreyLayer</name>
     <message>
         <source>Gray values</source>
@@ -1106,6 +1131,75 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>workbench::ContentFiles</name>
+    <message>
+        <source>&amp;Save Changes</source>
+        <translation>Änderungen &amp;speichern</translation>
+    </message>
+    <message>
+        <source>Open %1…</source>
+        <translation>%1 öffnen…</translation>
+    </message>
+    <message>
+        <source>Save %1…</source>
+        <translation>%1 speichern…</translation>
+    </message>
+    <message>
+        <source>Open %1</source>
+        <translation>%1 öffnen</translation>
+    </message>
+    <message>
+        <source>Object files</source>
+        <translation>Objektdateien</translation>
+    </message>
+    <message>
+        <source>Save %1 of &quot;%2&quot;</source>
+        <translation>%1 von „%2“ speichern</translation>
+    </message>
+    <message>
+        <source>%1 of &quot;%2&quot;</source>
+        <translation>%1 von „%2“</translation>
+    </message>
+    <message>
+        <source>Unsaved Changes</source>
+        <translation>Ungespeicherte Änderungen</translation>
+    </message>
+    <message>
+        <source>There are changes that have not been saved:
+
+%1</source>
+        <translation>Es gibt Änderungen, die nicht gespeichert sind:
+
+%1</translation>
+    </message>
+    <message>
+        <source>&amp;Save</source>
+        <translation>&amp;Speichern</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Verwerfen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>workbench::HistoryModel</name>
+    <message>
+        <source>Beginning</source>
+        <translation>Anfang</translation>
+    </message>
+</context>
+<context>
+    <name>workbench::HistoryPanel</name>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
+</context>
+<context>
     <name>workbench::LayersPanel</name>
     <message>
         <source>&amp;Opacity</source>
@@ -1157,10 +1251,6 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Workbench</source>
         <translation>Werkbank</translation>
-    </message>
-    <message>
-        <source>%1 — %2</source>
-        <translation>%1 — %2</translation>
     </message>
     <message>
         <source>There is nothing to make a picture of.</source>
@@ -1414,6 +1504,26 @@ Die angegebenen Parameter sind ungültig.</translation>
         <source>Plug-ins could not be loaded</source>
         <translation>Erweiterungen konnten nicht geladen werden</translation>
     </message>
+    <message>
+        <source>%1[*] — %2</source>
+        <translation>%1[*] — %2</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Rückgängig</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Tools</source>
+        <translation>Werkzeuge</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
 </context>
 <context>
     <name>workbench::ReadoutBar</name>
@@ -1424,6 +1534,21 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>%1: %2</source>
         <translation>%1: %2</translation>
+    </message>
+</context>
+<context>
+    <name>workbench::UnitsMenu</name>
+    <message>
+        <source>&amp;Units</source>
+        <translation>&amp;Einheiten</translation>
+    </message>
+    <message>
+        <source>&amp;Metric</source>
+        <translation>&amp;Metrisch</translation>
+    </message>
+    <message>
+        <source>&amp;Inches</source>
+        <translation>&amp;Zoll</translation>
     </message>
 </context>
 <context>

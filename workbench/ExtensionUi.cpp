@@ -65,13 +65,33 @@ void ExtensionUi::addDock(LyqExtension* extension) {
     if (QWidget* content = offer->createWidget(dock)) {
         dock->setWidget(content);
     }
-    mWindow.addDockWidget(offer->area(), dock);
+    placeDock(dock, offer->area());
     dock->setVisible(offer->isOpenAtFirst());
     mWindow.restoreDockWidget(dock);
     if (mPlaces.docks) {
         mPlaces.docks->addAction(dock->toggleViewAction());
     }
     mDocks.insert(extension, dock);
+}
+
+/** Docks of one area share a place, one tab each, the first one on top. */
+void ExtensionUi::placeDock(QDockWidget* dock, Qt::DockWidgetArea area) {
+    QDockWidget* first = firstDock(area);
+    mWindow.addDockWidget(area, dock);
+    if (first) {
+        mWindow.tabifyDockWidget(first, dock);
+        first->raise();
+    }
+}
+
+QDockWidget* ExtensionUi::firstDock(Qt::DockWidgetArea area) const {
+    for (LyqExtension* extension : LyqExtensionRegistry::instance().extensions()) {
+        QDockWidget* dock = mDocks.value(extension);
+        if (dock && mWindow.dockWidgetArea(dock) == area) {
+            return dock;
+        }
+    }
+    return nullptr;
 }
 
 void ExtensionUi::addAction(LyqExtension* extension) {

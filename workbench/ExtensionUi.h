@@ -36,6 +36,9 @@ public:
     /** Switches what has to be: after another document was opened, an analysis began. */
     void updateActions();
 
+    /** The first dock of a plug-in that stands in an area, null if there is none. */
+    QDockWidget* firstDock(Qt::DockWidgetArea area) const;
+
 Q_SIGNALS:
     void failed(const QString& message);
 
@@ -43,6 +46,7 @@ private:
     void add(LyqExtension* extension);
     void remove(LyqExtension* extension);
     void addDock(LyqExtension* extension);
+    void placeDock(QDockWidget* dock, Qt::DockWidgetArea area);
     void addAction(LyqExtension* extension);
     void addAnalysis(LyqExtension* extension);
     void updateMenus();

@@ -9,6 +9,7 @@
 #include <lys_core/LyqSession.h>
 #include <lys_core/LyrWorkspace.h>
 #include <workbench/AnalysisRunner.h>
+#include <workbench/ContentFiles.h>
 #include <workbench/ExtensionUi.h>
 #include <workbench/LayersPanel.h>
 #include <workbench/LyrGreyLayer.h>
@@ -62,13 +63,16 @@ MainWindow::MainWindow(bool remembers)
     setCentralWidget(mViews);
     buildStatusBar();
     buildMenus();
+    buildToolBar();
     buildPanels();
     ExtensionUi::Places places;
     places.menus = {{LyqActionExtension::Menu::File, mFileMenu},         {LyqActionExtension::Menu::Edit, mEditMenu},
                     {LyqActionExtension::Menu::View, mViewMenu},         {LyqActionExtension::Menu::Help, mHelpMenu},
                     {LyqActionExtension::Menu::Analysis, mAnalysisMenu}, {LyqActionExtension::Menu::Tools, mToolsMenu}};
     places.docks = mPanelMenu;
+    places.toolBar = mToolBar;
     mExtensions = std::make_unique<ExtensionUi>(*this, places, *mAnalyses);
+    buildHistory();
     connectSession();
     restorePlaces();
     updateTitle();
@@ -78,6 +82,8 @@ MainWindow::~MainWindow() {
     mLoader->cancel();
     mAnalyses->cancel();
     LyqSession::instance().disconnect(this);
+    LyqApplication::instance().undoStack().disconnect(this);
+    LyqApplication::instance().undoStack().clear();
     LyqSession::instance().setDocument(nullptr);
     mExtensions.reset();
 }
@@ -138,6 +144,7 @@ void MainWindow::connectSession() {
             showError(mAnalyses->title(), message);
         }
     });
+    connect(mContents, &ContentFiles::failed, this, &MainWindow::showError);
     connect(mExtensions.get(), &ExtensionUi::failed, this,
             [this](const QString& message) { showError(tr("This cannot be done"), message); });
 }
@@ -160,6 +167,9 @@ bool MainWindow::isBusy() const {
 void MainWindow::volumeLoaded(const QString& path, const std::shared_ptr<const LyrVolume>& volume,
                               const QStringList& warnings) {
     hideProgress();
+    if (!mContents->mayClose()) {
+        return;
+    }
     closeVolume();
     showVolume(path, volume);
     remember(path);
@@ -205,7 +215,7 @@ void MainWindow::closeVolume() {
 void MainWindow::updateTitle() {
     const auto* opened = dynamic_cast<LyrVolumeObject*>(LyqSession::instance().document());
     const QString name = tr("Workbench");
-    setWindowTitle(opened ? tr("%1 — %2").arg(QString::fromStdString(opened->name()), name) : name);
+    setWindowTitle(opened ? tr("%1[*] — %2").arg(QString::fromStdString(opened->name()), name) : name);
     mCloseAction->setEnabled(opened != nullptr);
 }
 
@@ -280,6 +290,7 @@ bool MainWindow::savePicture(const QImage& picture, const QString& file, QString
 
 void MainWindow::restorePlaces() {
     resize(1280, 860);
+    arrangePanels();
     if (mRemembers) {
         LyqPreferenceManager& preferences = LyqPreferenceManager::instance();
         restoreGeometry(preferences.value(GEOMETRY_KEY).toByteArray());
@@ -289,6 +300,10 @@ void MainWindow::restorePlaces() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!mContents->mayClose()) {
+        event->ignore();
+        return;
+    }
     if (mRemembers) {
         LyqPreferenceManager& preferences = LyqPreferenceManager::instance();
         preferences.setValue(GEOMETRY_KEY, saveGeometry());

@@ -10,11 +10,13 @@ class QAction;
 class QLabel;
 class QMenu;
 class QProgressBar;
+class QToolBar;
 class QToolButton;
 
 namespace workbench {
 
 class AnalysisRunner;
+class ContentFiles;
 class ExtensionUi;
 class ReadoutBar;
 class ViewGrid;
@@ -31,6 +33,7 @@ public:
 
     /** Begins to read a volume; it takes the place of the one that is open when it is there. */
     void openVolume(const QString& path);
+    /** Without a question; for that see ContentFiles::mayClose(). */
     void closeVolume();
     bool isLoading() const;
     /** True while layers, or the volume, are still being worked out. */
@@ -39,6 +42,7 @@ public:
     ViewGrid& views() const { return *mViews; }
     ReadoutBar& readout() const { return *mReadout; }
     AnalysisRunner& analyses() const { return *mAnalyses; }
+    ContentFiles& contents() const { return *mContents; }
 
     /** The window as it is now, every view up to date. */
     QImage picture();
@@ -62,6 +66,9 @@ private:
     void buildMenus();
     void buildFileMenu();
     void buildEditMenu();
+    void buildToolBar();
+    void buildHistory();
+    void arrangePanels();
     void buildViewMenu();
     void buildHelpMenu();
     void connectSession();
@@ -93,7 +100,12 @@ private:
     QMenu* mToolsMenu = nullptr;
     QMenu* mHelpMenu = nullptr;
     QMenu* mRecentMenu = nullptr;
+    QAction* mOpenAction = nullptr;
     QAction* mCloseAction = nullptr;
+    QAction* mUndoAction = nullptr;
+    QAction* mRedoAction = nullptr;
+    QToolBar* mToolBar = nullptr;
+    ContentFiles* mContents = nullptr;
     QLabel* mProgressText = nullptr;
     QProgressBar* mProgress = nullptr;
     QToolButton* mCancel = nullptr;

@@ -1,8 +1,9 @@
-#include <lys_core/LyqApplication.h>
 #include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqPreferenceManager.h>
+#include <workbench/ContentFiles.h>
 #include <workbench/MainWindow.h>
 #include <workbench/Theme.h>
+#include <workbench/UnitsMenu.h>
 #include <workbench/ViewGrid.h>
 
 #include <QDir>
@@ -12,7 +13,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QUndoStack>
 
 // What the menus hold and what their entries ask for.
 
@@ -39,15 +39,19 @@ void MainWindow::buildMenus() {
 }
 
 void MainWindow::buildFileMenu() {
-    QAction* open = mFileMenu->addAction(tr("&Open Volume…"), this, &MainWindow::chooseFile);
-    open->setShortcut(QKeySequence::Open);
+    mOpenAction = mFileMenu->addAction(tr("&Open Volume…"), this, &MainWindow::chooseFile);
+    mOpenAction->setShortcut(QKeySequence::Open);
     QAction* folder = mFileMenu->addAction(tr("Open &Folder of Slices…"), this, &MainWindow::chooseFolder);
     folder->setShortcut(QKeySequence("Ctrl+Shift+O"));
     mRecentMenu = mFileMenu->addMenu(tr("Open &Recent"));
     mFileMenu->addAction(tr("Open &Built-in Casting"), this, [this] { openVolume("builtin:casting"); });
-    mCloseAction = mFileMenu->addAction(tr("&Close Volume"), this, &MainWindow::closeVolume);
+    mCloseAction = mFileMenu->addAction(tr("&Close Volume"), this, [this] {
+        if (mContents->mayClose()) {
+            closeVolume();
+        }
+    });
     mCloseAction->setShortcut(QKeySequence::Close);
-    mFileMenu->addSeparator();
+    mContents = new ContentFiles(*this, *mFileMenu);
     QAction* window =
         mFileMenu->addAction(tr("Save Picture of &Window…"), this, [this] { savePictureAs(picture(), "window.png"); });
     window->setShortcut(QKeySequence("Ctrl+P"));
@@ -60,27 +64,6 @@ void MainWindow::buildFileMenu() {
     mFileMenu->addSeparator();
     QAction* quit = mFileMenu->addAction(tr("&Quit"), this, &QWidget::close);
     quit->setShortcut(QKeySequence("Ctrl+Q"));
-}
-
-void MainWindow::buildEditMenu() {
-    LyqApplication& application = LyqApplication::instance();
-    QUndoStack& history = application.undoStack();
-    const auto add = [&](const QString& text, const QKeySequence& key, bool (LyqApplication::*act)()) {
-        QAction* action = mEditMenu->addAction(text);
-        action->setShortcut(key);
-        connect(action, &QAction::triggered, this, [&application, act] { (application.*act)(); });
-        return action;
-    };
-    QAction* undo = add(tr("&Undo"), QKeySequence::Undo, &LyqApplication::undo);
-    QAction* redo = add(tr("&Redo"), QKeySequence::Redo, &LyqApplication::redo);
-    const auto refresh = [undo, redo, &history] {
-        undo->setEnabled(history.canUndo());
-        redo->setEnabled(history.canRedo());
-        undo->setText(history.canUndo() ? tr("&Undo %1").arg(history.undoText()) : tr("&Undo"));
-        redo->setText(history.canRedo() ? tr("&Redo %1").arg(history.redoText()) : tr("&Redo"));
-    };
-    connect(&history, &QUndoStack::indexChanged, this, refresh);
-    refresh();
 }
 
 void MainWindow::buildViewMenu() {
@@ -97,6 +80,7 @@ void MainWindow::buildViewMenu() {
     QAction* all = maximize->addAction(tr("&All Views"), this, [this] { mViews->setMaximizedView(nullptr); });
     all->setShortcut(QKeySequence("Ctrl+5"));
     mPanelMenu = mViewMenu->addMenu(tr("&Panels"));
+    mViewMenu->addMenu(new UnitsMenu(mRemembers, this));
     QAction* dark = mViewMenu->addAction(tr("&Dark Theme"));
     dark->setCheckable(true);
     dark->setChecked(!mRemembers || LyqPreferenceManager::instance().value(DARK_KEY, true).toBool());

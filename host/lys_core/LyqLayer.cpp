@@ -46,6 +46,10 @@ bool LyqLayer::isColored() const {
     return false;
 }
 
+std::vector<LyqLayer::Content> LyqLayer::contents() const {
+    return {};
+}
+
 bool LyqLayer::isComplete() const {
     return true;
 }

@@ -9,6 +9,8 @@
 
 #include <QString>
 
+#include <vector>
+
 /** What views draw one over the other: a volume in grey, its values in colour, a result. An object of the host's graph
  * that cameras list among their rendered objects.
  *
@@ -24,6 +26,13 @@ public:
         bool hasColor = false;
     };
 
+    /** An object of a layer that users edit, and keep in a file of its own. */
+    struct Content {
+        LyrObject* object;  ///< not null
+        QString title;      ///< for menus and messages, translated: "Color Table"
+        QString fileName;   ///< proposed for a file, with its ending: "colors.json"
+    };
+
     ~LyqLayer() override;
 
     static const LyrMetaClass& metaClass();
@@ -35,6 +44,10 @@ public:
     virtual bool readout(const LyrVector3<float>& position, Readout& out) const;
     /** Whether the layer is coloured through a table, and has a legend and editors that act on it. */
     virtual bool isColored() const;
+
+    /** What of the layer users edit and keep: a change of a property of these objects, or of one that they own, marks
+     * the document as modified where the property carries LyrFlags::PRESET. The layer owns them. */
+    virtual std::vector<Content> contents() const;
 
     /** False while something that the layer shows is still being worked out. */
     virtual bool isComplete() const;

@@ -88,7 +88,10 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setOrganizationName("lys_colortable");
     QApplication::setApplicationName("workbench");
-    LyqTranslations::install(QLocale());
+    // Mnemonics are brought by the translations, the English one included.
+    if (!LyqTranslations::install(QLocale())) {
+        LyqTranslations::install(QLocale::English);
+    }
     workbench::PluginHost plugins(workbench::PluginHost::defaultFolder());
     const QStringList problems = plugins.loadAll();
     for (const QString& problem : problems) {

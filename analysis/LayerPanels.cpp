@@ -1,0 +1,99 @@
+#include <analysis/LayerPanels_p.h>
+#include <analysis/LyrColoredLayer.h>
+#include <colortable/ColortableIdentifiers.h>
+#include <colortable/editor/LyqColorLookupTableEditor.h>
+#include <colortable/editor/LyqColorLookupTableOptionsWidget.h>
+#include <colortable/model/LyrColorLookupTable.h>
+#include <lyr_core/LyrObjectPath.h>
+#include <lys_core/LyqObjectEditorHandler.h>
+#include <lys_core/LyqSession.h>
+
+#include <QEvent>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <limits>
+
+LayerPanel::LayerPanel(QWidget* parent) : QScrollArea(parent), mLayer(this) {
+    setFrameShape(NoFrame);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    connect(&LyqSession::instance(), &LyqSession::activeLayerChanged, this, &LayerPanel::follow);
+}
+
+void LayerPanel::setContent(QWidget* content) {
+    setWidget(content);
+}
+
+/** As wide as the content is, with room for the bar that scrolls it. */
+QSize LayerPanel::sizeHint() const {
+    const QSize content = widget() ? widget()->sizeHint() : QSize();
+    return {content.width() + verticalScrollBar()->sizeHint().width(), content.height()};
+}
+
+void LayerPanel::follow() {
+    const auto* layer = dynamic_cast<LyrColoredLayer*>(LyqSession::instance().activeLayer());
+    mLayer = const_cast<LyrColoredLayer*>(layer);
+    if (widget()) {
+        widget()->setEnabled(layer != nullptr);
+    }
+    showLayer(layer);
+}
+
+bool LayerPanel::iocCallback(Message& message) {
+    const Lyrenum property = message.getPropertyID();
+    if (message.getInitialSender() == mLayer.get() &&
+        (property == Lyr::ColorLookupTable || property == Lyr::ColorLookupTableRenderSettings)) {
+        follow();
+    }
+    return LyrIOC::iocCallback(message);
+}
+
+ColorsPanel::ColorsPanel(QWidget* parent) : LayerPanel(parent) {
+    auto* content = new QWidget;
+    mEditor = new LyqColorLookupTableEditor(content, "layerTableEditor");
+    mOptions = new LyqColorLookupTableOptionsWidget(content, "layerTableOptions");
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(mEditor, 1);
+    layout->addWidget(mOptions);
+    setContent(content);
+    follow();
+}
+
+void ColorsPanel::showLayer(const LyrColoredLayer* layer) {
+    LyrColorLookupTable* table = layer ? layer->table() : nullptr;
+    mEditor->setLogicObject(table);
+    mOptions->setTable(table);
+    if (layer) {
+        const LyrVolume::ValueRange range = layer->values()->valueRange();
+        mOptions->setDataRange({range.low, range.high});
+    } else {
+        constexpr float NONE = std::numeric_limits<float>::quiet_NaN();
+        mOptions->setDataRange({NONE, NONE});
+    }
+}
+
+LegendPanel::LegendPanel(QWidget* parent)
+    : LayerPanel(parent), mEditor(LyqObjectEditorHandler::create("LyqColorLookupTableRenderSettingsEditorWidget")) {
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    if (mEditor) {
+        layout->addWidget(mEditor->getWidget());
+    }
+    layout->addStretch(1);
+    setContent(content);
+    follow();
+}
+
+void LegendPanel::showLayer(const LyrColoredLayer* layer) {
+    LyrObject* settings = layer ? layer->renderSettings() : nullptr;
+    LyrObjectPath path;
+    if (mEditor && settings && path.append(LyrObjectLink(settings, nullptr, -1)) && mEditor->checkObjects(&path, 1)) {
+        mEditor->setObjects(&path, 1);
+    } else if (mEditor) {
+        mEditor->setObjects(nullptr, 0);
+    }
+}
