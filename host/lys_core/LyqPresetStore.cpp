@@ -21,8 +21,10 @@
 
 namespace {
 
-constexpr auto LOCK_PATIENCE = std::chrono::seconds(10);
-constexpr auto LOCK_PAUSE = std::chrono::milliseconds(2);
+constexpr auto LOCK_PATIENCE = std::chrono::seconds(30);
+constexpr auto LOCK_PAUSE = std::chrono::microseconds(200);
+/** Long enough for those who wait to see that it is their turn: one that saves again and again shuts nobody out. */
+constexpr auto TURN_OF_OTHERS = std::chrono::milliseconds(1);
 
 LyrString translated(const char* text) {
     return QCoreApplication::translate("LyqPresetStore", text);
@@ -59,6 +61,7 @@ public:
     ~Lock() {
         if (mFolder >= 0) {
             ::close(mFolder);
+            std::this_thread::sleep_for(TURN_OF_OTHERS);
         }
     }
 
