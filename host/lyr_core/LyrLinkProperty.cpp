@@ -402,7 +402,9 @@ std::unique_ptr<LyrProperty::State> LyrLinkListOP::takeState() const {
 }
 
 bool LyrLinkListOP::restoreState(State& state) {
-    auto& [slots, links] = static_cast<LinkState&>(state);
+    // Not a structured binding: some compilers do not let a lambda capture one.
+    auto& slots = static_cast<LinkState&>(state).slots;
+    auto& links = static_cast<LinkState&>(state).links;
     for (std::size_t i = 0; i < links.size(); ++i) {
         links[i] = LyrObjectLink(slots[i]->target(), getObject(), getPropertyID());
     }

@@ -41,9 +41,11 @@ template <class Replace>
 QString replacePlaces(const QString& text, const QString& opening, Replace replace) {
     QString result;
     qsizetype done = 0;
+    qsizetype end = -1;
     for (qsizetype at = text.indexOf(opening); at >= 0; at = text.indexOf(opening, std::max(done, at + 1))) {
         const qsizetype inside = at + opening.size();
-        const qsizetype end = text.indexOf(QLatin1Char('}'), inside);
+        // Several places before one "}" do not each look for it again: that takes minutes in a long text.
+        end = end < inside ? text.indexOf(QLatin1Char('}'), inside) : end;
         if (end < 0) {
             break;
         }
@@ -108,11 +110,11 @@ QString Placeholders::internalToEditText(const QString& text, const LyrObject*) 
     });
 }
 
-// "%{...}" in an edit text is a placeholder that was unknown to the editor: it stays, whatever its key is.
+// "%{Key}" in an edit text is a placeholder that was unknown to the editor: it stays. "%{Name}" is a percent sign
+// before a placeholder, as in "90 %{Value unit}".
 QString Placeholders::editToInternalText(const QString& text, const LyrObject*) {
-    return replacePlaces(text, EDIT_OPENING, [&](qsizetype at, QStringView name, QString& with) {
-        const bool internal = at > 0 && text.at(at - 1) == QLatin1Char('%');
-        const Entry* entry = internal ? nullptr : findBy(&Entry::name, name);
+    return replacePlaces(text, EDIT_OPENING, [&](qsizetype, QStringView name, QString& with) {
+        const Entry* entry = findBy(&Entry::name, name);
         if (entry) {
             with = QStringLiteral("%{") + entry->key + QLatin1Char('}');
         }

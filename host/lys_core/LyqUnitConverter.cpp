@@ -14,17 +14,41 @@ namespace {
 
 constexpr int SIGNIFICANT_DIGITS = 6;
 
+/** No spelling of a unit is longer, in characters. */
+constexpr qsizetype LONGEST_UNIT = 40;
+
 QLocale typingLocale(QLocale locale) {
     locale.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
     return locale;
 }
 
+/** A number of the user's locale in C. The toolkit writes signs with marks of writing direction, and powers of ten like
+ * "×10^−9", that it does not read. */
+QString withoutLocale(const QString& text, const QLocale& locale) {
+    QString plain = text;
+    plain.replace(locale.exponential(), QLatin1String("e"), Qt::CaseInsensitive);
+    plain.replace(locale.negativeSign(), QLatin1String("-"));
+    plain.replace(locale.positiveSign(), QLatin1String("+"));
+    plain.replace(locale.decimalPoint(), QLatin1String("."));
+    for (QChar& character : plain) {
+        if (character.isDigit()) {
+            character = QLatin1Char(static_cast<char>('0' + character.digitValue()));
+        }
+    }
+    return plain;
+}
+
 /** A number in the user's locale, else in C. */
 bool readNumber(const QString& text, double& out) {
+    const QLocale locale = typingLocale(QLocale());
+    const QLocale plain = typingLocale(QLocale::c());
     bool ok = false;
-    out = typingLocale(QLocale()).toDouble(text, &ok);
+    out = locale.toDouble(text, &ok);
     if (!ok) {
-        out = typingLocale(QLocale::c()).toDouble(text, &ok);
+        out = plain.toDouble(text, &ok);
+    }
+    if (!ok) {
+        out = plain.toDouble(withoutLocale(text, locale), &ok);
     }
     return ok && std::isfinite(out);
 }
@@ -88,7 +112,7 @@ double LyqUnitConverter::unitStringToInternal(const QString& text, bool* ok) con
     bool valid = readNumber(trimmed, number);
     Lyrenum unit = mDisplayUnit;
     // The longest unit first: "1.5 e" is no number, "1.5e3" is one.
-    for (qsizetype at = 1; !valid && at < trimmed.size(); ++at) {
+    for (qsizetype at = std::max<qsizetype>(1, trimmed.size() - LONGEST_UNIT); !valid && at < trimmed.size(); ++at) {
         const Lyrenum named = LyrQuantity::findUnit(mQuantity, toHostString(trimmed.mid(at).trimmed()));
         if (named != Lyrenum(-1) && readNumber(trimmed.left(at).trimmed(), number)) {
             unit = named;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 namespace {
 
 LyrString text(const char* utf8) {
@@ -58,6 +60,20 @@ TEST_F(Placeholders, are_edited_by_their_names) {
     const QString shown = QStringLiteral("Part {Name of the part} [%l]");
     EXPECT_EQ(edit(written), shown);
     EXPECT_EQ(internal(shown), written);
+}
+
+TEST_F(Placeholders, stay_when_they_are_edited_behind_a_percent_sign) {
+    const QString written = QStringLiteral("90 %%{part.name}");
+    EXPECT_EQ(edit(written), QStringLiteral("90 %{Name of the part}"));
+    EXPECT_EQ(internal(edit(written)), written);
+}
+
+TEST_F(Placeholders, in_a_long_text_take_no_time) {
+    const QString many = QString(QStringLiteral("%{")).repeated(500000) + QLatin1Char('}');
+    const std::clock_t begin = std::clock();
+    EXPECT_EQ(edit(many), many);
+    EXPECT_EQ(internal(many), many);
+    EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC);
 }
 
 TEST_F(Placeholders, of_a_module_go_together_and_those_of_others_stay) {

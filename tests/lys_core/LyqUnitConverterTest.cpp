@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <ctime>
 #include <random>
 
 namespace {
@@ -66,7 +67,9 @@ TEST_F(UnitConverter, refuses_what_is_no_finite_number_of_the_quantity) {
 TEST_F(UnitConverter, what_it_shows_can_be_typed_back) {
     std::mt19937 random(3);
     std::uniform_real_distribution<double> exponent(-20.0, 20.0);
-    for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French)}) {
+    for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French),
+                                  QLocale(QLocale::Turkish), QLocale(QLocale::Arabic, QLocale::Egypt),
+                                  QLocale(QLocale::Persian), QLocale(QLocale::Hebrew), QLocale(QLocale::Swedish)}) {
         QLocale::setDefault(locale);
         for (int i = 0; i < 200; ++i) {
             const QString shown =
@@ -77,6 +80,24 @@ TEST_F(UnitConverter, what_it_shows_can_be_typed_back) {
             EXPECT_EQ(lengths.internalToDisplayString(back), shown);
         }
     }
+}
+
+TEST_F(UnitConverter, numbers_of_a_locale_are_no_numbers_of_another) {
+    QLocale::setDefault(QLocale(QLocale::German));
+    for (const char* text : {"1.234,5", "1,2,3", "1.2.3", "--1", "1e"}) {
+        read(QString::fromLatin1(text), false);
+    }
+    QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
+    EXPECT_EQ(read(QStringLiteral("-1.5 mm")), -1.5);
+    EXPECT_EQ(read(QStringLiteral(u"\u0661\u0662\u066B\u0665")), 12.5);
+    read(QStringLiteral(u"\u0661,\u0665"), false);
+}
+
+TEST_F(UnitConverter, a_long_text_is_refused_at_once) {
+    const std::clock_t begin = std::clock();
+    read(QString(200000, QLatin1Char('m')), false);
+    EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC);
+    EXPECT_EQ(read(QStringLiteral("2") + QString(1000, QLatin1Char(' ')) + QStringLiteral("cm")), 20.0);
 }
 
 TEST_F(UnitConverter, follows_the_display_unit_and_tells_of_real_changes_only) {

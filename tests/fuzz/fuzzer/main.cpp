@@ -1,0 +1,59 @@
+#include "ToolkitApplication.h"
+#include "fuzz/FuzzTargets.h"
+
+#include <lyr_core/LyrError.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+// lys_fuzz --target=NAME [the fuzzing library's options] CORPUS…
+
+namespace {
+
+class Silence : public LyrError::Listener {
+public:
+    bool errorEmitted(const LyrError::Message&) override { return true; }
+};
+
+const fuzz::Target* sTarget = nullptr;
+
+void chooseTarget(int count, char** arguments) {
+    constexpr std::string_view option = "--target=";
+    for (int i = 1; i < count; ++i) {
+        const std::string_view argument = arguments[i];
+        for (const fuzz::Target& target : fuzz::targets()) {
+            if (argument.starts_with(option) && argument.substr(option.size()) == target.name) {
+                sTarget = &target;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+void fuzz::broken(const char* promise) {
+    std::fprintf(stderr, "broken: %s\n", promise);
+    std::abort();
+}
+
+extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
+    chooseTarget(*count, *arguments);
+    if (!sTarget) {
+        std::fputs("give --target=NAME, one of:\n", stderr);
+        for (const fuzz::Target& target : fuzz::targets()) {
+            std::fprintf(stderr, "  %s\n", target.name);
+        }
+        std::exit(2);
+    }
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const ToolkitApplication application;
+    static Silence silence;
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    sTarget->run({data, size});
+    return 0;
+}
