@@ -143,3 +143,11 @@ bool lyrReadFile(const std::string& path, std::size_t limit, std::string& bytes,
     }
     return true;
 }
+
+LyrString lyrOutOfMemoryText() noexcept {
+    try {
+        return LyrString("there is not enough memory");
+    } catch (...) {
+        return LyrString("no memory left");  // short enough to be kept inside a string itself
+    }
+}

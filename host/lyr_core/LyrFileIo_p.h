@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include <lyr_core/LyrString.h>
+
 /** An open file, closed in the end. */
 class LyrFileHandle {
 public:
@@ -44,3 +46,6 @@ bool lyrHoldsExactly(int file, std::string_view bytes) noexcept;
  * std::bad_alloc. */
 bool lyrReadFile(const std::string& path, std::size_t limit, std::string& bytes, std::string& reason,
                  int* error = nullptr);
+
+/** What is said when memory ran out: needs none itself where there is not even enough for the sentence. */
+LyrString lyrOutOfMemoryText() noexcept;

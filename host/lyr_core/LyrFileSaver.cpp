@@ -153,7 +153,7 @@ private:
     bool createTemporary() {
         constexpr int mostTries = 1000;
         for (int i = 0; i < mostTries; ++i) {
-            const std::string name = nextName();
+            std::string name = nextName();
             mTemp = lyrOpenAt(mFolder.get(), name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mHasOld ? 0600 : 0666);
             if (!mTemp && errno == EEXIST) {
                 continue;
@@ -161,7 +161,7 @@ private:
             if (!mTemp) {
                 return fail("no file can be made in the folder", errno);
             }
-            mTempName = name;
+            mTempName = std::move(name);
             const int error = tryLock(mTemp.get(), LOCK_EX);
             if (error != 0 && error != EWOULDBLOCK && !locksAreMissing(error)) {
                 return fail("the temporary file cannot be locked", error);
@@ -298,18 +298,23 @@ struct CloseFolder {
 }  // namespace
 
 bool LyrFileSaver::replace(const std::string& path, std::string_view content, LyrString* message) {
-    std::string reason;
+    LyrString reason;
     try {
         Replacement replacement(path);
         if (replacement.run(content)) {
             return true;
         }
-        reason = replacement.reason();
+        reason = LyrString(replacement.reason());
     } catch (...) {
-        reason = "there is not enough memory";
+        reason = lyrOutOfMemoryText();
     }
-    if (message) {
-        *message = LyrString(std::string(path.c_str()) + ": not saved: " + reason);
+    if (!message) {
+        return false;
+    }
+    try {
+        *message = LyrString(std::string(path.c_str()) + ": not saved: ") + reason;
+    } catch (...) {
+        *message = std::move(reason);
     }
     return false;
 }

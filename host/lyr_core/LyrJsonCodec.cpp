@@ -1,8 +1,10 @@
 #include <lyr_core/LyrJsonCodec_p.h>
+#include <lyr_core/LyrMemoryWatch_p.h>
 
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -71,8 +73,18 @@ LyrJsonValue lyrEncode(long long value) {
     return LyrJsonValue(Kind::Number, digitsOf(value));
 }
 
-LyrJsonValue lyrEncode(Lyrenum value) {
+std::string lyrNameOf(Lyrenum value) {
+    const LyrMemoryWatch watch;
     std::string name = value.getName();
+    // A number means something in this process only: never instead of a name that could not be copied.
+    if (name.empty() && watch.hasFailed()) {
+        throw std::bad_alloc();
+    }
+    return name;
+}
+
+LyrJsonValue lyrEncode(Lyrenum value) {
+    std::string name = lyrNameOf(value);
     return name.empty() ? LyrJsonValue(Kind::Number, digitsOf(int(value)))
                         : LyrJsonValue(Kind::String, std::move(name));
 }

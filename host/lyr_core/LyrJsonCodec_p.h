@@ -16,6 +16,9 @@
 
 LyrJsonValue lyrEncode(float value);
 LyrJsonValue lyrEncode(long long value);
+/** The name of an identifier, empty if it has none. Throws std::bad_alloc. */
+std::string lyrNameOf(Lyrenum value);
+
 LyrJsonValue lyrEncode(Lyrenum value);
 
 bool lyrDecode(const LyrJsonValue& json, float& value, std::string& reason);

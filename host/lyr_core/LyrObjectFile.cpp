@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace {
@@ -28,7 +29,7 @@ bool guarded(Report& report, Operation operation) {
         report.ok = operation();
     } catch (...) {
         report.ok = false;
-        report.message = LyrString("there is not enough memory");
+        report.message = lyrOutOfMemoryText();
     }
     return report.ok;
 }
@@ -49,13 +50,17 @@ bool parse(std::string_view text, const LyrObjectRequest& request, LyrObjectPtr&
     return true;
 }
 
-/** Puts a path in front of the messages of a report. */
-void addPath(const std::string& path, Report& report) {
-    if (!report.message.isEmpty()) {
-        report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
-    }
-    for (LyrString& warning : report.warnings) {
-        warning = LyrString(std::string(path.c_str()) + ": ") + warning;
+/** Puts a path in front of the messages of a report, as far as there is memory for it. */
+void addPath(const std::string& path, Report& report) noexcept {
+    try {
+        if (!report.message.isEmpty()) {
+            report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
+        }
+        for (LyrString& warning : report.warnings) {
+            warning = LyrString(std::string(path.c_str()) + ": ") + warning;
+        }
+    } catch (...) {
+        // The messages stay as they are.
     }
 }
 
@@ -74,6 +79,9 @@ public:
             const LyrProperty& property = *object.getPropertyAt(i);
             if (property.isStored()) {
                 mStates.emplace_back(property.getPropertyID(), property.takeState());
+                if (!mStates.back().second) {
+                    throw std::bad_alloc();
+                }
             }
         }
     }
@@ -107,12 +115,17 @@ bool handOver(LyrObject& fresh, LyrObject& target, Report& report) {
     if (*target.getNameTemplate() != '\0' && !fresh.getProperty(Lyr::NameTemplate)) {
         fresh.setNameTemplate(nullptr);
     }
-    if (!target.copyFrom(fresh)) {
+    try {
+        if (target.copyFrom(fresh)) {
+            lyrPrepareOwnedRoles(target);
+            return true;
+        }
+    } catch (...) {
         backup.restore();
-        return fail(report, "the object refused the values; it is as it was");
+        throw;
     }
-    lyrPrepareOwnedRoles(target);
-    return true;
+    backup.restore();
+    return fail(report, "the object refused the values; it is as it was");
 }
 
 /** False if the file that is about to be replaced must not be. */
@@ -149,7 +162,7 @@ bool LyrObjectFile::write(const LyrObject& object, std::string& text, LyrString*
         }
     } catch (...) {
         if (message) {
-            *message = LyrString("there is not enough memory");
+            *message = lyrOutOfMemoryText();
         }
     }
     return false;

@@ -1,5 +1,6 @@
 #include <lyr_core/LyrJsonCodec_p.h>
 #include <lyr_core/LyrLinkProperty.h>
+#include <lyr_core/LyrMemoryWatch_p.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectJson_p.h>
 #include <lyr_core/LyrObjectUnknownData_p.h>
@@ -166,9 +167,11 @@ private:
             mIsHopeless = true;
             return fail(json, "more objects than a file may hold");
         }
+        const LyrMemoryWatch watch;
         LyrClass* made = meta.create();
         auto* object = dynamic_cast<LyrObject*>(made);
-        if (!object) {
+        // An object that found no memory for a property is not what the file describes.
+        if (!object || watch.hasFailed()) {
             LyrMetaClass::destruct(made, true);
             return fail(json, "the object could not be made");
         }

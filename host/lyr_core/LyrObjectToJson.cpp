@@ -235,7 +235,7 @@ private:
 }  // namespace
 
 std::string lyrPropertyKey(Lyrenum id) {
-    std::string name = id.getName();
+    std::string name = lyrNameOf(id);
     return name.empty() ? std::to_string(int(id)) : name;
 }
 

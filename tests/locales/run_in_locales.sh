@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# run_in_locales.sh BUILD USE_LOCALE [--all]: runs what formats, parses and saves in locales with other decimal points,
+# digits and letter cases, made here, and compares the bytes that the command line saves. --all: whole test programs.
+set -euo pipefail
+
+build="$1"
+use_locale="$2"
+extent="${3:-}"
+work="$(mktemp -d)"
+trap 'rm -rf "$work"' EXIT
+export LOCPATH="$work/locales" QT_QPA_PLATFORM=offscreen
+mkdir "$LOCPATH"
+
+fail() {
+    printf 'run_in_locales: %s\n' "$@" >&2
+    exit 1
+}
+
+# Program and cases: files, texts of numbers, headers, names. Cases of what a person reads choose their locale themselves.
+parts=(
+    "test_lyr_core LyrObjectFile*:LyrFileSaver*:LyrString*:LyrQuantity*:Lyrenum*:LyrMetaClass*"
+    "test_lyr_volume *Nrrd*:*MetaImage*:*Nifti*:*Dicom*"
+    "test_lys_core UnitConverter.*:Placeholders.*"
+    "test_colortable EveryProperty*:*/EveryProperty*"
+    "test_colortable_model TableGenerators*-*Sweep*"
+    "test_fuzz *"
+    "test_cli Create*:MapValues*:Info*"
+)
+if [ "$extent" = "--all" ]; then
+    parts=("test_lyr_core *" "test_lyr_volume *" "test_lys_core UnitConverter.*:Placeholders.*:LyqApplication*" "test_colortable *"
+        "test_colortable_model *" "test_colortable_eval *" "test_fuzz *" "test_cli *")
+fi
+
+save() {
+    local to="$1"
+    mkdir "$to"
+    "$build/bin/colortable" create stepped --from=-1.5 --to 2.25 --step 0.3 --type Rainbow -o "$to/stepped.json"
+    "$build/bin/colortable" create smooth --from 1e-7 --to 1234567.875 --type BlackGreenBlueRed --quantity Angle -o "$to/smooth.json"
+    "$build/bin/colortable" map --table "$to/stepped.json" --at=-1.5,0.1,1e-3,nan,2.25 >"$to/colors.txt"
+    "$build/bin/colortable" info "$to/smooth.json" --json | sed "s|$to|folder|" >"$to/info.json"
+    "$build/bin/colortable" legend --table "$to/smooth.json" --size 200x300 --locale C --set Size=0.25 --describe >"$to/legend.json"
+    "$build/bin/colortable" map --table "$to/stepped.json" -i builtin:casting@16 --range=auto -o "$to/slice.nrrd"
+}
+
+run_parts() {
+    local part program filter
+    for part in "${parts[@]}"; do
+        read -r program filter <<<"$part"
+        [ -x "$build/tests/$program" ] || fail "$build/tests/$program is not built"
+        "$build/tests/$program" --gtest_brief=1 --gtest_filter="$filter" >"$work/log" 2>&1 ||
+            { tail -n 60 "$work/log" >&2; fail "$program fails in $LC_ALL"; }
+        grep -q '\[  PASSED  \] [1-9]' "$work/log" || fail "no case of $program ran in $LC_ALL"
+        printf '%-14s %-22s %s\n' "$LC_ALL" "$program" "$(grep -o 'PASSED.*' "$work/log")"
+    done
+}
+
+declare -A point=([C]=. [de_DE.UTF-8]=, [fr_FR.UTF-8]=, [tr_TR.UTF-8]=, [ar_EG.UTF-8]=.)
+for locale in de_DE fr_FR tr_TR ar_EG; do
+    localedef -c -i "$locale" -f UTF-8 "$LOCPATH/$locale.UTF-8" 2>/dev/null || true
+done
+for locale in C de_DE.UTF-8 fr_FR.UTF-8 tr_TR.UTF-8 ar_EG.UTF-8; do
+    [ "$(LC_ALL="$locale" locale decimal_point)" = "${point[$locale]}" ] ||
+        fail "the locale $locale could not be made; is the package \"locales\" installed?"
+    (
+        export LC_ALL="$locale" LD_PRELOAD="$use_locale"
+        run_parts
+        save "$work/$locale"
+    )
+    diff -r "$work/C" "$work/$locale" >&2 || fail "$locale saves other bytes than C"
+done
