@@ -27,6 +27,9 @@ constexpr double LARGEST_POINT_SIZE = 1000.0;
 constexpr int LARGEST_PIXEL_SIZE = 4000;
 /** No number of a font string is larger, letter and word spacing included. */
 constexpr double LARGEST_FONT_FIELD = 10000.0;
+/** Of the longer form the last number holds the flags of the style strategy, 16 bits. */
+constexpr qsizetype STYLE_STRATEGY_FIELD = 15;
+constexpr double LARGEST_STYLE_STRATEGY = 65535.0;
 
 template <class T>
 std::vector<T> readList(const LyrObject* object, Lyrenum id) {
@@ -119,7 +122,8 @@ bool isFontDescription(const QStringList& fields) {
     for (qsizetype i = 1; i < numbers; ++i) {
         bool ok = false;
         const double number = fields.at(i).toDouble(&ok);
-        if (!ok || !(std::fabs(number) <= LARGEST_FONT_FIELD)) {
+        const double largest = i == STYLE_STRATEGY_FIELD ? LARGEST_STYLE_STRATEGY : LARGEST_FONT_FIELD;
+        if (!ok || !(std::fabs(number) <= largest)) {
             return false;
         }
     }

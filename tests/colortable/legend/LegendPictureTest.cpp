@@ -174,6 +174,17 @@ TEST_F(LegendPicture, fonts_are_read_in_both_forms_of_the_toolkit) {
     EXPECT_TRUE(valid);
 }
 
+TEST_F(LegendPicture, fonts_are_read_with_every_style_strategy_that_the_toolkit_writes) {
+    for (const QFont::StyleStrategy strategy : {QFont::PreferDefault, QFont::NoAntialias, QFont::PreferNoShaping,
+                                                QFont::ForceOutline, QFont::NoFontMerging}) {
+        QFont font(QStringLiteral("Arial"), 10);
+        font.setStyleStrategy(strategy);
+        bool valid = false;
+        EXPECT_EQ(fontFromString(font.toString(), &valid), font);
+        EXPECT_TRUE(valid) << font.toString().toStdString();
+    }
+}
+
 TEST_F(LegendPicture, what_is_no_font_gives_the_applications) {
     const QString numbers = QStringLiteral(",5,400,0,0,0,0,0,0,0,%1,%2,0,0");
     for (const QString& junk :
