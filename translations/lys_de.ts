@@ -1134,15 +1134,15 @@ Die angegebenen Parameter sind ungültig.</translation>
     <name>workbench::ContentFiles</name>
     <message>
         <source>&amp;Save Changes</source>
-        <translation>Änderungen &amp;speichern</translation>
+        <translation>Än&amp;derungen speichern</translation>
     </message>
     <message>
         <source>Open %1…</source>
-        <translation>%1 öffnen…</translation>
+        <translation>%1 öffnen …</translation>
     </message>
     <message>
         <source>Save %1…</source>
-        <translation>%1 speichern…</translation>
+        <translation>%1 speichern …</translation>
     </message>
     <message>
         <source>Open %1</source>

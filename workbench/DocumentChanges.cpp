@@ -59,6 +59,7 @@ private:
 };
 
 DocumentChanges::DocumentChanges(QObject* parent) : QObject(parent) {
+    mLayers.setListener(this);
     connect(&LyqSession::instance(), &LyqSession::layersChanged, this, &DocumentChanges::follow);
     connect(&LyqApplication::instance().undoStack(), &QUndoStack::indexChanged, this, &DocumentChanges::compare);
     follow();
@@ -83,7 +84,9 @@ DocumentChanges::Watch* DocumentChanges::watchOf(const LyrObject* content) const
 /** Layers came or went: what stayed keeps its marks. */
 void DocumentChanges::follow() {
     std::vector<LyrObjectPtr> watches;
-    for (const LyqLayer* layer : LyqSession::instance().layers()) {
+    mLayers.clear();
+    for (LyqLayer* layer : LyqSession::instance().layers()) {
+        mLayers.append(layer);
         for (const LyqLayer::Content& content : layer->contents()) {
             Watch* known = watchOf(content.object);
             if (const LyrObjectPtr watch(known ? known : new Watch(*this, content.object)); watch) {
@@ -98,6 +101,19 @@ void DocumentChanges::follow() {
         }
     }
     Q_EMIT changed();
+}
+
+bool DocumentChanges::iocCallback(Message& message) {
+    bool allWatched = true;
+    for (const LyqLayer* layer : LyqSession::instance().layers()) {
+        for (const LyqLayer::Content& content : layer->contents()) {
+            allWatched = allWatched && watchOf(content.object);
+        }
+    }
+    if (!allWatched) {
+        follow();
+    }
+    return LyrIOC::iocCallback(message);
 }
 
 void DocumentChanges::compare() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <lyr_core/LyrIOC.h>
+#include <lyr_core/LyrObjectIOCPtr.h>
 #include <lyr_core/LyrObjectPtr.h>
 
 #include <QObject>
@@ -15,7 +17,7 @@ namespace workbench {
  *
  *  A content is modified by a change of a property that is flagged for it, its own or that of an object that it owns.
  * It is unmodified again when undo or redo brings back exactly what was saved. */
-class DocumentChanges : public QObject {
+class DocumentChanges : public QObject, public LyrIOC {
     Q_OBJECT
 
 public:
@@ -30,6 +32,9 @@ public:
     /** A content is as its file is now. */
     void setSaved(const LyrObject* content, const QString& file);
 
+    /** A layer may come to have another content at any time. */
+    bool iocCallback(Message& message) override;
+
 Q_SIGNALS:
     /** isModified() gives another answer, of the whole or of one content. */
     void changed();
@@ -40,6 +45,7 @@ private:
     void follow();
     void compare();
 
+    LyrObjectIOCPtrList mLayers;
     std::vector<LyrObjectPtr> mWatches;
 };
 

@@ -48,6 +48,7 @@ HistoryPanel::HistoryPanel(QUndoStack& history, QWidget* parent) : QListView(par
     setObjectName("history");
     setAccessibleName(tr("History"));
     setUniformItemSizes(true);
+    setSpacing(2);
     setEditTriggers(NoEditTriggers);
     auto* model = new HistoryModel(history, this);
     setModel(model);

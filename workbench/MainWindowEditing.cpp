@@ -75,7 +75,7 @@ void MainWindow::buildHistory() {
 void MainWindow::arrangePanels() {
     auto* layers = findChild<QDockWidget*>("dock-layers");
     QDockWidget* below = mExtensions->firstDock(Qt::RightDockWidgetArea);
-    resizeDocks({layers}, {fontMetrics().averageCharWidth() * 64}, Qt::Horizontal);
+    resizeDocks({layers}, {fontMetrics().averageCharWidth() * 74}, Qt::Horizontal);
     if (below) {
         resizeDocks({layers, below}, {1, 100000}, Qt::Vertical);
     }

@@ -174,6 +174,21 @@ TEST_F(Editing, the_docks_outlive_the_layer_that_they_show) {
     EXPECT_EQ(window->findChild<QListView*>("history")->model()->rowCount(), 1);
 }
 
+TEST_F(Editing, the_docks_follow_the_table_that_the_layer_links) {
+    LyqLayer* layer = LyqSession::instance().activeLayer();
+    const LyrObjectRefPtr other("LyrColorLookupTable", Lyr::DocumentScope);
+    ASSERT_TRUE(other);
+    ASSERT_TRUE(lyrSetValue(layer, Lyrenum("ColorLookupTable", true), LyrObjectLink(other.get(), nullptr, -1)));
+    settle();
+    EXPECT_EQ(contents()[0].object, other.get());
+    EXPECT_FALSE(window->isWindowModified());
+    EXPECT_EQ(positions(), std::vector<float>({-1.0f, 1.0f}));
+    EXPECT_EQ(rows().item(MIDDLE, TO)->text(), "1");
+    typeBound("0.5");
+    EXPECT_EQ(positions(), std::vector<float>({-1.0f, 0.5f}));
+    EXPECT_TRUE(window->isWindowModified());
+}
+
 TEST_F(Editing, the_docks_go_with_the_plug_in_and_come_back) {
     typeBound("15000");
     history().clear();  // its steps hold objects of the plug-in
