@@ -36,6 +36,30 @@ bool isOn(const LyrObject* object) {
     return lyrGetValue<Lyrenum>(object, Lyr::Rendering, 1) == 1;
 }
 
+/** Layers that link the same table share a legend: that of the first one whose settings show it, else of the first. */
+std::vector<const LyrColoredLayer*> oneLayerForEachTable(const std::vector<LyrColoredLayer*>& layers) {
+    std::vector<const LyrColoredLayer*> chosen;
+    for (const LyrColoredLayer* layer : layers) {
+        const auto same = std::find_if(chosen.begin(), chosen.end(),
+                                       [&](const LyrColoredLayer* other) { return other->table() == layer->table(); });
+        if (!layer->table()) {
+            continue;
+        }
+        if (same == chosen.end()) {
+            chosen.push_back(layer);
+        } else if (!isOn((*same)->renderSettings()) && isOn(layer->renderSettings())) {
+            *same = layer;
+        }
+    }
+    return chosen;
+}
+
+/** Sets a property unless it has the value already. True if it was another. */
+template <class Value>
+bool write(LyrObject& object, Lyrenum id, const Value& value, const Value& missing) {
+    return !(lyrGetValue(&object, id, missing) == value) && lyrSetValue(&object, id, value);
+}
+
 }  // namespace
 
 LyrLayerAnnotationHandler::~LyrLayerAnnotationHandler() = default;
@@ -52,18 +76,17 @@ const LyrMetaClass& LyrLayerAnnotationHandler::getMetaClass() const {
     return metaClass();
 }
 
-/** The annotation that shows the layer's table in the container, a new one if there is none. */
-LyrObjectPtr LyrLayerAnnotationHandler::annotationFor(const LyrColoredLayer& layer, const LyrObject& container,
+/** The annotation that shows a table in a container, a new one if there is none. */
+LyrObjectPtr LyrLayerAnnotationHandler::annotationFor(const LyrObject& table, const LyrObject& container,
                                                       std::vector<Legend>& shown) const {
-    const LyrObject* table = layer.table();
     const auto found = std::find_if(mLegends.begin(), mLegends.end(), [&](const Legend& legend) {
-        return legend.table == table && legend.container == &container;
+        return legend.table == &table && legend.container == &container;
     });
     const bool known = found != mLegends.end();
     const LyrObjectPtr annotation =
         known ? found->annotation : LyrObjectRefPtr("LyqColorLookupTableAnnotation", Lyr::TransientScope);
     if (annotation) {
-        shown.push_back({table, &container, annotation});
+        shown.push_back({&table, &container, annotation});
     }
     return annotation;
 }
@@ -76,18 +99,21 @@ bool LyrLayerAnnotationHandler::update(LyrColorLookupTableRenderDriver*, const S
     }
     bool changed = container && container->getModificationTimestamp() > since;
     std::vector<Legend> shown;
-    for (const LyrColoredLayer* layer : layers) {
+    for (const LyrColoredLayer* layer : oneLayerForEachTable(layers)) {
         LyrObject* table = layer->table();
-        const LyrObjectPtr annotation = table ? annotationFor(*layer, *container, shown) : LyrObjectPtr();
+        const LyrObjectPtr annotation = annotationFor(*table, *container, shown);
         if (!annotation) {
             continue;
         }
         LyrObject* settings = layer->renderSettings();
-        lyrSetValue(annotation.get(), Lyr::Object, LyrObjectLink(table, nullptr, -1));
-        lyrSetValue(annotation.get(), Lyr::ColorLookupTableRenderSettings, LyrObjectLink(settings, nullptr, -1));
+        const LyrObjectLink none;
+        changed = write(*annotation, Lyr::Object, LyrObjectLink(table, nullptr, -1), none) || changed;
+        changed = write(*annotation, Lyr::ColorLookupTableRenderSettings, LyrObjectLink(settings, nullptr, -1), none) ||
+                  changed;
         // The root of what the view shows stands for its camera.
-        lyrSetValue(annotation.get(), Lyr::DotsPerInch,
-                    lyrGetValue(sceneNode->getObject(), Lyr::DotsPerInch, LyrVector2<float>()));
+        const LyrVector2<float> missing;
+        const LyrVector2<float> resolution = lyrGetValue(sceneNode->getObject(), Lyr::DotsPerInch, missing);
+        changed = write(*annotation, Lyr::DotsPerInch, resolution, missing) || changed;
         Entry entry;
         entry.annotation = annotation;
         entry.visible = isOn(settings) && isOn(container);

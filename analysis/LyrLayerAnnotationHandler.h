@@ -5,10 +5,8 @@
 
 #include <vector>
 
-class LyrColoredLayer;
-
-/** Shows the legend of each coloured layer that a view renders: one annotation for each table and container. A handler
- * belongs to one view. */
+/** Shows the legend of each coloured layer that a view renders: one annotation for each table and container, with the
+ * settings of the first layer that links the table and shows its legend. A handler belongs to one view. */
 class LYS_ANALYSIS_EXPORT LyrLayerAnnotationHandler : public LyrColorLookupTableAnnotationHandler {
 public:
     LyrLayerAnnotationHandler() = default;
@@ -28,8 +26,7 @@ private:
         LyrObjectPtr annotation;
     };
 
-    LyrObjectPtr annotationFor(const LyrColoredLayer& layer, const LyrObject& container,
-                               std::vector<Legend>& shown) const;
+    LyrObjectPtr annotationFor(const LyrObject& table, const LyrObject& container, std::vector<Legend>& shown) const;
 
     std::vector<Legend> mLegends;
 };

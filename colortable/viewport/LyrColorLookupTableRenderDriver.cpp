@@ -100,8 +100,6 @@ void place(LyqColorLookupTableAnnotation& annotation, const Viewport& viewport, 
     const LyqColorLookupTableWidget* widget = annotation.lookupTableWidget();
     if (widget && widget->needsUpdate()) {
         annotation.updateImage();
-    } else {
-        annotation.getImage();  // rendered here if it never was for this size: not while the view is painted
     }
 }
 
@@ -173,7 +171,10 @@ bool LyrColorLookupTableRenderDriver::updateEntryList(LyrValueList<Entry>& entri
                 place(*legend, viewport, dotsPerInch);
             }
         }
-        const auto* annotation = dynamic_cast<LyqAnnotation*>(entry.annotation.get());
+        auto* annotation = dynamic_cast<LyqAnnotation*>(entry.annotation.get());
+        if (annotation && entry.visible && isPlausible(viewport)) {
+            annotation->getImage();  // rendered here if it never was for this size: not while the view is painted
+        }
         entry.center = centreOf(annotation ? annotation->frameGeometry() : QRect());
     }
     return true;

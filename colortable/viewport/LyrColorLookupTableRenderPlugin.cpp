@@ -29,7 +29,7 @@ const LyrObject::RoleInterface* sRoleInterface = nullptr;  ///< as long as the r
 
 class LyrColorLookupTableRenderPlugin::DriverInitAction : public LyrActionAttr {
 public:
-    DriverInitAction() : LyrActionAttr(0, 0) {}
+    DriverInitAction() : LyrActionAttr(0, 0, Lyrenum("ColorLookupTableRenderPlugin", true)) {}
 
     void check() override {
         if (node()) {
@@ -67,6 +67,10 @@ LyrColorLookupTableRenderPlugin::LyrColorLookupTableRenderPlugin() : mDriverInit
 }
 
 LyrColorLookupTableRenderPlugin::~LyrColorLookupTableRenderPlugin() = default;
+
+const LyrAction* LyrColorLookupTableRenderPlugin::getDriverInit() const noexcept {
+    return mDriverInit.get();
+}
 
 const LyrMetaClass& LyrColorLookupTableRenderPlugin::metaClass() {
     static const LyrMetaClass meta("LyrColorLookupTableRenderPlugin", sizeof(LyrColorLookupTableRenderPlugin),

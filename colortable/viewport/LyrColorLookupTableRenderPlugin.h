@@ -5,6 +5,8 @@
 
 #include <memory>
 
+class LyrAction;
+
 /** Gives the viewport nodes of LyrColorLookupTableRenderObject their driver: its action Lyr::DriverInit, run with the
  *  node as parameter, puts a LyrColorLookupTableRenderDriver before the node's other drivers. A parameter that is no
  * viewport node is refused with Lyr::WrongType.
@@ -19,6 +21,9 @@ public:
 
     static const LyrMetaClass& metaClass();
     const LyrMetaClass& getMetaClass() const override;
+
+    /** The action Lyr::DriverInit, whose name is `ColorLookupTableRenderPlugin`. */
+    const LyrAction* getDriverInit() const noexcept;
 
     /** Makes Lyr::RenderPlugin a role, and the default one of this class, with an interface; once, until it is taken
      * back. For the library's loading and unloading. */

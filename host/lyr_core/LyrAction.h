@@ -21,6 +21,8 @@ public:
     LyrObject* getObject() const noexcept { return mObject; }
     LyrObject* getParameter() const noexcept { return mParameter; }
     Lyrenum getActionID() const noexcept { return mActionId; }
+    /** The identifier that names the action among those with the same action identifier; -1 for none. */
+    Lyrenum getName() const noexcept { return mName; }
 
     /** The code that ok() or error() was given last; -1 before the first run. */
     Lyrenum getResult() const noexcept { return mResult; }
@@ -29,7 +31,7 @@ public:
     bool run(LyrObject* object, LyrObject* parameter);
 
 protected:
-    LyrAction() = default;
+    explicit LyrAction(Lyrenum name = -1) : mName(name) {}
     /** Reports success with a result. */
     void ok(Lyrenum result);
     /** Reports failure: the code goes to the error channel with the object as source. */
@@ -45,6 +47,7 @@ private:
     LyrObject* mObject = nullptr;
     LyrObject* mParameter = nullptr;
     Lyrenum mActionId;
+    Lyrenum mName;
     Lyrenum mResult;
     bool mRunning = false;
     bool mSucceeded = false;
@@ -54,5 +57,5 @@ private:
 /** An action that is a member of the owning class. */
 class LYR_CORE_EXPORT LyrActionAttr : public LyrAction {
 public:
-    LyrActionAttr(unsigned int set, unsigned int clear) { setFlags(set, clear); }
+    LyrActionAttr(unsigned int set, unsigned int clear, Lyrenum name = -1) : LyrAction(name) { setFlags(set, clear); }
 };

@@ -4,17 +4,52 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrScratch.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdio>
 #include <mutex>
 #include <new>
+#include <utility>
 
 namespace {
+
+/** What standard error was told of late. An error that comes with every frame stands there once. */
+class Told {
+public:
+    /** True for an error that is not among the last ones; of those, it is only counted. */
+    bool isNew(const LyrError::Message& message) noexcept {
+        // A source may be gone: its address and its class tell it apart, they are not followed.
+        const LyrClass* source = message.getSource();
+        const LyrMetaClass* meta = source ? &source->getMetaClass() : nullptr;
+        for (const Entry& entry : mEntries) {
+            if (entry.used && entry.source == source && entry.meta == meta && entry.code == message.getCode()) {
+                ++mRepeats;
+                return false;
+            }
+        }
+        mEntries[mNext] = {true, source, meta, message.getCode()};
+        mNext = (mNext + 1) % mEntries.size();
+        return true;
+    }
+    unsigned long long takeRepeats() noexcept { return std::exchange(mRepeats, 0); }
+
+private:
+    struct Entry {
+        bool used = false;
+        const LyrClass* source = nullptr;
+        const LyrMetaClass* meta = nullptr;
+        int code = 0;
+    };
+    std::array<Entry, 8> mEntries;
+    std::size_t mNext = 0;
+    unsigned long long mRepeats = 0;
+};
 
 /** Recursive: a listener may report, and listeners may come and go meanwhile. */
 struct Channel {
     std::recursive_mutex mutex;
     LyrEmbeddedList<LyrError::Listener, LyrError::Listener> listeners;
+    Told told;
 
     /** Never destroyed: errors may be reported until the very end of the process. */
     static Channel& instance() {
@@ -107,6 +142,12 @@ void LyrError::emitError(const Message& message) noexcept {
         if (channel.has(snapshot[i]) && heard(*snapshot[i], message)) {
             return;
         }
+    }
+    if (!channel.told.isNew(message)) {
+        return;
+    }
+    if (const unsigned long long repeats = channel.told.takeRepeats(); repeats > 0) {
+        std::fprintf(stderr, "lyr: the errors above were repeated %llu times\n", repeats);
     }
     const std::string text = message.getText();
     // Out of memory while reporting: the fixed text needs none.

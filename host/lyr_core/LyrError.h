@@ -37,7 +37,7 @@ public:
         virtual bool errorEmitted(const Message& message) = 0;
     };
 
-    /** Hands a message to the listeners; without any it is one line on standard error. May be called from any thread.
-     */
+    /** Hands a message to the listeners, from any thread. What none of them keeps is a line on standard error, once for
+     * errors of the same source and code that repeat; their number is told with the next other error. */
     static void emitError(const Message& message) noexcept;
 };

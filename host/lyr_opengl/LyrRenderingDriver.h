@@ -18,8 +18,9 @@ inline constexpr long long OVERLAY_PASS = 3;  ///< what stands over the view: le
 /** Draws for one node of a scene graph. Belongs to its node.
  *
  *  Before a frame the host calls init(), on the thread of the user interface and without an OpenGL context; a driver
- * that has to be drawn anew says so in its node's update flags. Only then, with the context current, renderObject() is
- * called for each pass.
+ * that has to be drawn anew says so in its node's update flags. Then it asks for the rectangles of each pass: what is
+ * to be drawn anew, and what is covered. Only if something is to be drawn anew, with the context current,
+ * renderObject() is called for each pass, whatever the driver covers in it.
  *
  *  The time of the last update is kept by the host: it takes the time before init() and stores it afterwards, unless
  * the view was suppressed. A new driver was never updated (null). */

@@ -9,6 +9,7 @@
 #include <lyr_opengl/LyrViewScene.h>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,19 @@ using LyrSceneGraph::ViewportObjectNode;
 
 constexpr long long FIRST_PASS = LyrRendering::SCENE_PASS;
 constexpr long long LAST_PASS = LyrRendering::OVERLAY_PASS;
+
+/** A rectangle for each pass. */
+using PassRects = std::array<DeviceRect, static_cast<std::size_t>(LAST_PASS - FIRST_PASS + 1)>;
+
+constexpr std::size_t placeOf(long long pass) {
+    return static_cast<std::size_t>(pass - FIRST_PASS);
+}
+
+PassRects emptyRects() {
+    PassRects rects;
+    rects.fill(LyrRendering::emptyRect());
+    return rects;
+}
 
 /** Changes inside of changes; beyond, something makes them without end. */
 constexpr int DEEPEST_SYNCHRONIZATION = 8;
@@ -118,6 +132,7 @@ struct ViewScene::State : DriverHolder {
     void withContext(const std::function<void(bool)>& call) const;
     void dropDriversOf(const char* module) override;
     bool prepare(const std::shared_ptr<Record>& record);
+    void collectRects();
     void drawPass(const Records& drawn, long long pass);
     void drawWith(Record& record, std::int64_t index, long long pass);
 
@@ -135,6 +150,7 @@ struct ViewScene::State : DriverHolder {
     bool drawing = false;
     bool dead = false;  ///< the scene is gone, a frame is under way still
     DeviceRect updateRect = LyrRendering::emptyRect();
+    PassRects coverage = emptyRects();
 };
 
 namespace {
@@ -343,6 +359,21 @@ bool ViewScene::State::prepare(const std::shared_ptr<Record>& record) {
     return changed;
 }
 
+/** Asks each driver, pass by pass, what it covers and what of that is to be drawn anew. */
+void ViewScene::State::collectRects() {
+    updateRect = drawRequested ? LyrRendering::deviceSquare() : LyrRendering::emptyRect();
+    coverage = emptyRects();
+    for (const auto& record : Records(records)) {
+        forEachDriver(*record, [&](Driver& driver) {
+            for (long long pass = FIRST_PASS; pass <= LAST_PASS && record->isReady(&driver); ++pass) {
+                DeviceRect& covered = coverage[placeOf(pass)];
+                updateRect = LyrRendering::unite(updateRect, driver.getDeviceUpdateRect(pass));
+                covered = LyrRendering::unite(covered, driver.getDeviceCoverageRect(pass));
+            }
+        });
+    }
+}
+
 void ViewScene::State::drawWith(Record& record, std::int64_t index, long long pass) {
     Driver* driver = record.node().getRenderingDriver(index);
     if (!driver || !record.isReady(driver)) {
@@ -435,15 +466,10 @@ ViewScene::Preparation ViewScene::prepare() {
         return {};
     }
     result.mustDraw = state->drawRequested;
-    state->updateRect = result.mustDraw ? LyrRendering::deviceSquare() : LyrRendering::emptyRect();
     for (const auto& record : state->records) {
         result.mustDraw = result.mustDraw || record->node().getUpdateFlags() != 0;
-        forEachDriver(*record, [&](Driver& driver) {
-            for (long long pass = FIRST_PASS; pass <= LAST_PASS && record->isReady(&driver); ++pass) {
-                state->updateRect = LyrRendering::unite(state->updateRect, driver.getDeviceUpdateRect(pass));
-            }
-        });
     }
+    state->collectRects();
     result.mustDraw = result.mustDraw || !LyrRendering::isEmpty(state->updateRect);
     return result;
 }
@@ -453,15 +479,7 @@ DeviceRect ViewScene::getUpdateRect() const noexcept {
 }
 
 DeviceRect ViewScene::getCoverageRect(long long pass) const {
-    DeviceRect covered = LyrRendering::emptyRect();
-    for (const auto& record : d->records) {
-        forEachDriver(*record, [&](Driver& driver) {
-            if (record->isReady(&driver)) {
-                covered = LyrRendering::unite(covered, driver.getDeviceCoverageRect(pass));
-            }
-        });
-    }
-    return covered;
+    return pass >= FIRST_PASS && pass <= LAST_PASS ? d->coverage[placeOf(pass)] : LyrRendering::emptyRect();
 }
 
 void ViewScene::draw(const LyrRGBA<float>& background, const std::function<void()>& marks) {

@@ -65,7 +65,8 @@ public:
     Preparation prepare();
     /** What the last preparation found to draw anew, in device coordinates. */
     LyrRendering::DeviceRect getUpdateRect() const noexcept;
-    /** What the drivers cover in a pass, in device coordinates. */
+    /** What the drivers cover in a pass, as of the last preparation, in device coordinates. Drivers that cover nothing
+     * are drawn all the same. */
     LyrRendering::DeviceRect getCoverageRect(long long pass) const;
 
     /** Clears the view, draws all passes and clears the update flags. Drivers whose init() was not run yet, or failed,

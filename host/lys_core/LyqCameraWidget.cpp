@@ -37,16 +37,27 @@ constexpr double DRAG_ZOOM = 1.01;
 /** The place in its chain of the frame that is under way in any view, -1 for none. What it changes in other views is a
  * part of the chain, so that views which change each other come to an end. */
 int sPlaceInChain = -1;
+/** The view of that frame, for comparison only. */
+const void* sViewInChain = nullptr;
+/** Counts the changes that come from outside of frames: each may begin a chain. */
+unsigned long long sChains = 1;
 
 class ChainScope {
 public:
-    explicit ChainScope(int place) : mBefore(sPlaceInChain) { sPlaceInChain = place; }
-    ~ChainScope() { sPlaceInChain = mBefore; }
+    ChainScope(int place, const void* view) : mPlaceBefore(sPlaceInChain), mViewBefore(sViewInChain) {
+        sPlaceInChain = place;
+        sViewInChain = view;
+    }
+    ~ChainScope() {
+        sPlaceInChain = mPlaceBefore;
+        sViewInChain = mViewBefore;
+    }
     ChainScope(const ChainScope&) = delete;
     ChainScope& operator=(const ChainScope&) = delete;
 
 private:
-    int mBefore;
+    int mPlaceBefore;
+    const void* mViewBefore;
 };
 
 QEvent::Type frameEvent() {
@@ -87,9 +98,10 @@ struct LyqCameraWidget::Private {
     QPointer<LyqViewSurface> surface;
     QPointer<QLabel> label;
 
-    bool pending = false;   ///< a frame is posted
-    int placeInChain = 0;   ///< of that frame
-    bool updating = false;  ///< the view writes its camera's numbers itself
+    bool pending = false;                ///< a frame is posted
+    int placeInChain = 0;                ///< of that frame
+    unsigned long long lastPlaceIn = 0;  ///< value of sChains when a frame had the last place
+    bool updating = false;               ///< the view writes its camera's numbers itself
     bool toldOfChain = false;
 
     Qt::MouseButton dragged = Qt::NoButton;
@@ -189,7 +201,14 @@ void LyqCameraWidget::showProblem(const QString& problem) {
 // Frames
 
 void LyqCameraWidget::scheduleFrame() {
-    scheduleFrameAt(sPlaceInChain + 1);
+    if (sPlaceInChain < 0) {
+        ++sChains;
+    }
+    int place = sPlaceInChain + 1;
+    if (place >= LONGEST_CHAIN && sViewInChain != this && d->lastPlaceIn != sChains) {
+        place = LONGEST_CHAIN - 1;  // the last frame of another view changed this one, which had none of its own
+    }
+    scheduleFrameAt(place);
 }
 
 void LyqCameraWidget::scheduleFrameAt(int place) {
@@ -217,8 +236,11 @@ void LyqCameraWidget::redraw() {
 
 void LyqCameraWidget::runFrame() {
     d->pending = false;
-    const ChainScope chain(d->placeInChain);
     const int place = d->placeInChain;
+    const ChainScope chain(place, this);
+    if (place == LONGEST_CHAIN - 1) {
+        d->lastPlaceIn = sChains;
+    }
     if (updateCamera()) {
         d->scene.requestDraw();
     }

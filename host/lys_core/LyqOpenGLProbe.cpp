@@ -15,6 +15,23 @@ QString text(const char* key) {
     return QCoreApplication::translate("LyqCameraWidget", key);
 }
 
+/** Makes the context that was current current again in the end. */
+class CurrentContext {
+public:
+    CurrentContext() = default;
+    ~CurrentContext() {
+        if (mBefore) {
+            mBefore->makeCurrent(mSurface);
+        }
+    }
+    CurrentContext(const CurrentContext&) = delete;
+    CurrentContext& operator=(const CurrentContext&) = delete;
+
+private:
+    QOpenGLContext* mBefore = QOpenGLContext::currentContext();
+    QSurface* mSurface = mBefore ? mBefore->surface() : nullptr;
+};
+
 QString probe(const QSurfaceFormat& format) {
     const QString platform = QGuiApplication::platformName();
     if (platform == QLatin1String("offscreen") || platform == QLatin1String("minimal")) {
@@ -23,6 +40,7 @@ QString probe(const QSurfaceFormat& format) {
                                       "program on a desktop, or with xvfb-run."))
             .arg(platform);
     }
+    const CurrentContext before;
     QOpenGLContext context;
     context.setFormat(format);
     QOffscreenSurface surface;

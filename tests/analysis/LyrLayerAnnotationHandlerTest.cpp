@@ -30,6 +30,19 @@ protected:
     bool update(Entries& entries, LyrObject* where, LyrTimestamp since = LyrTimestamp::getCurrentTimestamp()) {
         return handler().update(nullptr, &root(), entries, where, since);
     }
+    bool updateOnce(LyrTimestamp since = LyrTimestamp::getCurrentTimestamp()) {
+        Entries entries;
+        return update(entries, container.get(), since);
+    }
+    static LyrObject* linkOf(const LyrColorLookupTableRenderDriver::Entry& entry, Lyrenum id) {
+        return lyrGetValue(entry.annotation.get(), id, LyrObjectLink()).getLink();
+    }
+    LyrObjectPtr addLayerOfTheSameTable() {
+        LyrObjectPtr second(LyrValueLayer::create(static_cast<LyrVolumeObject*>(document.get())));
+        lyrSetValue(second.get(), Lyr::ColorLookupTable, LyrObjectLink(layer().table(), nullptr, -1));
+        root().appendChild(new SceneGraphObjectNode(second.get()));
+        return second;
+    }
     LyrLayerAnnotationHandler& handler() { return static_cast<LyrLayerAnnotationHandler&>(*handlerObject); }
 
     LyrObjectPtr camera{new LyrCamera};
@@ -130,6 +143,78 @@ TEST_F(Handler, reports_changes_of_table_section_and_settings_after_the_last_upd
     EXPECT_FALSE(update(entries, container.get(), later));
     lyrSetValue<Lyrenum>(layer().renderSettings(), Lyr::Position, Lyr::Right);
     EXPECT_TRUE(update(entries, container.get(), later));
+}
+
+TEST_F(Handler, reports_an_edit_of_the_table_itself) {
+    updateOnce();
+    const LyrTimestamp before = LyrTimestamp::getCurrentTimestamp();
+    EXPECT_FALSE(updateOnce(before));
+    lyrSetValue<Lyrenum>(layer().table(), Lyr::Quantity, Lyr::Length);
+    EXPECT_TRUE(updateOnce(before));
+    EXPECT_FALSE(updateOnce(LyrTimestamp::getCurrentTimestamp()));
+}
+
+TEST_F(Handler, reports_another_table_and_other_settings_and_shows_them) {
+    updateOnce();
+    const LyrObjectRefPtr table("LyrColorLookupTable", Lyr::DocumentScope);
+    const LyrObjectRefPtr settings("LyrColorLookupTableRenderSettings", Lyr::DocumentScope);
+    // Both are older than the update, so that nothing but the link tells of them.
+    LyrTimestamp before = LyrTimestamp::getCurrentTimestamp();
+    ASSERT_FALSE(updateOnce(before));
+    lyrSetValue(&layer(), Lyr::ColorLookupTableRenderSettings, LyrObjectLink(settings.get(), nullptr, -1));
+    EXPECT_TRUE(updateOnce(before));
+    before = LyrTimestamp::getCurrentTimestamp();
+    EXPECT_FALSE(updateOnce(before));
+    lyrSetValue(&layer(), Lyr::ColorLookupTable, LyrObjectLink(table.get(), nullptr, -1));
+    Entries entries;
+    EXPECT_TRUE(update(entries, container.get(), before));
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(linkOf(entries[0], Lyr::Object), table.get());
+    EXPECT_EQ(linkOf(entries[0], Lyr::ColorLookupTableRenderSettings), settings.get());
+    EXPECT_FALSE(updateOnce());
+}
+
+TEST_F(Handler, reports_another_resolution_of_the_camera_and_passes_it_on) {
+    updateOnce();
+    EXPECT_FALSE(updateOnce());
+    lyrSetValue(camera.get(), Lyr::DotsPerInch, LyrVector2<float>(96.0f, 96.0f));
+    Entries entries;
+    EXPECT_TRUE(update(entries, container.get()));
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(lyrGetValue(entries[0].annotation.get(), Lyr::DotsPerInch, LyrVector2<float>()),
+              LyrVector2<float>(96.0f, 96.0f));
+    EXPECT_FALSE(updateOnce());
+}
+
+TEST_F(Handler, shows_one_legend_for_two_layers_with_the_same_table) {
+    addLayerOfTheSameTable();
+    Entries entries;
+    EXPECT_TRUE(update(entries, container.get()));
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(linkOf(entries[0], Lyr::Object), layer().table());
+    EXPECT_EQ(linkOf(entries[0], Lyr::ColorLookupTableRenderSettings), layer().renderSettings());
+    const LyrTimestamp written = entries[0].annotation->getModificationTimestamp();
+    for (int i = 0; i < 3; ++i) {
+        Entries again;
+        EXPECT_FALSE(update(again, container.get()));
+        ASSERT_EQ(again.size(), 1);
+        EXPECT_EQ(again[0].annotation, entries[0].annotation);
+    }
+    EXPECT_EQ(entries[0].annotation->getModificationTimestamp(), written);
+}
+
+TEST_F(Handler, a_shared_legend_has_the_settings_of_the_first_layer_that_shows_it) {
+    const LyrObjectPtr second = addLayerOfTheSameTable();
+    const LyrObject* settings = static_cast<LyrValueLayer&>(*second).renderSettings();
+    ASSERT_NE(settings, layer().renderSettings());
+    updateOnce();
+    lyrSetValue<Lyrenum>(layer().renderSettings(), Lyr::Rendering, 0);
+    Entries entries;
+    EXPECT_TRUE(update(entries, container.get()));
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_TRUE(entries[0].visible);
+    EXPECT_EQ(linkOf(entries[0], Lyr::ColorLookupTableRenderSettings), settings);
+    EXPECT_FALSE(updateOnce());
 }
 
 TEST_F(Handler, render_objects_of_present_and_future_have_one_while_the_library_is_in_use) {

@@ -220,3 +220,14 @@ TEST(LyrActionAttr, has_the_flags_that_it_is_declared_with) {
     const Declared action;
     EXPECT_EQ(action.getFlags(), 0x20000000u);
 }
+
+TEST(LyrActionName, is_given_by_the_class_or_missing) {
+    class Named : public LyrActionAttr {
+    public:
+        Named() : LyrActionAttr(0, 0, 6100) {}
+        void execute() override { ok(1); }
+    };
+    const Named named;
+    EXPECT_EQ(named.getName(), Lyrenum(6100));
+    EXPECT_EQ(Scripted().getName(), Lyrenum(-1));
+}

@@ -2,6 +2,7 @@
 
 #include <lyr_core/LyrError.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -141,4 +142,47 @@ TEST(LyrErrorDeathTest, without_a_listener_an_error_is_one_line_on_standard_erro
             std::exit(0);
         },
         testing::ExitedWithCode(0), "lyr: the parameters were refused \\(TestNode\\)");
+}
+
+TEST(LyrErrorDeathTest, equal_errors_stand_once_on_standard_error_with_their_number) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const Node node;
+            const Node other;
+            for (int i = 0; i < 100; ++i) {
+                LyrError::emitError(LyrError::Message(&node, Lyr::WrongType));
+                LyrError::emitError(LyrError::Message(&other, Lyr::WrongType));
+            }
+            LyrError::emitError(LyrError::Message(&node, Lyr::Failed));
+            LyrError::emitError(LyrError::Message(&node, Lyr::WrongType));
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0),
+        testing::EndsWith("lyr: an object is not of the expected type (TestNode)\n"
+                          "lyr: an object is not of the expected type (TestNode)\n"
+                          "lyr: the errors above were repeated 198 times\n"
+                          "lyr: the operation failed (TestNode)\n"));
+}
+
+TEST(LyrErrorDeathTest, an_error_is_told_again_after_many_others) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            emit(1);
+            for (int code = 2; code < 10; ++code) {
+                emit(code);
+            }
+            emit(1);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), testing::EndsWith("lyr: error 8\nlyr: error 9\nlyr: error 1\n"));
+}
+
+TEST_F(LyrErrorTest, listeners_hear_every_one_of_equal_errors) {
+    Listener first(words, "first", false);
+    for (int i = 0; i < 3; ++i) {
+        emit(5);
+    }
+    EXPECT_EQ(words, (Words{"first 5", "last 5", "first 5", "last 5", "first 5", "last 5"}));
 }

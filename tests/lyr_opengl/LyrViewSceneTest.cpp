@@ -236,22 +236,64 @@ TEST_F(Scene, reports_a_plugin_that_gives_no_driver_once) {
 
 TEST_F(Scene, ends_changes_that_cause_each_other) {
     TestLayer* a = makeLayer();
-    int inits = 0;
-    calls.init = [&](TestDriver&) {
-        ++inits;
-        show(inits % 2 == 1 ? std::vector<LyrObject*>{} : std::vector<LyrObject*>{a});
-        return true;
-    };
+    TestLayer* b = makeLayer();
+    // Each driver that is made has the other object shown instead.
+    calls.onMade = [&](TestDriver& driver) { show({driver.node->getObject() == a ? b : a}); };
     show({a});
-    for (int i = 0; i < 10; ++i) {
-        scene->prepare();
-    }
-    EXPECT_LE(inits, 10);
+    EXPECT_EQ(calls.made, 8);
+    EXPECT_EQ(errors.codes, std::vector<Lyrenum>{Lyr::Failed});
+    errors.codes.clear();
+    calls.onMade = {};
+    show({a});
+    ASSERT_EQ(scene->getViewportNodeCount(), 1);
+    EXPECT_EQ(scene->getViewportNode(0)->getObject(), a);
+    EXPECT_EQ(scene->getViewportNode(0)->getRenderingDriverCount(), 1);
 }
 
-TEST_F(Scene, unites_what_is_to_be_drawn_anew) {
+TEST_F(Scene, has_everything_drawn_at_first) {
     show({makeLayer()});
+    EXPECT_TRUE(scene->prepare().mustDraw);
+    EXPECT_EQ(scene->getUpdateRect().first, LyrVector2<float>(-1, -1));
+    EXPECT_EQ(scene->getUpdateRect().second, LyrVector2<float>(1, 1));
+}
+
+TEST_F(Scene, asks_each_driver_after_its_init_what_it_covers_in_each_pass) {
+    TestLayer* a = makeLayer();
+    TestLayer* b = makeLayer();
+    show({a, b});
+    std::vector<std::pair<LyrObject*, long long>> asked;
+    calls.coverage = [&](TestDriver& driver, long long pass) {
+        EXPECT_EQ(calls.inits, 2);
+        asked.emplace_back(driver.node->getObject(), pass);
+        if (pass != LyrRendering::OVERLAY_PASS) {
+            return LyrRendering::emptyRect();
+        }
+        return driver.node->getObject() == a ? LyrRendering::DeviceRect{{-0.5f, -0.25f}, {0.0f, 0.0f}}
+                                             : LyrRendering::DeviceRect{{-0.25f, -0.125f}, {0.5f, 0.75f}};
+    };
     scene->prepare();
-    EXPECT_EQ(scene->getUpdateRect().first, LyrVector2<float>(-1, -1));  // the first frame draws everything
+    EXPECT_EQ(asked, (std::vector<std::pair<LyrObject*, long long>>{{a, 1}, {a, 2}, {a, 3}, {b, 1}, {b, 2}, {b, 3}}));
+    const LyrRendering::DeviceRect covered = scene->getCoverageRect(LyrRendering::OVERLAY_PASS);
+    EXPECT_EQ(covered.first, LyrVector2<float>(-0.5f, -0.25f));
+    EXPECT_EQ(covered.second, LyrVector2<float>(0.5f, 0.75f));
+    for (const long long pass : {0LL, LyrRendering::SCENE_PASS, LyrRendering::MARK_PASS, 4LL}) {
+        EXPECT_TRUE(LyrRendering::isEmpty(scene->getCoverageRect(pass))) << pass;
+    }
+    EXPECT_EQ(asked.size(), 6u);  // asked once for each frame
+    show({});
+    scene->prepare();
+    EXPECT_TRUE(LyrRendering::isEmpty(scene->getCoverageRect(LyrRendering::OVERLAY_PASS)));
+}
+
+TEST_F(Scene, does_not_ask_a_driver_whose_init_failed) {
+    show({makeLayer()});
+    calls.init = [](TestDriver&) { return false; };
+    int asked = 0;
+    calls.coverage = calls.update = [&](TestDriver&, long long) {
+        ++asked;
+        return LyrRendering::deviceSquare();
+    };
+    scene->prepare();
+    EXPECT_EQ(asked, 0);
     EXPECT_TRUE(LyrRendering::isEmpty(scene->getCoverageRect(LyrRendering::SCENE_PASS)));
 }

@@ -19,6 +19,7 @@
 class TestDriver : public LyrRendering::Driver {
 public:
     struct Calls {
+        std::function<void(TestDriver&)> onMade;
         std::function<bool(TestDriver&)> init;
         std::function<bool(TestDriver&, long long pass)> render;
         int made = 0;
@@ -26,9 +27,16 @@ public:
         int inits = 0;
         int cleanups = 0;
         std::vector<LyrTimestamp> since;
+        std::function<LyrRendering::DeviceRect(TestDriver&, long long pass)> update;
+        std::function<LyrRendering::DeviceRect(TestDriver&, long long pass)> coverage;
     };
 
-    TestDriver(LyrSceneGraph::ViewportObjectNode* at, Calls& calls) : node(at), mCalls(calls) { ++mCalls.made; }
+    TestDriver(LyrSceneGraph::ViewportObjectNode* at, Calls& calls) : node(at), mCalls(calls) {
+        ++mCalls.made;
+        if (mCalls.onMade) {
+            mCalls.onMade(*this);
+        }
+    }
     ~TestDriver() override { ++mCalls.destroyed; }
 
     bool init() override {
@@ -37,6 +45,12 @@ public:
         return !mCalls.init || mCalls.init(*this);
     }
     void cleanup() override { ++mCalls.cleanups; }
+    LyrRendering::DeviceRect getDeviceUpdateRect(long long pass) override {
+        return mCalls.update ? mCalls.update(*this, pass) : Driver::getDeviceUpdateRect(pass);
+    }
+    LyrRendering::DeviceRect getDeviceCoverageRect(long long pass) override {
+        return mCalls.coverage ? mCalls.coverage(*this, pass) : Driver::getDeviceCoverageRect(pass);
+    }
     bool renderObject(long long pass, void*) override { return !mCalls.render || mCalls.render(*this, pass); }
 
     LyrSceneGraph::ViewportObjectNode* node;

@@ -52,9 +52,17 @@ TEST(LegendPlacement, the_share_lies_between_a_hundredth_and_the_whole) {
 }
 
 TEST(LegendPlacement, an_odd_length_is_centred_in_double_and_truncated) {
+    // 582 free from 10, 291 long: 301 - 145.5 is 155.5.
+    EXPECT_EQ(placed(wish(Lyr::Left, Lyr::Center, 0.5f), {0, 0, 800, 602}), QRect(10, 155, 60, 291));
+    EXPECT_EQ(placed(wish(Lyr::Top, Lyr::Center, 0.5f, QSize(200, 40)), {0, 0, 602, 600}), QRect(155, 10, 291, 40));
     // 581 free, 406 long (0.7 * 581 = 406.7): 300.5 - 203 is 97.5.
-    EXPECT_EQ(placed(wish(Lyr::Left, Lyr::Center), {0, 0, 800, 601}).height(), 406);
-    EXPECT_EQ(placed(wish(Lyr::Left, Lyr::Center), {0, 0, 800, 601}).top(), 97);
+    EXPECT_EQ(placed(wish(Lyr::Left, Lyr::Center), {0, 0, 800, 601}), QRect(10, 97, 60, 406));
+}
+
+TEST(LegendPlacement, edges_are_added_in_double_too) {
+    // At 110 dpi the margin is 11.458333: the edges 11.458333 and 92.541664 make 103.999997, in single precision 104.
+    // 0.7 * 81.08 is 56.76, so 51.9999986 - 28 is a little less than 24.
+    EXPECT_EQ(placed(wish(Lyr::Left, Lyr::Center), {0, 0, 800, 104}, 110.0f), QRect(11, 23, 60, 56));
 }
 
 TEST(LegendPlacement, the_minimum_enlarges_away_from_the_anchor) {

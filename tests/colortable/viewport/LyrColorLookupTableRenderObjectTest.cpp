@@ -1,5 +1,7 @@
 #include "LegendView.h"
 
+#include <colortable/viewport/LyrColorLookupTableRenderPlugin.h>
+#include <lyr_core/LyrAction.h>
 #include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrObjectIOCPtr.h>
@@ -227,5 +229,17 @@ TEST_F(RenderObject, s_plug_in_registers_its_role_once) {
     ASSERT_NE(before, nullptr);
     EXPECT_EQ(before->getRole(), Lyr::RenderPlugin);
     EXPECT_TRUE(LyrIdentifierRegistry::moduleRegistrationCount("lys_colortable") > 0);
-    EXPECT_FALSE(Lyrenum("ColorLookupTableRenderPlugin", true) == Lyrenum(-1));
+    ASSERT_TRUE(LyrColorLookupTableRenderPlugin::registerRole());
+    EXPECT_EQ(Roles::getRoleInterface(Lyr::RenderPlugin), before);
+    EXPECT_TRUE(errors.codes.empty());
+}
+
+TEST_F(RenderObject, s_plug_in_has_its_action_under_its_name) {
+    const auto& plugin = dynamic_cast<const LyrColorLookupTableRenderPlugin&>(*pluginOf(object.get()));
+    const LyrAction* action = plugin.getDriverInit();
+    ASSERT_NE(action, nullptr);
+    EXPECT_EQ(action->getActionID(), Lyr::DriverInit);
+    EXPECT_EQ(int(action->getActionID()), 0x0C350078);
+    ASSERT_FALSE(action->getName() == Lyrenum(-1));
+    EXPECT_EQ(action->getName(), Lyrenum("ColorLookupTableRenderPlugin", true));
 }

@@ -2,6 +2,9 @@
 #include <lys_core/LyrApplicationObject.h>
 
 #include <QHBoxLayout>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLWidget>
 #include <QPointer>
 #include <QSurfaceFormat>
 #include <QWidget>
@@ -137,21 +140,106 @@ TEST_F(CameraWidget, prepares_when_display_units_or_the_workspace_change) {
     EXPECT_EQ(frames, 1);
 }
 
-TEST_F(CameraWidget, runs_no_init_while_it_draws) {
-    addLayer();
-    bool drawing = false;
-    calls.render = [&](TestDriver&, long long) { return drawing = true; };
-    calls.init = [&](TestDriver&) {
-        EXPECT_FALSE(drawing);
+TEST_F(CameraWidget, lets_a_view_answer_to_the_last_frame_of_another) {
+    const auto one = show<LyqSliceWidget>();
+    const auto other = show<LyqSliceWidget>();
+    TestLayer* layer = addLayer();
+    runEvents(100);
+    int ofOne = 0;
+    int ofOther = 0;
+    calls.init = [&](TestDriver& driver) {
+        if (driver.node->getCameraNode()->getObject() == other->camera()) {
+            ++ofOther;
+            return true;
+        }
+        if (++ofOne < 4) {
+            driver.node->addUpdateFlags(5);  // one frame more
+        } else {
+            lyrSetValue(other->camera(), Lyr::DotsPerInch, LyrVector2<float>(50.0f, 50.0f));
+        }
         return true;
     };
+    one->scheduleFrame();
+    runEvents(300);
+    EXPECT_EQ(ofOne, 4);
+    EXPECT_EQ(ofOther, 1);
+    layer->setNameTemplate("later");
+    runEvents(300);
+    EXPECT_EQ(ofOne, 5);
+}
+
+TEST_F(CameraWidget, unites_what_is_to_be_drawn_anew) {
+    const TestLayer* a = addLayer();
+    TestLayer* b = addLayer();
     const auto view = show<LyqSceneWidget>();
-    QObject::connect(view.get(), &LyqCameraWidget::frameDrawn, [&] { drawing = false; });
-    drawing = false;
+    calls.update = [&](TestDriver& driver, long long pass) {
+        if (driver.node->getObject() == a) {
+            return pass == LyrRendering::SCENE_PASS ? LyrRendering::DeviceRect{{-0.5f, -0.25f}, {0.0f, 0.0f}}
+                                                    : LyrRendering::emptyRect();
+        }
+        return pass == LyrRendering::OVERLAY_PASS ? LyrRendering::DeviceRect{{-0.25f, -0.75f}, {0.125f, 0.5f}}
+                                                  : LyrRendering::emptyRect();
+    };
+    frames = 0;
+    b->setNameTemplate("other");
+    runEvents(200, [this] { return frames > 0; });
+    EXPECT_EQ(frames, 1);
+    const LyrRendering::DeviceRect united = view->scene().getUpdateRect();
+    EXPECT_EQ(united.first, LyrVector2<float>(-0.5f, -0.75f));
+    EXPECT_EQ(united.second, LyrVector2<float>(0.125f, 0.5f));
+    calls.update = {};
+    b->setNameTemplate("calm");
+    runEvents(200);
+    EXPECT_TRUE(LyrRendering::isEmpty(view->scene().getUpdateRect()));
+    EXPECT_EQ(frames, 1);
+}
+
+TEST_F(CameraWidget, draws_a_driver_that_covers_nothing) {
+    calls.coverage = [](TestDriver&, long long) { return LyrRendering::emptyRect(); };
+    calls.render = drawQuarter;
+    addLayer();
+    const auto view = show<LyqSceneWidget>();
+    EXPECT_EQ(view->getImage().pixel(1, 148), 0xffff0000u);
+}
+
+TEST_F(CameraWidget, runs_no_init_while_it_draws) {
+    /** Knows whether the toolkit delivers a paint event to the surface. */
+    struct PaintWatch : QObject {
+        bool eventFilter(QObject* surface, QEvent* event) override {
+            if (event->type() != QEvent::Paint || painting) {
+                return false;
+            }
+            painting = true;
+            ++paints;
+            QCoreApplication::sendEvent(surface, event);  // comes by here again, and is let through
+            painting = false;
+            return true;
+        }
+        bool painting = false;
+        int paints = 0;
+    } watch;
+    addLayer();
+    const auto view = show<LyqSceneWidget>();
+    ASSERT_FALSE(view->findChildren<QOpenGLWidget*>().isEmpty());
+    view->findChildren<QOpenGLWidget*>().first()->installEventFilter(&watch);
+    int drawn = 0;
+    calls.render = [&](TestDriver&, long long) {
+        drawn += watch.painting ? 1 : 0;
+        return true;
+    };
+    calls.init = [&](TestDriver&) {
+        EXPECT_FALSE(watch.painting);
+        return true;
+    };
+    const int before = calls.inits;
     for (int size = 100; size < 130; ++size) {
         view->resize(size, size);
-        runEvents(2);
+        runEvents(5);
     }
+    runEvents(100);
+    EXPECT_GT(watch.paints, 0);
+    EXPECT_GT(drawn, 0);
+    EXPECT_GT(calls.inits, before);
 }
 
 TEST_F(CameraWidget, shows_layers_in_views_that_are_there_and_in_those_to_come) {
@@ -299,6 +387,25 @@ TEST_F(CameraWidget, gives_a_picture_of_a_view_that_was_never_shown) {
     view.resize(64, 48);
     const QImage image = view.getImage();
     EXPECT_TRUE(image.isNull() || image.pixel(1, 46) == 0xffff0000u);
+}
+
+TEST_F(CameraWidget, tries_out_opengl_without_taking_the_current_context_away) {
+    QOffscreenSurface surface;
+    surface.create();
+    QOpenGLContext context;
+    ASSERT_TRUE(context.create());
+    ASSERT_TRUE(context.makeCurrent(&surface));
+    const QSurfaceFormat before = QSurfaceFormat::defaultFormat();
+    QSurfaceFormat other = before;
+    other.setSamples(before.samples() == 4 ? 2 : 4);  // a format that was not tried out yet
+    QSurfaceFormat::setDefaultFormat(other);
+    EXPECT_TRUE(LyqCameraWidget::openGLProblem().isEmpty());
+    EXPECT_EQ(QOpenGLContext::currentContext(), &context);
+    EXPECT_EQ(context.surface(), &surface);
+    context.doneCurrent();
+    QSurfaceFormat::setDefaultFormat(before);
+    EXPECT_TRUE(LyqCameraWidget::openGLProblem().isEmpty());
+    EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
 }
 
 TEST_F(CameraWidget, says_so_where_there_is_only_a_core_profile) {
