@@ -1,7 +1,6 @@
 #include "LegendView.h"
 
 #include <colortable/legend/LyqColorLookupTableWidget.h>
-#include <lyr_core/LyrClassManager.h>
 #include <lyr_core/LyrObjectIOCPtr.h>
 #include <lyr_core/LyrProperty.h>
 #include <lyr_core/LyrUnitIdentifiers.h>
@@ -61,6 +60,17 @@ struct MarkWatch : LyrIOC {
     }
     int messages = 0;
     int marks = 0;
+};
+
+/** Counts those that live. */
+class CountedDriver : public LyrColorLookupTableRenderDriver {
+public:
+    CountedDriver(LyrSceneGraph::ViewportObjectNode* at, LyrObject* plugin)
+        : LyrColorLookupTableRenderDriver(at, plugin) {
+        ++count;
+    }
+    ~CountedDriver() override { --count; }
+    inline static int count = 0;
 };
 
 /** Opens what is protected. */
@@ -488,16 +498,17 @@ TEST_F(RenderDriver, leaves_no_undo_step_and_no_mark_behind) {
 }
 
 TEST_F(RenderDriver, lets_go_of_everything_with_its_node) {
-    const auto before = LyrClassManager::getObjectCount(LyrClassManager::SearchPattern("LyrRendering::Driver"));
-    ASSERT_GT(before, 0);
     view.shown = {a.entry()};
     view.settle();
     const auto references = a.held->getRefCount();
     const LyrObjectPtr container(view.container());
     const auto containerReferences = container->getRefCount();
+    view.node->appendRenderingDriver(new CountedDriver(view.node, nullptr));
+    const int before = CountedDriver::count;
     view.shown.clear();
     view.node->removeRenderingDrivers();
     EXPECT_LT(a.held->getRefCount(), references);
     EXPECT_EQ(container->getRefCount(), containerReferences - 1);
-    EXPECT_EQ(LyrClassManager::getObjectCount(LyrClassManager::SearchPattern("LyrRendering::Driver")), before - 1);
+    EXPECT_EQ(view.node->getRenderingDriverCount(), 0);
+    EXPECT_EQ(CountedDriver::count, before - 1);
 }

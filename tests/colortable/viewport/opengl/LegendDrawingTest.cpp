@@ -31,8 +31,19 @@ struct Calls {
     std::vector<std::pair<int, int>> uploaded;
     std::vector<std::pair<float, float>> coordinates;
     std::vector<GLuint> names;
+    int proxies = 0;
+    std::vector<std::string> order;  ///< of what makes, draws and gives back
 };
 Calls sCalls;
+
+/** What OpenGL refuses from now on: the making of one texture. */
+enum class Fault { None, Proxy, Name, Image };
+Fault sFault = Fault::None;
+int sFaultAt = 0;  ///< the texture's number in the frame
+
+bool fails(Fault fault, std::size_t number) {
+    return sFault == fault && sFaultAt == static_cast<int>(number);
+}
 
 template <class Function>
 Function* next(const char* name) {
@@ -45,10 +56,37 @@ Function* next(const char* name) {
 extern "C" {
 void glTexImage2D(GLenum target, GLint level, GLint internal, GLsizei width, GLsizei height, GLint border,
                   GLenum format, GLenum type, const void* data) {
+    bool refused = false;
     if (target == GL_TEXTURE_2D) {
+        refused = fails(Fault::Image, sCalls.created.size());
         sCalls.created.emplace_back(width, height);
     }
-    next<decltype(glTexImage2D)>("glTexImage2D")(target, level, internal, width, height, border, format, type, data);
+    // A level below 0 is an error of OpenGL's own.
+    next<decltype(glTexImage2D)>("glTexImage2D")(target, refused ? -1 : level, internal, width, height, border, format,
+                                                 type, data);
+}
+void glGetTexLevelParameteriv(GLenum target, GLint level, GLenum name, GLint* values) {
+    next<decltype(glGetTexLevelParameteriv)>("glGetTexLevelParameteriv")(target, level, name, values);
+    if (target == GL_PROXY_TEXTURE_2D && name == GL_TEXTURE_WIDTH &&
+        fails(Fault::Proxy, static_cast<std::size_t>(sCalls.proxies++))) {
+        *values = 0;
+    }
+}
+void glDeleteTextures(GLsizei count, const GLuint* names) {
+    sCalls.order.emplace_back("delete");
+    next<decltype(glDeleteTextures)>("glDeleteTextures")(count, names);
+}
+void glBegin(GLenum mode) {
+    sCalls.order.emplace_back("begin");
+    next<decltype(glBegin)>("glBegin")(mode);
+}
+void glPopMatrix() {
+    sCalls.order.emplace_back("pop matrix");
+    next<decltype(glPopMatrix)>("glPopMatrix")();
+}
+void glPopAttrib() {
+    sCalls.order.emplace_back("pop attributes");
+    next<decltype(glPopAttrib)>("glPopAttrib")();
 }
 void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height, GLenum format,
                      GLenum type, const void* data) {
@@ -60,7 +98,11 @@ void glTexCoord2f(GLfloat s, GLfloat t) {
     next<decltype(glTexCoord2f)>("glTexCoord2f")(s, t);
 }
 void glGenTextures(GLsizei count, GLuint* names) {
-    next<decltype(glGenTextures)>("glGenTextures")(count, names);
+    if (fails(Fault::Name, sCalls.names.size())) {
+        std::fill_n(names, count, 0u);
+    } else {
+        next<decltype(glGenTextures)>("glGenTextures")(count, names);
+    }
     sCalls.names.insert(sCalls.names.end(), names, names + count);
 }
 }
@@ -147,6 +189,17 @@ std::string nameOf(const testing::TestParamInfo<int>& parameter) {
     std::replace(name.begin(), name.end(), ' ', '_');
     return parameter.param == 0 ? "all_at_once" : name;
 }
+
+struct Refusal {
+    const char* name;
+    Fault fault;
+    int at;
+};
+
+class LegendWithoutTexture : public LegendDrawing, public testing::WithParamInterface<Refusal> {
+protected:
+    ~LegendWithoutTexture() override { sFault = Fault::None; }
+};
 
 class LegendInHostileState : public LegendDrawing, public testing::WithParamInterface<int> {};
 
@@ -380,6 +433,45 @@ TEST_F(LegendDrawing, without_a_context_is_refused) {
     context->makeCurrent(surface);
     EXPECT_TRUE(draw());
 }
+
+TEST_P(LegendWithoutTexture, gives_back_what_was_taken_and_draws_no_later_legend) {
+    lyrSetValue(b.settings.get(), Lyr::Position, Lyr::Right);
+    view.shown = {a.entry(), b.entry()};
+    view.settle();
+    const GlState before = readGlState();
+    sCalls = {};
+    sFault = GetParam().fault;
+    sFaultAt = GetParam().at;
+    EXPECT_FALSE(draw());
+    sFault = Fault::None;
+    const Calls calls = sCalls;
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+    EXPECT_EQ(describeDifference(before, readGlState()), "");
+    const auto& order = calls.order;
+    EXPECT_EQ(std::count(order.begin(), order.end(), "begin"), GetParam().at);
+    EXPECT_EQ(std::count(order.begin(), order.end(), "pop attributes"), 1);
+    const auto attributes = std::find(order.begin(), order.end(), "pop attributes");
+    EXPECT_GE(std::count(order.begin(), attributes, "pop matrix"), 2);
+    EXPECT_EQ(std::count(attributes, order.end(), "delete"), 0);
+    // Each name that was given out is taken back, before the attributes are.
+    const auto given = std::count_if(calls.names.begin(), calls.names.end(), [](GLuint name) { return name != 0; });
+    EXPECT_EQ(std::count(order.begin(), attributes, "delete"), given);
+    EXPECT_EQ(given, GetParam().at + (GetParam().fault == Fault::Image ? 1 : 0));
+    for (const GLuint name : calls.names) {
+        EXPECT_EQ(glIsTexture(name), GL_FALSE);
+    }
+    expectLegends(GetParam().at == 0 ? std::vector<const LyqAnnotation*>{}
+                                     : std::vector<const LyqAnnotation*>{&a.annotation()});
+    EXPECT_TRUE(draw());
+    expectLegends({&a.annotation(), &b.annotation()});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , LegendWithoutTexture,
+    testing::Values(Refusal{"proxy_of_the_first", Fault::Proxy, 0}, Refusal{"proxy_of_the_second", Fault::Proxy, 1},
+                    Refusal{"name_of_the_first", Fault::Name, 0}, Refusal{"name_of_the_second", Fault::Name, 1},
+                    Refusal{"image_of_the_first", Fault::Image, 0}, Refusal{"image_of_the_second", Fault::Image, 1}),
+    [](const auto& parameter) { return std::string(parameter.param.name); });
 
 TEST_P(LegendInHostileState, draws_the_same_picture_and_leaves_the_state_as_it_was) {
     const auto& states = hostileStates();
