@@ -14,6 +14,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QFile>
 #include <QLineEdit>
@@ -115,6 +116,29 @@ TEST_F(Editing, a_bound_typed_into_the_dock_recolors_all_views_and_is_one_step) 
     window->findChild<QAction*>("redo")->trigger();
     settle();
     EXPECT_EQ(pictures(), after);
+}
+
+TEST_F(Editing, the_legend_dock_switches_the_legend_of_all_views_in_one_step) {
+    const std::vector<QImage> before = pictures();
+    auto* dock = window->findChild<QDockWidget*>("dock-legend");
+    ASSERT_TRUE(dock);
+    dock->raise();
+    settle();
+    auto* shown = dock->findChild<QComboBox*>("mRenderingComboBox");
+    ASSERT_TRUE(shown);
+    shown->setFocus();
+    QTest::keyClick(shown, shown->currentIndex() == 0 ? Qt::Key_Down : Qt::Key_Up);
+    settle();
+    EXPECT_EQ(history().count(), 1);
+    EXPECT_TRUE(window->contents().changes().isModified(contents()[1].object));
+    EXPECT_FALSE(window->contents().changes().isModified(contents()[0].object));
+    const std::vector<QImage> after = pictures();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        EXPECT_NE(before[i], after[i]) << i;
+    }
+    window->findChild<QAction*>("undo")->trigger();
+    settle();
+    EXPECT_EQ(pictures(), before);
 }
 
 TEST_F(Editing, undo_and_redo_say_what_they_would_do) {
