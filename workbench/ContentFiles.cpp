@@ -1,5 +1,4 @@
 #include <lyr_core/LyrObjectFile.h>
-#include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqPreferenceManager.h>
@@ -163,7 +162,7 @@ std::vector<ContentFiles::Unsaved> ContentFiles::unsaved() const {
     for (const LyqLayer* layer : LyqSession::instance().layers()) {
         for (const LyqLayer::Content& content : layer->contents()) {
             if (mChanges->isModified(content.object)) {
-                all.push_back({layer, content});
+                all.push_back({content, layer->title(), LyrObjectPtr(content.object)});
             }
         }
     }
@@ -172,12 +171,11 @@ std::vector<ContentFiles::Unsaved> ContentFiles::unsaved() const {
 
 bool ContentFiles::saveAll() {
     for (const Unsaved& one : unsaved()) {
-        const LyrObjectPtr layer(const_cast<LyqLayer*>(one.layer));
         const QString file = mChanges->file(one.content.object);
         QString message;
-        if (file.isEmpty() ? !saveAs(one.content, one.layer->title()) : !save(one.content, file, message)) {
+        if (file.isEmpty() ? !saveAs(one.content, one.owner) : !save(one.content, file, message)) {
             if (!message.isEmpty()) {
-                Q_EMIT failed(tr("Save %1 of \"%2\"").arg(one.content.title, one.layer->title()), message);
+                Q_EMIT failed(tr("Save %1 of \"%2\"").arg(one.content.title, one.owner), message);
             }
             return false;
         }
@@ -192,7 +190,7 @@ bool ContentFiles::mayClose() {
     }
     QStringList names;
     for (const Unsaved& one : changed) {
-        names << tr("%1 of \"%2\"").arg(one.content.title, one.layer->title());
+        names << tr("%1 of \"%2\"").arg(one.content.title, one.owner);
     }
     QMessageBox box(QMessageBox::Question, tr("Unsaved Changes"),
                     tr("There are changes that have not been saved:\n\n%1").arg(names.join('\n')),

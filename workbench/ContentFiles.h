@@ -1,5 +1,6 @@
 #pragma once
 
+#include <lyr_core/LyrObjectPtr.h>
 #include <lys_core/LyqLayer.h>
 
 #include <QObject>
@@ -44,8 +45,9 @@ Q_SIGNALS:
 
 private:
     struct Unsaved {
-        const LyqLayer* layer;
         LyqLayer::Content content;
+        QString owner;      ///< title of its layer
+        LyrObjectPtr held;  ///< a layer may go while a dialog is open
     };
     std::vector<Unsaved> unsaved() const;
     void rebuildMenu();
