@@ -4,9 +4,14 @@
 #include <analysis/LibraryInit.h>
 #include <analysis/LyrAnalysisRenderPlugin.h>
 #include <analysis/LyrColoredLayer.h>
+#include <analysis/LyrDefectDetectionColorLookupTableRenderSettings.h>
+#include <analysis/LyrDefectLayer.h>
 #include <analysis/LyrLayerAnnotationHandler.h>
+#include <analysis/LyrThicknessLayer.h>
 #include <analysis/LyrValueLayer.h>
+#include <analysis/LyrWallThicknessColorLookupTableRenderSettings.h>
 #include <analysis/ValueLayerExtension_p.h>
+#include <analysis/VolumeAnalyses_p.h>
 #include <colortable/LibraryInit.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
@@ -61,6 +66,13 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sPluginClass = LyrAnalysisRenderPlugin::metaClass();
 [[maybe_unused]] const LyrMetaClass& sLayerClass = LyrColoredLayer::metaClass();
 [[maybe_unused]] const LyrMetaClass& sValueLayerClass = LyrValueLayer::metaClass();
+[[maybe_unused]] const LyrMetaClass& sResultLayerClass = LyrResultLayer::metaClass();
+[[maybe_unused]] const LyrMetaClass& sThicknessLayerClass = LyrThicknessLayer::metaClass();
+[[maybe_unused]] const LyrMetaClass& sDefectLayerClass = LyrDefectLayer::metaClass();
+[[maybe_unused]] const LyrMetaClass& sThicknessSettingsClass =
+    LyrWallThicknessColorLookupTableRenderSettings::metaClass();
+[[maybe_unused]] const LyrMetaClass& sDefectSettingsClass =
+    LyrDefectDetectionColorLookupTableRenderSettings::metaClass();
 [[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrLayerAnnotationHandler::metaClass();
 
 std::unique_ptr<AnnotationHandlerHook> sHandlerHook;
@@ -96,6 +108,8 @@ void LibraryInit::install() {
     LyqExtensionRegistry::instance().add(std::make_unique<ValueLayerExtension>());
     LyqExtensionRegistry::instance().add(std::make_unique<ColorsDock>());
     LyqExtensionRegistry::instance().add(std::make_unique<LegendDock>());
+    LyqExtensionRegistry::instance().add(std::make_unique<DefectVolumeAnalysis>());
+    LyqExtensionRegistry::instance().add(std::make_unique<WallThicknessAnalysis>());
 }
 
 void LibraryInit::remove() {

@@ -13,6 +13,7 @@
 #include <QObject>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <utility>
 
@@ -39,6 +40,27 @@ struct LyrColoredLayer::Private {
 };
 
 namespace {
+
+/** The sample at a place between the centres of voxels, weighted linearly; beyond the border the nearest counts. */
+float sampleBetween(const LyrVolume& volume, const float* position) {
+    std::array<std::int64_t, 3> base{};
+    std::array<float, 3> part{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double last = static_cast<double>(volume.size()[axis] - 1);
+        const double index = std::clamp(static_cast<double>(position[axis]) / volume.spacing()[axis] - 0.5, 0.0, last);
+        base[axis] = std::min(static_cast<std::int64_t>(index), std::max<std::int64_t>(volume.size()[axis] - 2, 0));
+        part[axis] = static_cast<float>(index - static_cast<double>(base[axis]));
+    }
+    const auto at = [&](std::int64_t x, std::int64_t y, std::int64_t z) {
+        return volume.at(std::min(base[0] + x, volume.size()[0] - 1), std::min(base[1] + y, volume.size()[1] - 1),
+                         std::min(base[2] + z, volume.size()[2] - 1));
+    };
+    const auto mix = [](float a, float b, float t) { return a + (b - a) * t; };
+    const auto plane = [&](std::int64_t z) {
+        return mix(mix(at(0, 0, z), at(1, 0, z), part[0]), mix(at(0, 1, z), at(1, 1, z), part[0]), part[1]);
+    };
+    return mix(plane(0), plane(1), part[2]);
+}
 
 LyrObjectLink linkTo(LyrObject* object) {
     return {object, nullptr, -1};
@@ -134,6 +156,25 @@ LyrObject* LyrColoredLayer::renderSettings() const {
 
 const PartSurface& LyrColoredLayer::surface() const {
     return *d->surface;
+}
+
+std::shared_ptr<const LyrRendering::SurfaceMesh> LyrColoredLayer::mesh() const {
+    return d->surface->mesh();
+}
+
+void LyrColoredLayer::valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const {
+    out.resize(mesh.positions.size() / 3);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        out[i] = sampleBetween(*d->values, mesh.positions.data() + 3 * i);
+    }
+}
+
+void LyrColoredLayer::finishSlice(int, int, std::span<const float>, std::span<std::uint8_t>) const {}
+
+void LyrColoredLayer::finishMesh(std::span<std::uint8_t>) const {}
+
+LyrTimestamp LyrColoredLayer::getFinishTimestamp() const {
+    return {};
 }
 
 LyrTimestamp LyrColoredLayer::getTableTimestamp() const {

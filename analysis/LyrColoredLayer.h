@@ -2,10 +2,14 @@
 
 #include <analysis/LysAnalysisExport.h>
 #include <lyr_core/LyrTimestamp.h>
+#include <lyr_opengl/LyrSurface.h>
 #include <lyr_volume/LyrVolume.h>
 #include <lys_core/LyqLayer.h>
 
+#include <cstdint>
 #include <memory>
+#include <span>
+#include <vector>
 
 class LyrColorLookupTable;
 class LyrVolumeObject;
@@ -37,6 +41,17 @@ public:
     LyrColorLookupTable* table() const;
     LyrObject* renderSettings() const;
     const PartSurface& surface() const;
+
+    /** The surface that scene views show, null while there is none: that of the part. */
+    virtual std::shared_ptr<const LyrRendering::SurfaceMesh> mesh() const;
+    /** The values at the vertices of mesh(), by which they are coloured: samples of the values, weighted linearly. */
+    virtual void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const;
+    /** Changes the pixels (RGBA, 8 bits) of a slice after its values were coloured. */
+    virtual void finishSlice(int axis, int index, std::span<const float> values, std::span<std::uint8_t> pixels) const;
+    /** The same for the colours of the vertices. */
+    virtual void finishMesh(std::span<std::uint8_t> colors) const;
+    /** When what finishMesh() does became another. */
+    virtual LyrTimestamp getFinishTimestamp() const;
 
     /** When the table or one of its sections changed last, or another one was linked. */
     LyrTimestamp getTableTimestamp() const;

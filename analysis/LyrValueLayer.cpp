@@ -1,5 +1,6 @@
 #include <analysis/AnalysisIdentifiers.h>
 #include <analysis/LyrValueLayer.h>
+#include <analysis/RainbowTable.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/LyrColorLookupTable.h>
@@ -11,37 +12,8 @@
 
 #include <QCoreApplication>
 
-#include <algorithm>
-#include <cmath>
-
-namespace {
-
-/** The range that a new table spans: the volume's, widened where it has no extent. */
-LyrVolume::ValueRange tableRange(const LyrVolume& volume) {
-    LyrVolume::ValueRange range = volume.valueRange();
-    if (range.isEmpty()) {
-        range.low = 0.0f;
-        range.high = 1.0f;
-    } else if (range.low == range.high) {
-        const float width = std::max(std::fabs(range.low) * 1e-3f, 1e-3f);
-        range.low -= width;
-        range.high += width;
-    }
-    return range;
-}
-
-}  // namespace
-
 LyrValueLayer* LyrValueLayer::create(LyrVolumeObject* document) {
-    // A new table is a rainbow between two positions. Nobody holds it yet, so that undo hears nothing of its making.
-    auto* made = new LyrColorLookupTable;
-    const LyrVolume::ValueRange range = tableRange(*document->volume());
-    const float positions[] = {range.low, range.high};
-    if (const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> list(made, Lyr::PositionList); list) {
-        list->initArray(0, 1, positions);
-    }
-    lyrSetValue<Lyrenum>(made, Lyr::Quantity, Lyr::Number);
-    const LyrObjectPtr table(made);
+    const LyrObjectPtr table = lysRainbowTable(document->volume()->valueRange(), Lyr::Number);
     const LyrObjectPtr settings(new LyrColorLookupTableRenderSettings);
     if (!table || !settings) {
         return nullptr;

@@ -36,15 +36,16 @@ bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
         analysis.module(), this);
     LyqBackgroundJob* const job = mJob;
     connect(job, &LyqBackgroundJob::progressChanged, this, &AnalysisRunner::progressChanged);
-    connect(job, &LyqBackgroundJob::finished, this, [this, job, run](bool succeeded, const QString& text) {
+    connect(job, &LyqBackgroundJob::finished, this, [this, job, run](bool done, const QString& text) {
         job->deleteLater();
-        if (succeeded) {
+        if (done) {
             for (const LyrObjectPtr& object : run->createLayers()) {
                 LyqSession::instance().addLayer(dynamic_cast<LyqLayer*>(object.get()));
             }
             LyqSession::instance().addReport(run->report());
+            Q_EMIT succeeded(*run);
         }
-        Q_EMIT finished(succeeded, text);
+        Q_EMIT finished(done, text);
     });
     job->start();
     Q_EMIT started();

@@ -5,6 +5,7 @@
 #include <QString>
 
 class LyqAnalysisExtension;
+class LyqAnalysisRun;
 class LyqBackgroundJob;
 
 namespace workbench {
@@ -27,8 +28,10 @@ public:
 Q_SIGNALS:
     void started();
     void progressChanged(double done);
-    /** The run has ended; the message says why if it failed. */
-    void finished(bool succeeded, const QString& message);
+    /** A run has succeeded; its layers are shown. */
+    void succeeded(const LyqAnalysisRun& run);
+    /** The run has ended, all is told of it; the message says why if it failed. */
+    void finished(bool done, const QString& message);
 
 private:
     QPointer<LyqBackgroundJob> mJob;

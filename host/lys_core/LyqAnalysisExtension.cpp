@@ -1,5 +1,7 @@
 #include <lys_core/LyqAnalysisExtension.h>
 
+#include <QCoreApplication>
+
 LyqAnalysisRun::~LyqAnalysisRun() = default;
 
 std::vector<LyrObjectPtr> LyqAnalysisRun::createLayers() {
@@ -8,6 +10,11 @@ std::vector<LyrObjectPtr> LyqAnalysisRun::createLayers() {
 
 LyqReport LyqAnalysisRun::report() const {
     return {};
+}
+
+bool LyqAnalysisRun::saveReport(const QString& file, QString& message) const {
+    message = QCoreApplication::translate("LyqAnalysisRun", "%1 is not written: the analysis has no report.").arg(file);
+    return false;
 }
 
 LyqAnalysisExtension::~LyqAnalysisExtension() = default;

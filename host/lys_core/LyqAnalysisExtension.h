@@ -27,6 +27,9 @@ public:
     virtual std::vector<LyrObjectPtr> createLayers();
     /** After a compute() that succeeded: the numbers. */
     virtual LyqReport report() const;
+    /** After a compute() that succeeded: writes the numbers to a file, as CSV or JSON by the ending of its name (.csv,
+     * .json). False, and a message for users, if it cannot be written. */
+    virtual bool saveReport(const QString& file, QString& message) const;
 };
 
 /** An analysis that users start from a menu or by `--analysis`. */

@@ -23,5 +23,7 @@ struct LyqReport {
     QString title;  ///< translated
     QVector<Column> columns;
     QVector<QVector<QVariant>> rows;  ///< a value for each column, lengths in mm
+    /** Rows that are not listed here because there are too many of them; totals and files count them. */
+    qint64 rowsLeftOut = 0;
     QVector<Total> totals;
 };

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <analysis/LysAnalysisExport.h>
+#include <lyr_opengl/LyrSurface.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct LyrDefectResult;
+
+/** The surfaces of all defects, at the threshold by which they were found. */
+struct LYS_ANALYSIS_EXPORT DefectSurface {
+    std::shared_ptr<const LyrRendering::SurfaceMesh> mesh;
+    std::vector<std::uint32_t> defects;  ///< number of the defect that each vertex belongs to
+
+    /** Extracts them; may run in any thread. False, with a message unless it was cancelled, and `out` untouched, when
+     *  memory is short.
+     *  @param progress  told the part that is done, 0 to 1; false cancels */
+    static bool extract(const LyrDefectResult& result, DefectSurface& out, std::string& error,
+                        const std::function<bool(double)>& progress);
+};

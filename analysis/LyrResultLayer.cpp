@@ -1,0 +1,76 @@
+#include <analysis/AnalysisIdentifiers.h>
+#include <analysis/LyrResultLayer.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_volume/LyrVolumeObject.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/** How far is looked for a value, in voxels: a surface lies between two voxels, one of which has a value. */
+constexpr std::int64_t REACH = 2;
+
+/** The value of the voxel nearest to a place (mm) that has one; NaN if there is none within reach. */
+float nearestValue(const LyrVolume& volume, const float* position) {
+    std::array<double, 3> index{};  // voxel centres lie at whole numbers
+    std::array<std::int64_t, 3> from{}, to{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        index[axis] = static_cast<double>(position[axis]) / volume.spacing()[axis] - 0.5;
+        const auto middle = static_cast<std::int64_t>(std::lround(index[axis]));
+        from[axis] = std::max<std::int64_t>(middle - REACH, 0);
+        to[axis] = std::min(middle + REACH, volume.size()[axis] - 1);
+    }
+    float found = std::numeric_limits<float>::quiet_NaN();
+    double least = std::numeric_limits<double>::infinity();
+    for (std::int64_t z = from[2]; z <= to[2]; ++z) {
+        for (std::int64_t y = from[1]; y <= to[1]; ++y) {
+            for (std::int64_t x = from[0]; x <= to[0]; ++x) {
+                const double dx = (static_cast<double>(x) - index[0]) * volume.spacing()[0];
+                const double dy = (static_cast<double>(y) - index[1]) * volume.spacing()[1];
+                const double dz = (static_cast<double>(z) - index[2]) * volume.spacing()[2];
+                const double distance = dx * dx + dy * dy + dz * dz;
+                if (distance < least && !std::isnan(volume.at(x, y, z))) {
+                    least = distance;
+                    found = volume.at(x, y, z);
+                }
+            }
+        }
+    }
+    return found;
+}
+
+}  // namespace
+
+const LyrMetaClass& LyrResultLayer::metaClass() {
+    static const LyrMetaClass meta("LyrResultLayer", sizeof(LyrResultLayer), &LyrColoredLayer::metaClass(), nullptr,
+                                   LYS_ANALYSIS_MODULE, 0, nullptr, 0, 0, 0, false);
+    return meta;
+}
+
+const LyrMetaClass& LyrResultLayer::getMetaClass() const {
+    return metaClass();
+}
+
+bool LyrResultLayer::readout(const LyrVector3<float>& position, Readout& out) const {
+    LyrVolume::Size voxel{};
+    return document().voxelAt(position, voxel) && !std::isnan(values()->at(voxel[0], voxel[1], voxel[2])) &&
+           LyrColoredLayer::readout(position, out);
+}
+
+void LyrResultLayer::finishSlice(int, int, std::span<const float> values, std::span<std::uint8_t> pixels) const {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (std::isnan(values[i])) {
+            pixels[4 * i + 3] = 0;
+        }
+    }
+}
+
+void LyrResultLayer::valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const {
+    out.resize(mesh.positions.size() / 3);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        out[i] = nearestValue(*values(), mesh.positions.data() + 3 * i);
+    }
+}
