@@ -45,8 +45,26 @@ std::shared_ptr<const LyrVolume> hollowness(const LyrDefectResult& result) {
     return LyrVolume::create(std::move(description), std::move(samples));
 }
 
-/** The defect nearest to a place (mm) that lies on the surface of one. */
-std::uint32_t defectNear(const LyrDefectResult& result, const LyrVector3<float>& place) {
+std::shared_ptr<LyrRendering::SurfaceMesh> meshOf(const LyrVolumeSurface& surface) {
+    auto mesh = std::make_shared<LyrRendering::SurfaceMesh>();
+    const auto flatten = [](const std::vector<LyrVector3<float>>& from, std::vector<float>& to) {
+        to.reserve(3 * from.size());
+        for (const LyrVector3<float>& v : from) {
+            to.insert(to.end(), {v.x, v.y, v.z});
+        }
+    };
+    flatten(surface.positions, mesh->positions);
+    flatten(surface.normals, mesh->normals);
+    mesh->triangles.reserve(3 * surface.triangles.size());
+    for (const auto& triangle : surface.triangles) {
+        mesh->triangles.insert(mesh->triangles.end(), triangle.begin(), triangle.end());
+    }
+    return mesh;
+}
+
+}  // namespace
+
+std::uint32_t DefectSurface::defectNear(const LyrDefectResult& result, const LyrVector3<float>& place) {
     const LyrVolume& volume = *result.volume;
     const std::array<double, 3> at = {static_cast<double>(place.x), static_cast<double>(place.y),
                                       static_cast<double>(place.z)};
@@ -54,6 +72,9 @@ std::uint32_t defectNear(const LyrDefectResult& result, const LyrVector3<float>&
     std::array<std::int64_t, 3> middle{};
     for (std::size_t axis = 0; axis < 3; ++axis) {
         index[axis] = at[axis] / volume.spacing()[axis] - 0.5;
+        if (!(index[axis] >= -1.0 && index[axis] <= static_cast<double>(volume.size()[axis]))) {
+            return 0;
+        }
         middle[axis] = static_cast<std::int64_t>(std::lround(index[axis]));
     }
     std::uint32_t number = 0;
@@ -74,25 +95,6 @@ std::uint32_t defectNear(const LyrDefectResult& result, const LyrVector3<float>&
     }
     return number;
 }
-
-std::shared_ptr<LyrRendering::SurfaceMesh> meshOf(const LyrVolumeSurface& surface) {
-    auto mesh = std::make_shared<LyrRendering::SurfaceMesh>();
-    const auto flatten = [](const std::vector<LyrVector3<float>>& from, std::vector<float>& to) {
-        to.reserve(3 * from.size());
-        for (const LyrVector3<float>& v : from) {
-            to.insert(to.end(), {v.x, v.y, v.z});
-        }
-    };
-    flatten(surface.positions, mesh->positions);
-    flatten(surface.normals, mesh->normals);
-    mesh->triangles.reserve(3 * surface.triangles.size());
-    for (const auto& triangle : surface.triangles) {
-        mesh->triangles.insert(mesh->triangles.end(), triangle.begin(), triangle.end());
-    }
-    return mesh;
-}
-
-}  // namespace
 
 bool DefectSurface::extract(const LyrDefectResult& result, DefectSurface& out, std::string& error,
                             const std::function<bool(double)>& progress) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analysis/LysAnalysisExport.h>
+#include <lyr_core/LyrVector3.h>
 #include <lyr_opengl/LyrSurface.h>
 
 #include <cstdint>
@@ -21,4 +22,8 @@ struct LYS_ANALYSIS_EXPORT DefectSurface {
      *  @param progress  told the part that is done, 0 to 1; false cancels */
     static bool extract(const LyrDefectResult& result, DefectSurface& out, std::string& error,
                         const std::function<bool(double)>& progress);
+
+    /** Number of the defect with the voxel nearest to a place of the world (mm), no further away than the next voxel in
+     * each direction; 0 if there is none. */
+    static std::uint32_t defectNear(const LyrDefectResult& result, const LyrVector3<float>& place);
 };

@@ -1,5 +1,6 @@
 #include <analysis/AnalysisIdentifiers.h>
 #include <analysis/AnnotationHandlerHook_p.h>
+#include <analysis/DefectDock_p.h>
 #include <analysis/EditorDocks_p.h>
 #include <analysis/LibraryInit.h>
 #include <analysis/LyrAnalysisRenderPlugin.h>
@@ -110,6 +111,7 @@ void LibraryInit::install() {
     LyqExtensionRegistry::instance().add(std::make_unique<LegendDock>());
     LyqExtensionRegistry::instance().add(std::make_unique<DefectVolumeAnalysis>());
     LyqExtensionRegistry::instance().add(std::make_unique<WallThicknessAnalysis>());
+    LyqExtensionRegistry::instance().add(std::make_unique<DefectDock>());
 }
 
 void LibraryInit::remove() {

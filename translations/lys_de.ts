@@ -9,10 +9,137 @@
     </message>
 </context>
 <context>
+    <name>DefectDock</name>
+    <message>
+        <source>Defects</source>
+        <translation>Defekte</translation>
+    </message>
+</context>
+<context>
+    <name>DefectPanel</name>
+    <message>
+        <source>Save &amp;Report…</source>
+        <translation>&amp;Bericht sichern…</translation>
+    </message>
+    <message>
+        <source>Defects</source>
+        <translation>Defekte</translation>
+    </message>
+    <message>
+        <source>Defects are listed here after the analysis &quot;Defect volume&quot;.</source>
+        <translation>Hier stehen nach der Analyse „Defektvolumen“ die Defekte.</translation>
+    </message>
+    <message>
+        <source>Defects: %1   Volume: %2   Porosity: %3 %</source>
+        <translation>Defekte: %1   Volumen: %2   Porosität: %3 %</translation>
+    </message>
+    <message>
+        <source>Save Report</source>
+        <translation>Bericht sichern</translation>
+    </message>
+    <message>
+        <source>Reports (*.csv *.json)</source>
+        <translation>Berichte (*.csv *.json)</translation>
+    </message>
+    <message>
+        <source>The report is not written</source>
+        <translation>Der Bericht ist nicht geschrieben</translation>
+    </message>
+</context>
+<context>
+    <name>DefectTableModel</name>
+    <message>
+        <source>Number</source>
+        <translation>Nummer</translation>
+    </message>
+    <message>
+        <source>Volume</source>
+        <translation>Volumen</translation>
+    </message>
+    <message>
+        <source>X</source>
+        <translation>X</translation>
+    </message>
+    <message>
+        <source>Y</source>
+        <translation>Y</translation>
+    </message>
+    <message>
+        <source>Z</source>
+        <translation>Z</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>Sphericity</source>
+        <translation>Sphärizität</translation>
+    </message>
+</context>
+<context>
+    <name>DefectVolumeAnalysis</name>
+    <message>
+        <source>Defect volume</source>
+        <translation>Defektvolumen</translation>
+    </message>
+    <message>
+        <source>Number</source>
+        <translation>Nummer</translation>
+    </message>
+    <message>
+        <source>Volume (mm³)</source>
+        <translation>Volumen (mm³)</translation>
+    </message>
+    <message>
+        <source>X (mm)</source>
+        <translation>X (mm)</translation>
+    </message>
+    <message>
+        <source>Y (mm)</source>
+        <translation>Y (mm)</translation>
+    </message>
+    <message>
+        <source>Z (mm)</source>
+        <translation>Z (mm)</translation>
+    </message>
+    <message>
+        <source>Size (mm)</source>
+        <translation>Größe (mm)</translation>
+    </message>
+    <message>
+        <source>Sphericity</source>
+        <translation>Sphärizität</translation>
+    </message>
+    <message>
+        <source>Defects</source>
+        <translation>Defekte</translation>
+    </message>
+    <message>
+        <source>Volume of all defects (mm³)</source>
+        <translation>Volumen aller Defekte (mm³)</translation>
+    </message>
+    <message>
+        <source>Porosity (%)</source>
+        <translation>Porosität (%)</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Schwellwert</translation>
+    </message>
+</context>
+<context>
     <name>LegendDock</name>
     <message>
         <source>Legend</source>
         <translation>Legende</translation>
+    </message>
+</context>
+<context>
+    <name>LyqAnalysisRun</name>
+    <message>
+        <source>%1 is not written: the analysis has no report.</source>
+        <translation>%1 wird nicht geschrieben: Die Analyse hat keinen Bericht.</translation>
     </message>
 </context>
 <context>
@@ -930,10 +1057,24 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyrDefectLayer</name>
+    <message>
+        <source>Defect volume</source>
+        <translation>Defektvolumen</translation>
+    </message>
+</context>
+<context>
     <name>LyrGreyLayer</name>
     <message>
         <source>Gray values</source>
         <translation>Grauwerte</translation>
+    </message>
+</context>
+<context>
+    <name>LyrThicknessLayer</name>
+    <message>
+        <source>Wall thickness</source>
+        <translation>Wandstärke</translation>
     </message>
 </context>
 <context>
@@ -1120,6 +1261,44 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>VolumeAnalysis</name>
+    <message>
+        <source>The analysis needs an opened volume.</source>
+        <translation>Die Analyse braucht ein geöffnetes Volumen.</translation>
+    </message>
+</context>
+<context>
+    <name>WallThicknessAnalysis</name>
+    <message>
+        <source>Wall thickness</source>
+        <translation>Wandstärke</translation>
+    </message>
+    <message>
+        <source>Least (mm)</source>
+        <translation>Kleinste (mm)</translation>
+    </message>
+    <message>
+        <source>Greatest (mm)</source>
+        <translation>Größte (mm)</translation>
+    </message>
+    <message>
+        <source>Mean (mm)</source>
+        <translation>Mittel (mm)</translation>
+    </message>
+    <message>
+        <source>Standard deviation (mm)</source>
+        <translation>Standardabweichung (mm)</translation>
+    </message>
+    <message>
+        <source>Median (mm)</source>
+        <translation>Median (mm)</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Schwellwert</translation>
+    </message>
+</context>
+<context>
     <name>workbench::AnalysisRunner</name>
     <message>
         <source>&quot;%1&quot; is under way. Wait for it, or cancel it.</source>
@@ -1128,6 +1307,21 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>&quot;%1&quot; needs an opened volume.</source>
         <translation>„%1“ braucht ein geöffnetes Volumen.</translation>
+    </message>
+</context>
+<context>
+    <name>workbench::BatchRun</name>
+    <message>
+        <source>There is no analysis &quot;%1&quot;: no plug-in offers any.</source>
+        <translation>Es gibt keine Analyse „%1“: Kein Plug-in bietet eine an.</translation>
+    </message>
+    <message>
+        <source>There is no analysis &quot;%1&quot;. There are: %2</source>
+        <translation>Es gibt keine Analyse „%1“. Es gibt: %2</translation>
+    </message>
+    <message>
+        <source>The analysis was canceled.</source>
+        <translation>Die Analyse wurde abgebrochen.</translation>
     </message>
 </context>
 <context>

@@ -26,8 +26,7 @@ QString unknownAnalysis(const QString& id) {
 
 }  // namespace
 
-BatchRun::BatchRun(MainWindow& window, const Options& options)
-    : QObject(&window), mWindow(window), mOptions(options) {
+BatchRun::BatchRun(MainWindow& window, const Options& options) : QObject(&window), mWindow(window), mOptions(options) {
     connect(&window, &MainWindow::volumeFailed, this, [this](const QString&, const QString& message) {
         if (endsByItself(mOptions)) {
             stop(UNUSABLE, message);

@@ -35,8 +35,10 @@ bool parseSize(const std::string& text, QSize& out) {
 
 bool parseOptions(int argc, char** argv, Options& out, int& status) {
     CLI::App app("Shows a volume in three slice views and a 3D view, colored through tables.", "workbench");
-    std::string volume, screenshot, size;
+    std::string volume, analysis, report, screenshot, size;
     app.add_option("VOLUME", volume, "a file, a folder of slices, or builtin:casting@N (default: builtin:casting)");
+    auto* wanted = app.add_option("--analysis", analysis, "run an analysis, such as defect-volume or wall-thickness");
+    app.add_option("--report", report, "write the numbers of the analysis (.csv or .json) and end")->needs(wanted);
     app.add_option("--screenshot", screenshot, "write a picture of the window (PNG) and end");
     app.add_option("--size", size, "size of the window in pixels, as in 1280x860");
     app.set_version_flag("--version", LYS_VERSION);
@@ -53,6 +55,8 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
     if (!volume.empty()) {
         out.volume = QFile::decodeName(volume.c_str());
     }
+    out.analysis = QString::fromLocal8Bit(analysis.c_str());
+    out.report = QFile::decodeName(report.c_str());
     out.screenshot = QFile::decodeName(screenshot.c_str());
     return true;
 }

@@ -8,6 +8,8 @@ namespace workbench {
 /** What the command line asks for. */
 struct Options {
     QString volume = "builtin:casting";
+    QString analysis;    ///< id of the analysis to run; empty: none
+    QString report;      ///< file for its numbers; empty: none
     QString screenshot;  ///< empty: none
     QSize size{1280, 860};
 };

@@ -284,9 +284,9 @@ TEST(WallThickness, the_result_is_a_layer_with_a_table_of_lengths_and_a_legend_o
 }
 
 TEST(VolumeAnalyses, volumes_that_cannot_be_analysed_are_a_message) {
-    const std::vector<std::shared_ptr<const LyrVolume>> volumes = {
-        volumeOf({2, 2, 2}, std::vector<float>(8, 7.0f)), volumeOf({1, 1, 1}, {3.0f}),
-        volumeOf({2, 1, 1}, {NAN, INFINITY})};
+    const std::vector<std::shared_ptr<const LyrVolume>> volumes = {volumeOf({2, 2, 2}, std::vector<float>(8, 7.0f)),
+                                                                   volumeOf({1, 1, 1}, {3.0f}),
+                                                                   volumeOf({2, 1, 1}, {NAN, INFINITY})};
     for (const char* id : {"defect-volume", "wall-thickness"}) {
         for (const auto& volume : volumes) {
             const Analysed made(id, volume);

@@ -1,22 +1,17 @@
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqTranslations.h>
+#include <workbench/BatchRun.h>
 #include <workbench/MainWindow.h>
 #include <workbench/Options.h>
 #include <workbench/PluginHost.h>
 
 #include <QApplication>
 #include <QLocale>
-#include <QTimer>
 
 #include <cstdio>
 
 namespace {
-
-constexpr int FAILED = 1;
-constexpr int UNUSABLE = 2;
-/** How often is looked whether all is there for a picture, in milliseconds. */
-constexpr int LOOK_AGAIN = 20;
 
 void say(const QString& message) {
     std::fprintf(stderr, "workbench: %s\n", message.toLocal8Bit().constData());
@@ -27,44 +22,29 @@ bool hasDisplay() {
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
-/** Ends the application with a picture as soon as nothing is being worked out any more. */
-void takePictureWhenDone(workbench::MainWindow& window, const QString& file) {
-    auto* timer = new QTimer(&window);
-    QObject::connect(timer, &QTimer::timeout, &window, [&window, file, timer] {
-        if (window.isBusy()) {
-            return;
-        }
-        timer->stop();
-        QString message;
-        const bool done = workbench::MainWindow::savePicture(window.picture(), file, message);
-        if (!done) {
-            say(message);
-        }
-        QCoreApplication::exit(done ? 0 : FAILED);
-    });
-    timer->start(LOOK_AGAIN);
-}
-
 int runWindow(const workbench::Options& options, const QStringList& problems) {
-    const bool isForPicture = !options.screenshot.isEmpty();
-    workbench::MainWindow window(!isForPicture);
-    QObject::connect(&window, &workbench::MainWindow::volumeFailed, &window,
-                     [&](const QString& path, const QString& message) {
-                         if (isForPicture) {
-                             say(message);
-                             QCoreApplication::exit(UNUSABLE);
-                         } else {
-                             window.showError(workbench::MainWindow::tr("%1 cannot be opened").arg(path), message);
-                         }
-                     });
-    if (isForPicture) {
+    const bool endsByItself = workbench::BatchRun::endsByItself(options);
+    workbench::MainWindow window(!endsByItself);
+    workbench::BatchRun batch(window, options);
+    QObject::connect(&batch, &workbench::BatchRun::ended, &window, [](int status) { QCoreApplication::exit(status); });
+    QObject::connect(&batch, &workbench::BatchRun::failed, &window, [&](const QString& message) {
+        if (endsByItself) {
+            say(message);
+        } else {
+            window.showError(workbench::MainWindow::tr("This cannot be done"), message);
+        }
+    });
+    if (endsByItself) {
         // The size is that of the picture: pixels of the screen, whatever the window is scaled by.
         window.resize((QSizeF(options.size) / window.devicePixelRatioF()).toSize());
-        QObject::connect(&window, &workbench::MainWindow::volumeOpened, &window,
-                         [&] { takePictureWhenDone(window, options.screenshot); });
+    } else {
+        QObject::connect(&window, &workbench::MainWindow::volumeFailed, &window,
+                         [&](const QString& path, const QString& message) {
+                             window.showError(workbench::MainWindow::tr("%1 cannot be opened").arg(path), message);
+                         });
     }
     window.show();
-    if (!isForPicture && !problems.isEmpty()) {
+    if (!endsByItself && !problems.isEmpty()) {
         window.showError(workbench::MainWindow::tr("Plug-ins could not be loaded"), problems.join("\n\n"));
     }
     window.openVolume(options.volume);
@@ -79,10 +59,14 @@ int main(int argc, char** argv) {
     if (!workbench::parseOptions(argc, argv, options, status)) {
         return status;
     }
+    if (!hasDisplay() && options.screenshot.isEmpty() && !options.report.isEmpty()) {
+        // Numbers need no display.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     if (!hasDisplay()) {
         say("there is no display. Without one, run it under a virtual display:\n"
             "  xvfb-run -a -s \"-screen 0 1600x1200x24\" workbench VOLUME --screenshot FILE.png");
-        return UNUSABLE;
+        return workbench::BatchRun::UNUSABLE;
     }
     LyqCameraWidget::prepareOpenGL();
     QApplication application(argc, argv);

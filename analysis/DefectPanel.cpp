@@ -1,0 +1,125 @@
+#include <analysis/DefectPanel.h>
+#include <analysis/DefectSurface.h>
+#include <analysis/LyrDefectLayer.h>
+#include <analysis/compute/LyrAnalysisReport.h>
+#include <analysis/compute/LyrDefectResult.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lys_core/LyqApplication.h>
+#include <lys_core/LyqSession.h>
+#include <lys_core/LyrWorkspace.h>
+
+#include <QDockWidget>
+#include <QFile>
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTableView>
+#include <QVBoxLayout>
+
+DefectPanel::DefectPanel(QWidget* parent)
+    : QWidget(parent),
+      mModel(new DefectTableModel(this)),
+      mTable(new QTableView(this)),
+      mTotals(new QLabel(this)),
+      mSave(new QPushButton(tr("Save &Report…"), this)),
+      mVolume(Lyr::Volume) {
+    mTable->setObjectName("defectList");
+    mTable->setAccessibleName(tr("Defects"));
+    mTable->setModel(mModel);
+    mTable->setSelectionBehavior(QAbstractItemView::SelectRows);
+    mTable->setSelectionMode(QAbstractItemView::SingleSelection);
+    mTable->setSortingEnabled(true);
+    mTable->sortByColumn(DefectTableModel::Number, Qt::AscendingOrder);
+    mTable->verticalHeader()->hide();
+    mTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    mTable->verticalHeader()->setDefaultSectionSize(mTable->fontMetrics().height() + 6);
+    mTotals->setObjectName("defectTotals");
+    mTotals->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    mSave->setObjectName("saveDefects");
+    auto* foot = new QHBoxLayout;
+    foot->addWidget(mTotals, 1);
+    foot->addWidget(mSave);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(mTable, 1);
+    layout->addLayout(foot);
+    connect(mTable->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) { select(current.row()); });
+    connect(mSave, &QPushButton::clicked, this, &DefectPanel::save);
+    connect(&mVolume, &LyqUnitConverter::displayUnitChanged, this, &DefectPanel::updateTotals);
+    const LyqSession& session = LyqSession::instance();
+    connect(&session, &LyqSession::layersChanged, this, &DefectPanel::follow);
+    connect(&session, &LyqSession::picked, this, &DefectPanel::pick);
+    follow();
+    updateTotals();
+}
+
+QSize DefectPanel::sizeHint() const {
+    return {640, mTable->fontMetrics().height() * 11};
+}
+
+void DefectPanel::follow() {
+    LyrDefectLayer* latest = nullptr;
+    for (LyqLayer* layer : LyqSession::instance().layers()) {
+        auto* defects = dynamic_cast<LyrDefectLayer*>(layer);
+        latest = defects ? defects : latest;
+    }
+    if (latest == mLayer) {
+        return;
+    }
+    mLayer = latest;
+    mModel->setLayer(latest);
+    updateTotals();
+    if (auto* dock = qobject_cast<QDockWidget*>(parentWidget()); dock && latest) {
+        dock->show();
+        dock->raise();
+    }
+}
+
+void DefectPanel::updateTotals() {
+    mSave->setEnabled(mLayer != nullptr);
+    if (!mLayer) {
+        mTotals->setText(tr("Defects are listed here after the analysis \"Defect volume\"."));
+        return;
+    }
+    const LyrDefectResult& result = mLayer->result();
+    mTotals->setText(tr("Defects: %1   Volume: %2   Porosity: %3 %")
+                         .arg(QLocale().toString(static_cast<qulonglong>(result.defects.size())),
+                              mVolume.internalToDisplayString(result.defectVolume, LyqUnitConverter::WithUnit, 5),
+                              QLocale().toString(result.porosity, 'g', 4)));
+}
+
+void DefectPanel::select(int row) {
+    const std::uint32_t number = mModel->numberAt(row);
+    if (!mLayer || !mLayer->setMarkedDefect(number) || number == 0 || mPicking) {
+        return;
+    }
+    if (LyrWorkspace* workspace = LyqApplication::instance().workspace()) {
+        workspace->setCrossPosition(mLayer->centerOf(mLayer->result().defects[number - 1]));
+    }
+}
+
+void DefectPanel::pick(const LyrVector3<float>& position) {
+    const int row =
+        mLayer && mLayer->isRendering() ? mModel->rowOf(DefectSurface::defectNear(mLayer->result(), position)) : -1;
+    if (row >= 0) {
+        // The views are where the user clicked, and stay there.
+        mPicking = true;
+        mTable->selectRow(row);
+        mTable->scrollTo(mModel->index(row, 0));
+        mPicking = false;
+    }
+}
+
+void DefectPanel::save() {
+    const QString file = QFileDialog::getSaveFileName(this, tr("Save Report"), QString::fromUtf8("defects.csv"),
+                                                      tr("Reports (*.csv *.json)"));
+    std::string error;
+    if (!file.isEmpty() && mLayer &&
+        !LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), mLayer->result(), error)) {
+        QMessageBox::warning(this, tr("The report is not written"), QString::fromStdString(error));
+    }
+}

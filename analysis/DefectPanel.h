@@ -1,0 +1,38 @@
+#pragma once
+
+#include <analysis/DefectTableModel.h>
+#include <analysis/LysAnalysisExport.h>
+#include <lyr_core/LyrVector3.h>
+
+#include <QWidget>
+
+class LyrDefectLayer;
+class QLabel;
+class QPushButton;
+class QTableView;
+
+/** The defects that were found last, with their totals. A selected one is marked, and the views go there; one that is
+ * clicked in a view becomes the selected one. */
+class LYS_ANALYSIS_EXPORT DefectPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit DefectPanel(QWidget* parent);
+
+    QSize sizeHint() const override;
+
+private:
+    void follow();
+    void updateTotals();
+    void select(int row);
+    void pick(const LyrVector3<float>& position);
+    void save();
+
+    LyrDefectLayer* mLayer = nullptr;  ///< the session holds it
+    DefectTableModel* mModel;
+    QTableView* mTable;
+    QLabel* mTotals;
+    QPushButton* mSave;
+    LyqUnitConverter mVolume;
+    bool mPicking = false;
+};

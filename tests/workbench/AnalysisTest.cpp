@@ -1,0 +1,199 @@
+#include "OpenWorkbench.h"
+
+#include <gtest/gtest.h>
+#include <lyr_core/LyrMetaClass.h>
+#include <lyr_volume/LyrCasting.h>
+#include <lys_core/LyqAnalysisExtension.h>
+#include <lys_core/LyqExtensionRegistry.h>
+#include <lys_core/LyqLayer.h>
+#include <lys_core/LyqSession.h>
+#include <workbench/AnalysisRunner.h>
+
+#include <QFile>
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+struct Ended {
+    int status;
+    QString errors;
+};
+
+Ended run(const QStringList& arguments, bool display = true) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!display) {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+            environment.remove(name);
+        }
+    }
+    process.setProcessEnvironment(environment);
+    process.start(WORKBENCH_PROGRAM, arguments);
+    EXPECT_TRUE(process.waitForFinished(120000));
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromLocal8Bit(process.readAllStandardError())};
+}
+
+QByteArray content(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+LyqAnalysisExtension& analysis(const char* id) {
+    auto* found = LyqExtensionRegistry::instance().find<LyqAnalysisExtension>(id);
+    EXPECT_TRUE(found) << id;
+    return *found;
+}
+
+QVariant total(const LyqReport& report, const QString& id) {
+    for (const LyqReport::Total& each : report.totals) {
+        if (each.id == id) {
+            return each.value;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+TEST(AnalysisReport, every_pore_of_the_casting_is_in_the_report_with_its_volume_and_in_the_picture) {
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("defects.json");
+    const QString picture = folder.filePath("defects.png");
+    const Ended ended = run({"builtin:casting@128", "--analysis", "defect-volume", "--report", report, "--screenshot",
+                             picture, "--size", "1000x760"});
+    EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
+    EXPECT_EQ(QImage(picture).size(), QSize(1000, 760));
+    const QJsonArray defects = QJsonDocument::fromJson(content(report)).object()["defects"].toArray();
+    const LyrCasting::Truth truth = LyrCasting::truth(128);
+    EXPECT_EQ(std::size_t(defects.size()), truth.pores.size());
+    for (const LyrCasting::Pore& pore : truth.pores) {
+        bool found = false;
+        for (const auto& each : defects) {
+            const QJsonObject defect = each.toObject();
+            const double away = std::abs(defect["center_x_mm"].toDouble() - pore.center[0]) +
+                                std::abs(defect["center_y_mm"].toDouble() - pore.center[1]) +
+                                std::abs(defect["center_z_mm"].toDouble() - pore.center[2]);
+            // Four voxels across or more: within 2 %.
+            const bool isLarge = 2.0 * std::min({pore.radii[0], pore.radii[1], pore.radii[2]}) >= 4.0 * truth.spacing;
+            if (away < 1.0) {
+                found = true;
+                EXPECT_TRUE(!isLarge || std::abs(defect["volume_mm3"].toDouble() - pore.volume) <= 0.02 * pore.volume)
+                    << defect["volume_mm3"].toDouble() << " instead of " << pore.volume;
+            }
+        }
+        EXPECT_TRUE(found) << pore.center[0] << " " << pore.center[1] << " " << pore.center[2];
+    }
+}
+
+TEST(AnalysisReport, numbers_need_no_display) {
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("walls.csv");
+    const Ended ended = run({"builtin:casting@32", "--analysis", "wall-thickness", "--report", report}, false);
+    EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
+    EXPECT_TRUE(content(report).startsWith("# analysis,wall-thickness\n"));
+}
+
+TEST(AnalysisReport, a_report_that_cannot_be_written_is_a_message_and_status_1) {
+    const QTemporaryDir folder;
+    const QString file = "/there/is/no/folder/r.csv";
+    const Ended ended = run({"builtin:casting@32", "--analysis", "defect-volume", "--report", file, "--screenshot",
+                             folder.filePath("window.png")});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_TRUE(ended.errors.contains(file)) << ended.errors.toStdString();
+    EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
+}
+
+TEST(AnalysisReport, an_unknown_analysis_and_a_report_without_one_are_status_2) {
+    const QTemporaryDir folder;
+    const Ended unknown = run({"builtin:casting@16", "--analysis", "nonsense", "--report", folder.filePath("r.csv")});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(unknown.errors.contains("defect-volume")) << unknown.errors.toStdString();
+    const Ended without = run({"builtin:casting@16", "--report", folder.filePath("r.csv")});
+    EXPECT_EQ(without.status, 2);
+    EXPECT_TRUE(without.errors.contains("--analysis")) << without.errors.toStdString();
+}
+
+TEST(AnalysisReport, a_volume_that_cannot_be_analysed_is_a_message_and_status_1) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("constant.nrrd");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("NRRD0004\ntype: uint8\ndimension: 3\nsizes: 4 4 4\nencoding: raw\n\n" + QByteArray(64, '\7'));
+    file.close();
+    const Ended ended = run({path, "--analysis", "wall-thickness", "--report", folder.filePath("r.csv")});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_TRUE(ended.errors.contains("workbench:")) << ended.errors.toStdString();
+    EXPECT_FALSE(QFile::exists(folder.filePath("r.csv")));
+}
+
+TEST_F(OpenWorkbench, an_analysis_shows_its_layer_and_tells_the_numbers_of_the_report) {
+    ASSERT_TRUE(open("builtin:casting@64"));
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("defect-volume"), message)) << message.toStdString();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 60000));
+    LyqLayer* active = LyqSession::instance().activeLayer();
+    ASSERT_TRUE(active);
+    EXPECT_STREQ(active->getMetaClass().getClassName(), "LyrDefectLayer");
+    ASSERT_EQ(LyqSession::instance().reports().size(), 1u);
+    const LyqReport shown = LyqSession::instance().reports()[0];
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("r.json");
+    ASSERT_EQ(run({"builtin:casting@64", "--analysis", "defect-volume", "--report", file}).status, 0);
+    const QJsonObject report = QJsonDocument::fromJson(content(file)).object();
+    EXPECT_EQ(total(shown, "porosity_percent").toDouble(), report["porosity_percent"].toDouble());
+    const QJsonArray defects = report["defects"].toArray();
+    ASSERT_EQ(shown.rows.size(), defects.size());
+    for (int row = 0; row < shown.rows.size(); ++row) {
+        for (int column = 0; column < shown.columns.size(); ++column) {
+            EXPECT_EQ(shown.rows[row][column].toDouble(), defects[row].toObject()[shown.columns[column].id].toDouble())
+                << shown.columns[column].id.toStdString();
+        }
+    }
+}
+
+TEST_F(OpenWorkbench, two_analyses_at_once_are_refused_and_one_after_the_other_are_both_shown) {
+    ASSERT_TRUE(open("builtin:casting@64"));
+    const std::size_t before = LyqSession::instance().layers().size();
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("defect-volume"), message));
+    EXPECT_FALSE(window->analyses().start(analysis("wall-thickness"), message));
+    EXPECT_FALSE(message.isEmpty());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 60000));
+    ASSERT_TRUE(window->analyses().start(analysis("wall-thickness"), message));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 60000));
+    EXPECT_EQ(LyqSession::instance().layers().size(), before + 2);
+}
+
+TEST_F(OpenWorkbench, a_volume_closed_while_an_analysis_runs_ends_it_without_a_result) {
+    ASSERT_TRUE(open("builtin:casting@128"));
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("wall-thickness"), message));
+    window->closeVolume();
+    EXPECT_FALSE(window->analyses().isRunning());
+    QTest::qWait(100);
+    EXPECT_TRUE(LyqSession::instance().layers().empty());
+    EXPECT_TRUE(LyqSession::instance().reports().empty());
+}
+
+TEST_F(OpenWorkbench, a_cancelled_analysis_leaves_everything_as_it_was) {
+    ASSERT_TRUE(open("builtin:casting@128"));
+    const std::size_t before = LyqSession::instance().layers().size();
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("defect-volume"), message));
+    QTest::qWait(40);
+    window->analyses().cancel();
+    EXPECT_FALSE(window->analyses().isRunning());
+    QTest::qWait(100);
+    EXPECT_EQ(LyqSession::instance().layers().size(), before);
+    EXPECT_TRUE(LyqSession::instance().reports().empty());
+}
