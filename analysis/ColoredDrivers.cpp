@@ -71,7 +71,7 @@ const LyrMetaClass& ColoredSurfaceDriver::getMetaClass() const {
 bool ColoredSurfaceDriver::fetchSurface(LyrRendering::Surface& out) {
     const std::shared_ptr<const LyrRendering::SurfaceMesh> mesh = mLayer.mesh();
     const LyrColorLookupTable* table = mLayer.table();
-    if (!mesh || !table) {
+    if (!mesh || mesh->triangles.empty() || !table) {
         return false;
     }
     if (mSurface.mesh != mesh) {

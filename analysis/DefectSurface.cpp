@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <span>
 
 namespace {
 
@@ -32,7 +33,8 @@ std::shared_ptr<const LyrVolume> hollowness(const LyrDefectResult& result) {
     const LyrVolume& volume = *result.volume;
     const float low = -std::max(volume.valueRange().high - result.threshold, std::numeric_limits<float>::min());
     std::vector<float> samples(volume.samples().size(), low);
-    for (const LyrDefect& defect : result.defects) {
+    const std::size_t shown = std::min(result.defects.size(), DefectSurface::MOST);
+    for (const LyrDefect& defect : std::span(result.defects).first(shown)) {
         visitBox(defect, volume.size(), [&](std::size_t i) {
             const float grey = volume.samples()[i];
             // Of what is no material only defects count: neither the outside nor hollows that are too small.

@@ -4,6 +4,7 @@
 #include <lyr_core/LyrVector3.h>
 #include <lyr_opengl/LyrSurface.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -12,8 +13,11 @@
 
 struct LyrDefectResult;
 
-/** The surfaces of all defects, at the threshold by which they were found. */
+/** The surfaces of defects, at the threshold by which they were found. */
 struct LYS_ANALYSIS_EXPORT DefectSurface {
+    /** Of more defects than these only the largest have surfaces: a cloud of noise would fill the memory of a view. */
+    static constexpr std::size_t MOST = 100000;
+
     std::shared_ptr<const LyrRendering::SurfaceMesh> mesh;
     std::vector<std::uint32_t> defects;  ///< number of the defect that each vertex belongs to
 

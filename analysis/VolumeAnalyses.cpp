@@ -81,8 +81,11 @@ public:
         std::string error;
         const auto further = [&](double part) { return progress(1.0 - SURFACE + part * SURFACE); };
         if (!DefectSurface::extract(*result, mSurface, error, further)) {
-            message = QString::fromStdString(error);
-            return false;
+            if (error.empty()) {
+                return false;
+            }
+            // The numbers are there; what is missing for lack of memory is a picture in one of the views.
+            mSurface = {std::make_shared<LyrRendering::SurfaceMesh>(), {}};
         }
         mResult = std::move(result);
         return true;
