@@ -12,10 +12,11 @@ LyrDefectDetectionColorLookupTableRenderSettings::LyrDefectDetectionColorLookupT
 }
 
 const LyrMetaClass& LyrDefectDetectionColorLookupTableRenderSettings::metaClass() {
-    static const LyrMetaClass meta("LyrDefectDetectionColorLookupTableRenderSettings", sizeof(LyrDefectDetectionColorLookupTableRenderSettings),
+    static const LyrMetaClass meta("LyrDefectDetectionColorLookupTableRenderSettings",
+                                   sizeof(LyrDefectDetectionColorLookupTableRenderSettings),
                                    &LyrColorLookupTableRenderSettings::metaClass(),
-                                   new LyrClassFactory<LyrDefectDetectionColorLookupTableRenderSettings>, LYS_ANALYSIS_MODULE, 0,
-                                   nullptr, 0, 0, 0, false);
+                                   new LyrClassFactory<LyrDefectDetectionColorLookupTableRenderSettings>,
+                                   LYS_ANALYSIS_MODULE, 0, nullptr, 0, 0, 0, false);
     return meta;
 }
 

@@ -12,10 +12,11 @@ LyrWallThicknessColorLookupTableRenderSettings::LyrWallThicknessColorLookupTable
 }
 
 const LyrMetaClass& LyrWallThicknessColorLookupTableRenderSettings::metaClass() {
-    static const LyrMetaClass meta("LyrWallThicknessColorLookupTableRenderSettings", sizeof(LyrWallThicknessColorLookupTableRenderSettings),
+    static const LyrMetaClass meta("LyrWallThicknessColorLookupTableRenderSettings",
+                                   sizeof(LyrWallThicknessColorLookupTableRenderSettings),
                                    &LyrColorLookupTableRenderSettings::metaClass(),
-                                   new LyrClassFactory<LyrWallThicknessColorLookupTableRenderSettings>, LYS_ANALYSIS_MODULE, 0,
-                                   nullptr, 0, 0, 0, false);
+                                   new LyrClassFactory<LyrWallThicknessColorLookupTableRenderSettings>,
+                                   LYS_ANALYSIS_MODULE, 0, nullptr, 0, 0, 0, false);
     return meta;
 }
 
