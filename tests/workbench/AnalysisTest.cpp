@@ -4,9 +4,12 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_volume/LyrCasting.h>
 #include <lys_core/LyqAnalysisExtension.h>
+#include <lys_core/LyqApplication.h>
 #include <lys_core/LyqExtensionRegistry.h>
 #include <lys_core/LyqLayer.h>
 #include <lys_core/LyqSession.h>
+#include <lys_core/LyqSliceWidget.h>
+#include <lys_core/LyrWorkspace.h>
 #include <workbench/AnalysisRunner.h>
 
 #include <QFile>
@@ -15,6 +18,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QTableView>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -196,4 +200,35 @@ TEST_F(OpenWorkbench, a_cancelled_analysis_leaves_everything_as_it_was) {
     QTest::qWait(100);
     EXPECT_EQ(LyqSession::instance().layers().size(), before);
     EXPECT_TRUE(LyqSession::instance().reports().empty());
+}
+
+TEST_F(OpenWorkbench, a_defect_of_the_list_is_shown_and_one_that_is_clicked_is_selected) {
+    ASSERT_TRUE(open("builtin:casting@64"));
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("defect-volume"), message)) << message.toStdString();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 60000));
+    auto* list = window->findChild<QTableView*>("defectList");
+    ASSERT_TRUE(list);
+    EXPECT_TRUE(list->isVisible());
+    std::vector<LyrCasting::Pore> pores = LyrCasting::truth(64).pores;
+    ASSERT_EQ(std::size_t(list->model()->rowCount()), pores.size());
+    std::sort(pores.begin(), pores.end(),
+              [](const LyrCasting::Pore& a, const LyrCasting::Pore& b) { return a.volume > b.volume; });
+    const LyrWorkspace* workspace = LyqApplication::instance().workspace();
+    ASSERT_TRUE(workspace);
+    LyqSliceWidget* view = window->views().sliceView(2);
+    list->selectRow(0);
+    settle();
+    const LyrVector3<float> cross = workspace->getCrossPosition();
+    EXPECT_NEAR(cross.x, pores[0].center[0], 0.5);
+    EXPECT_NEAR(cross.y, pores[0].center[1], 0.5);
+    EXPECT_NEAR(cross.z, pores[0].center[2], 0.5);
+    const QImage marked = view->getImage();
+    // Another one is clicked: it is selected, the first one loses its mark, and nothing moves.
+    const auto& other = pores[1].center;
+    Q_EMIT window->views().positionPicked({float(other[0]), float(other[1]), float(other[2])});
+    settle();
+    EXPECT_EQ(list->currentIndex().row(), 1);
+    EXPECT_EQ(workspace->getCrossPosition(), cross);
+    EXPECT_NE(view->getImage(), marked);
 }
