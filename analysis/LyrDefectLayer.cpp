@@ -16,6 +16,13 @@
 #include <limits>
 #include <utility>
 
+namespace {
+
+/** The line around the marked defect in slices: told apart from every grey. */
+constexpr std::array<std::uint8_t, 4> MARK = {255, 140, 0, 255};
+
+}  // namespace
+
 LyrDefectLayer::LyrDefectLayer(LyrVolumeObject* document, std::shared_ptr<const LyrDefectResult> result,
                                DefectSurface surface, LyrColorLookupTable* table, LyrObject* settings)
     : LyrResultLayer(document, result->values, table, settings),
@@ -120,7 +127,7 @@ void LyrDefectLayer::finishSlice(int axis, int index, std::span<const float> val
             const bool inside = x >= 0 && y >= 0 && x < volume.size()[column] && y < volume.size()[row];
             if (inside && !isMarked(x, y) &&
                 (isMarked(x - 1, y) || isMarked(x + 1, y) || isMarked(x, y - 1) || isMarked(x, y + 1))) {
-                std::fill_n(pixels.data() + 4 * (x + width * y), 4, std::uint8_t{255});
+                std::copy(MARK.begin(), MARK.end(), pixels.data() + 4 * (x + width * y));
             }
         }
     }

@@ -37,7 +37,7 @@ public:
 
     std::shared_ptr<const LyrRendering::SurfaceMesh> mesh() const override;
     void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const override;
-    /** Draws a white line around the marked defect. */
+    /** Draws an orange line around the marked defect. */
     void finishSlice(int axis, int index, std::span<const float> values, std::span<std::uint8_t> pixels) const override;
     /** The marked defect is white. */
     void finishMesh(std::span<std::uint8_t> colors) const override;

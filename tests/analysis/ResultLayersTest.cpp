@@ -146,12 +146,12 @@ TEST(DefectVolume, slices_show_defects_only_and_a_line_around_the_marked_one) {
     const auto opaque = [&] {
         std::vector<std::uint8_t> pixels(4 * 144, 200);
         layer.finishSlice(2, 6, values, pixels);
-        int seen = 0, white = 0;
+        int seen = 0, line = 0;
         for (std::size_t i = 0; i < 144; ++i) {
             seen += pixels[4 * i + 3] > 0 ? 1 : 0;
-            white += pixels[4 * i] == 255 && pixels[4 * i + 3] == 255 ? 1 : 0;
+            line += pixels[4 * i] == 255 && pixels[4 * i + 1] == 140 && pixels[4 * i + 2] == 0 ? 1 : 0;
         }
-        return std::pair(seen, white);
+        return std::pair(seen, line);
     };
     EXPECT_EQ(opaque(), std::pair(4, 0));
     EXPECT_FALSE(layer.setMarkedDefect(3));
