@@ -13,30 +13,53 @@ namespace {
 /** How far is looked for a value, in voxels: a surface lies between two voxels, one of which has a value. */
 constexpr std::int64_t REACH = 2;
 
-/** The value of the voxel nearest to a place (mm) that has one; NaN if there is none within reach. */
-float nearestValue(const LyrVolume& volume, const float* position) {
-    std::array<double, 3> index{};  // voxel centres lie at whole numbers
+/** A place among the centres of voxels, which lie at whole numbers. */
+struct Place {
+    std::array<double, 3> index{};
+    std::array<std::int64_t, 3> nearest{};
+};
+
+/** Looks for the nearest voxel with a value, up to `reach` voxels from the one that holds the place. Returns the square
+ * of its distance in mm, infinite if there is none. */
+double search(const LyrVolume& volume, const Place& place, std::int64_t reach, float& found) {
     std::array<std::int64_t, 3> from{}, to{};
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        index[axis] = static_cast<double>(position[axis]) / volume.spacing()[axis] - 0.5;
-        const auto middle = static_cast<std::int64_t>(std::lround(index[axis]));
-        from[axis] = std::max<std::int64_t>(middle - REACH, 0);
-        to[axis] = std::min(middle + REACH, volume.size()[axis] - 1);
+        from[axis] = std::max<std::int64_t>(place.nearest[axis] - reach, 0);
+        to[axis] = std::min(place.nearest[axis] + reach, volume.size()[axis] - 1);
     }
-    float found = std::numeric_limits<float>::quiet_NaN();
     double least = std::numeric_limits<double>::infinity();
     for (std::int64_t z = from[2]; z <= to[2]; ++z) {
         for (std::int64_t y = from[1]; y <= to[1]; ++y) {
             for (std::int64_t x = from[0]; x <= to[0]; ++x) {
-                const double dx = (static_cast<double>(x) - index[0]) * volume.spacing()[0];
-                const double dy = (static_cast<double>(y) - index[1]) * volume.spacing()[1];
-                const double dz = (static_cast<double>(z) - index[2]) * volume.spacing()[2];
+                const double dx = (static_cast<double>(x) - place.index[0]) * volume.spacing()[0];
+                const double dy = (static_cast<double>(y) - place.index[1]) * volume.spacing()[1];
+                const double dz = (static_cast<double>(z) - place.index[2]) * volume.spacing()[2];
                 const double distance = dx * dx + dy * dy + dz * dz;
                 if (distance < least && !std::isnan(volume.at(x, y, z))) {
                     least = distance;
                     found = volume.at(x, y, z);
                 }
             }
+        }
+    }
+    return least;
+}
+
+/** The value of the voxel nearest to a place (mm) that has one; NaN if there is none within reach. */
+float nearestValue(const LyrVolume& volume, const float* position) {
+    Place place;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        place.index[axis] = static_cast<double>(position[axis]) / volume.spacing()[axis] - 0.5;
+        place.nearest[axis] = static_cast<std::int64_t>(std::lround(place.index[axis]));
+    }
+    float found = std::numeric_limits<float>::quiet_NaN();
+    // A surface has many vertices, and all but few have a value close by. What is not searched yet lies at least as far
+    // away as the border of what is: half a voxel more than the reach along the finest axis.
+    const double finest = *std::min_element(volume.spacing().begin(), volume.spacing().end());
+    for (std::int64_t reach = 0; reach <= REACH; ++reach) {
+        const double border = (static_cast<double>(reach) + 0.5) * finest;
+        if (search(volume, place, reach, found) <= border * border) {
+            break;
         }
     }
     return found;
