@@ -16,14 +16,47 @@
 #include <QHeaderView>
 #include <QHideEvent>
 #include <QPaintEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QShowEvent>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
 bool isLater(const LyrObject* object, LyrTimestamp time) {
     return object && object->getModificationTimestamp() > time;
+}
+
+/** Dialogs and menus of a widget, theirs included. */
+std::vector<QPointer<QWidget>> windowsOf(const QWidget& widget) {
+    std::vector<QPointer<QWidget>> windows;
+    for (QWidget* child : widget.findChildren<QWidget*>()) {
+        if (child->isWindow()) {
+            windows.emplace_back(child);
+        }
+    }
+    return windows;
+}
+
+/** A disabled widget disables its dialogs as well: a user could not even cancel one that is open. */
+void keepWindowsEnabled(const QWidget& widget) {
+    for (const QPointer<QWidget>& window : windowsOf(widget)) {
+        if (window && !window->isEnabled() && !window->testAttribute(Qt::WA_ForceDisabled)) {
+            window->setEnabled(true);
+        }
+    }
+}
+
+/** Rejects the dialogs and closes the menu that are open. */
+void closeWindows(const QWidget& widget) {
+    for (const QPointer<QWidget>& window : windowsOf(widget)) {
+        if (window && window->isVisible()) {
+            window->close();
+        }
+    }
 }
 
 bool isAnySectionLater(const LyrObject* table, LyrTimestamp time) {
@@ -92,6 +125,9 @@ void LyqColorLookupTableEditor::setLogicObject(LyrObject* object) {
     d->colorBar->setColorTable(object);
     if (changed) {
         invalidate();
+    }
+    if (!object) {
+        closeWindows(*this);
     }
     if (LyqPresetRegistry::Receiver* handler = LyqPresetRegistry::instance().find(mPresetComboBox->getHandlerId())) {
         handler->setCurrentObject(object);
@@ -169,6 +205,11 @@ void LyqColorLookupTableEditor::changeEvent(QEvent* event) {
             break;
         case QEvent::LocaleChange:
             invalidate();
+            break;
+        case QEvent::EnabledChange:
+            if (!isEnabled()) {
+                keepWindowsEnabled(*this);
+            }
             break;
         default:
             break;

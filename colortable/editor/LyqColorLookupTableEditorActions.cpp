@@ -11,12 +11,23 @@
 #include <QColorDialog>
 #include <QInputDialog>
 #include <QMenu>
+#include <QTimer>
 #include <QToolTip>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 using lys::editor::TableContent;
+
+namespace {
+
+bool hasSameSections(const TableContent& a, const TableContent& b) {
+    return std::equal(a.sections.begin(), a.sections.end(), b.sections.begin(), b.sections.end(),
+                      [](const LyrObjectLink& x, const LyrObjectLink& y) { return x.getLink() == y.getLink(); });
+}
+
+}  // namespace
 
 void LyqColorLookupTableEditor::autoLabelToggledSlot() {
     writeSwitch(Lyr::AutoLabel, mAutoLabelCheckBox->isChecked(), tr("Change auto-label settings"));
@@ -101,10 +112,13 @@ void LyqColorLookupTableEditor::editType(int row) {
 }
 
 void LyqColorLookupTableEditor::refuse(int row, int col, const QString& reason) {
-    const QRect cell = mSectionsTable->visualRect(mSectionsTable->model()->index(row, col));
-    if (isVisible()) {
-        QToolTip::showText(mSectionsTable->viewport()->mapToGlobal(cell.bottomLeft()), reason, mSectionsTable);
-    }
+    // The cell's editor closes now: the focus moves on, which would hide the text again.
+    QTimer::singleShot(0, this, [this, row, col, reason] {
+        const QRect cell = mSectionsTable->visualRect(mSectionsTable->model()->index(row, col));
+        if (isVisible()) {
+            QToolTip::showText(mSectionsTable->viewport()->mapToGlobal(cell.bottomLeft()), reason, mSectionsTable);
+        }
+    });
 }
 
 LyrObject* LyqColorLookupTableEditor::getSectionForRow(long long row) const {
@@ -210,6 +224,8 @@ void LyqColorLookupTableEditor::tableContextMenuRequestedSlot(int row, int, cons
     if (!getSectionForRow(row)) {
         return;
     }
+    const LyrObjectPtr table(d->table.get());
+    const TableContent content = TableContent::of(table.get());
     const SectionRange selected = getSelectedInternalSections();
     const QGuardedPtr<QMenu> menu = new QMenu(this);
     const QAction* split = menu->addAction(tr("split"));
@@ -223,6 +239,10 @@ void LyqColorLookupTableEditor::tableContextMenuRequestedSlot(int row, int, cons
     const bool splits = chosen == split;
     const bool merges = chosen == merge;
     delete menu.data();
+    // Meanwhile the rows may have become other sections.
+    if (!(d->table == table.get()) || !hasSameSections(TableContent::of(table.get()), content)) {
+        return;
+    }
     if (splits) {
         actionSplit(row);
     } else if (merges) {

@@ -8,6 +8,7 @@
 #include <QLocale>
 #include <QSignalBlocker>
 #include <QStyleOptionSpinBox>
+#include <QTimer>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -165,7 +166,11 @@ void LyqSpinBox::applyRange() {
 
 double LyqSpinBox::value() const {
     const double shown = QDoubleSpinBox::value();
-    return isSame(shown, d->shownForSet) ? d->set : d->toInternal(shown);
+    // Converted there and back, a limit might lie beside itself.
+    return isSame(shown, d->shownForSet)              ? d->set
+           : isSame(shown, QDoubleSpinBox::minimum()) ? d->minimum
+           : isSame(shown, QDoubleSpinBox::maximum()) ? d->maximum
+                                                      : d->toInternal(shown);
 }
 
 void LyqSpinBox::setValue(double value) {
@@ -228,11 +233,13 @@ QString LyqSpinBox::reasonToRefuse(const QString& text, double& shown) const {
                               : tr("\"%1\" is no number in %2 or in a unit like it.").arg(text, unit);
     }
     const double number = d->rounded(d->toShown(internal));
-    if (number < QDoubleSpinBox::minimum() || number > QDoubleSpinBox::maximum()) {
-        return tr("%1 is not between %2 and %3.")
-            .arg(text.trimmed(), textFromValue(QDoubleSpinBox::minimum()), textFromValue(QDoubleSpinBox::maximum()));
+    const double low = QDoubleSpinBox::minimum();
+    const double high = QDoubleSpinBox::maximum();
+    // A limit as it reads stands for the exact one.
+    if (number < std::min(low, d->rounded(low)) || number > std::max(high, d->rounded(high))) {
+        return tr("%1 is not between %2 and %3.").arg(text.trimmed(), textFromValue(low), textFromValue(high));
     }
-    shown = number;
+    shown = std::clamp(number, low, high);
     return {};
 }
 
@@ -249,9 +256,13 @@ void LyqSpinBox::fixup(QString& text) const {
         return;
     }
     text = textFromValue(QDoubleSpinBox::value());
-    if (isVisible()) {
-        QToolTip::showText(mapToGlobal(QPoint(0, height())), reason, const_cast<LyqSpinBox*>(this));
-    }
+    // Afterwards: a change of the focus, which is often why a number is taken, would hide it again.
+    auto* self = const_cast<LyqSpinBox*>(this);
+    QTimer::singleShot(0, self, [self, reason] {
+        if (self->isVisible()) {
+            QToolTip::showText(self->mapToGlobal(QPoint(0, self->height())), reason, self);
+        }
+    });
     Q_EMIT refused(reason);
 }
 

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QSignalBlocker>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -262,4 +263,41 @@ TEST_F(SpinBox, tells_limits_value_and_decimals_as_properties_in_the_internal_un
     EXPECT_EQ(box.property("maximum").toDouble(), 254.0);
     EXPECT_EQ(box.property("value").toDouble(), 12.7);
     EXPECT_EQ(box.property("decimals").toInt(), 5);
+}
+
+TEST_F(SpinBox, a_limit_typed_as_it_reads_is_the_exact_limit) {
+    box.setPrecision(2);
+    box.setRange(1.0 / 3.0 + 0.01, 2.0 / 3.0);
+    enter("0.67");
+    EXPECT_EQ(box.value(), 2.0 / 3.0);
+    enter("0.34");
+    EXPECT_EQ(box.value(), 1.0 / 3.0 + 0.01);
+    enter("0.5");
+    enter("0.6666");
+    EXPECT_EQ(box.value(), 2.0 / 3.0);
+    EXPECT_TRUE(refusals.isEmpty());
+    enter("0.68");
+    EXPECT_EQ(refusals.size(), 1);
+    EXPECT_EQ(box.value(), 2.0 / 3.0);
+}
+
+TEST_F(SpinBox, the_reason_of_a_refusal_is_still_shown_after_the_focus_moved_on) {
+    QWidget window;
+    LyqSpinBox left(&window);
+    QLineEdit right(&window);
+    right.move(0, 100);
+    window.resize(200, 200);
+    window.show();
+    window.activateWindow();
+    left.setFocus();
+    QCoreApplication::processEvents();
+    left.selectAll();
+    QKeyEvent letter(QEvent::KeyPress, 0, Qt::NoModifier, QStringLiteral("x"));
+    QCoreApplication::sendEvent(&left, &letter);
+    right.setFocus();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(right.hasFocus());
+    EXPECT_TRUE(QToolTip::isVisible());
+    EXPECT_TRUE(QToolTip::text().startsWith(QStringLiteral("\"x\" is no number"))) << QToolTip::text().toStdString();
+    QToolTip::hideText();
 }

@@ -29,6 +29,10 @@ protected:
 }  // namespace
 
 TEST_F(CreatingTables, the_buttons_run_the_dialogs_between_their_hooks) {
+    // A panel of its own may have left them disabled.
+    editor.findChild<Smooth*>()->setEnabled(false);
+    editor.findChild<Stepped*>()->setEnabled(false);
+    editor.findChild<Sphere*>()->setEnabled(false);
     editor.setCreateSmoothParams(0.0f, 10.0f, Lyr::HueCycle);
     answer<Smooth>(true);
     QTest::mouseClick(find<QPushButton>("mCreateSmoothPushButton"), Qt::LeftButton);
@@ -130,12 +134,47 @@ TEST_F(CreatingTables, an_editor_deleted_under_an_open_creation_dialog_is_not_ca
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
+TEST_F(CreatingTables, a_table_that_is_taken_away_under_an_open_dialog_rejects_it) {
+    bool open = true;
+    whenModal<Stepped>([&](Stepped& dialog) {
+        editor.setLogicObject(nullptr);
+        settle();
+        open = dialog.isVisible();
+        dialog.reject();
+    });
+    editor.createSteppedSlot();
+    EXPECT_FALSE(open);
+    EXPECT_EQ(editor.hooks, (QStringList{"stepped start", "stepped abort"}));
+    EXPECT_EQ(positions(), (std::vector<float>{-1, 1}));
+}
+
+TEST_F(CreatingTables, a_panel_that_is_disabled_around_it_leaves_an_open_dialog_to_its_user) {
+    QWidget around;
+    editor.setParent(&around);
+    around.show();
+    whenModal<Smooth>([&](Smooth& dialog) {
+        around.setEnabled(false);
+        EXPECT_FALSE(editor.isEnabled());
+        EXPECT_TRUE(dialog.findChild<QPushButton*>(QStringLiteral("mCancelPushButton"))->isEnabled());
+        dialog.reject();
+    });
+    editor.createSmoothSlot();
+    EXPECT_EQ(editor.hooks, (QStringList{"smooth start", "smooth abort"}));
+    editor.setParent(nullptr);
+}
+
 TEST_F(CreatingTables, an_inconsistent_table_that_arrives_under_an_open_dialog_is_built_anew) {
     editor.setCreateSmoothParams(0, 1, Lyr::Rainbow);
     whenModal<Smooth>([this](Smooth& dialog) {
         setPositions(table.get(), {1, 2, 3, 4});
         settle();
-        dialog.applySlot();
+        EXPECT_FALSE(editor.isEnabled());
+        EXPECT_TRUE(dialog.isEnabled());
+        auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("mOkPushButton"));
+        EXPECT_TRUE(ok->isEnabled());
+        QTest::mouseClick(ok, Qt::LeftButton);
+        EXPECT_FALSE(dialog.isVisible());
+        dialog.reject();  // in case the button did nothing
     });
     editor.createSmoothSlot();
     settle();

@@ -24,6 +24,7 @@ protected:
     void answerColor(const QColor& color, bool accept = true) {
         whenModal<QColorDialog>([this, color, accept](QColorDialog& dialog) {
             offered = dialog.currentColor();
+            ++colorDialogs;
             alphaOffered = dialog.testOption(QColorDialog::ShowAlphaChannel);
             EXPECT_EQ(dialog.parentWidget(), &editor);
             dialog.setCurrentColor(color);
@@ -52,6 +53,7 @@ protected:
     }
 
     QColor offered;
+    int colorDialogs = 0;
     bool alphaOffered = false;
     QString caption;
     QString label;
@@ -243,8 +245,10 @@ TEST_F(Editing, a_cancelled_colour_changes_nothing) {
         doubleClick(row, 0.5);
     }
     lyrSetValue(section(1), Lyr::Type, Lyrenum(Lyr::Gradient));
+    settle();
     answerColor(Qt::green, false);
     doubleClick(1, 0.5);
+    EXPECT_EQ(colorDialogs, 3);
     expectPoints(1, {}, {}, {}, {});
     expectPoints(0, {{0, 0.6f}}, {{0, 0}}, {{0, 1}}, {{0, 1}});
     EXPECT_EQ(steps.names(), QStringList());
@@ -384,6 +388,29 @@ TEST_F(Editing, one_selected_inner_section_can_be_split_in_the_middle) {
     settle();
     EXPECT_EQ(rows.numRows(), 3);
     EXPECT_EQ(section(1), old);
+}
+
+TEST_F(Editing, a_menu_whose_rows_became_other_sections_does_nothing) {
+    show(makeTable({0, 1, 2, 3}, {Lyr::Constant, Lyr::Gradient, Lyr::Rainbow, Lyr::HueCycle, Lyr::Constant}));
+    const LyrObjectRefPtr other = makeTable({5, 6, 7}, {Lyr::Constant, Lyr::Gradient, Lyr::Rainbow, Lyr::Constant});
+    selectRows({1});
+    menuOn(1, [&](QAction& entry, QAction&, QMenu& menu) {
+        editor.setLogicObject(other.get());
+        clickEntry(menu, entry);
+    });
+    EXPECT_EQ(positionsOf(other.get()), (std::vector<float>{5, 6, 7})) << "another table";
+    EXPECT_EQ(positions(), (std::vector<float>{0, 1, 2, 3}));
+    show(table);
+    selectRows({1, 2});
+    menuOn(1, [&](QAction&, QAction& entry, QMenu& menu) {
+        LyrValueArrayOPCache<LyrObjectLink> links;
+        links.load(table.get(), Lyr::SectionList);
+        std::swap(links.items()[1], links.items()[2]);
+        links.store(table.get(), Lyr::SectionList);
+        clickEntry(menu, entry);
+    });
+    EXPECT_EQ(positions(), (std::vector<float>{0, 1, 2, 3})) << "other sections";
+    EXPECT_EQ(steps.names(), QStringList());
 }
 
 TEST_F(Editing, the_row_of_the_menu_is_split_and_border_rows_never) {
