@@ -9,6 +9,7 @@
 #include <lys_core/LyqSession.h>
 
 #include <QEvent>
+#include <QGroupBox>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -58,6 +59,8 @@ ColorsPanel::ColorsPanel(QWidget* parent) : LayerPanel(parent) {
     layout->setSpacing(0);
     layout->addWidget(mEditor, 1);
     layout->addWidget(mOptions);
+    // The presets wait in the form for whoever offers them; here a handler is there.
+    mEditor->mPresetGroupBox->show();
     setContent(content);
     follow();
 }

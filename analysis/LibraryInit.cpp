@@ -13,15 +13,19 @@
 #include <analysis/LyrWallThicknessColorLookupTableRenderSettings.h>
 #include <analysis/ValueLayerExtension_p.h>
 #include <analysis/VolumeAnalyses_p.h>
+#include <colortable/ColortableIdentifiers.h>
 #include <colortable/LibraryInit.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/LyqExtensionRegistry.h>
+#include <lys_core/LyqPresetHandler.h>
+#include <lys_core/LyqPresetRegistry.h>
 #include <lys_core/LyqSession.h>
 
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <utility>
 
 // The whole load order of the library lies in this source, top to bottom: names, constants, classes, the initialiser's
 // instance. Unloading runs it backwards. Other sources hold no namespace-scope objects that read Lyr:: constants.
@@ -77,6 +81,8 @@ namespace {
 [[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrLayerAnnotationHandler::metaClass();
 
 std::unique_ptr<AnnotationHandlerHook> sHandlerHook;
+/** Whether the presets of tables are offered by a handler made here. */
+bool sHasPresets = false;
 
 LYQANALYSIS::LibraryInit sInstance;
 }  // namespace
@@ -106,6 +112,8 @@ void LibraryInit::install() {
     // As one more user of the library that draws the legends.
     LYQCOLORTABLE::LibraryInit::init();
     sHandlerHook = std::make_unique<AnnotationHandlerHook>();
+    sHasPresets = LyqPresetRegistry::instance().create("LyqPresetColortableHandler", Lyr::ColorLookupTable,
+                                                       "Colortable") != nullptr;
     LyqExtensionRegistry::instance().add(std::make_unique<ValueLayerExtension>());
     LyqExtensionRegistry::instance().add(std::make_unique<ColorsDock>());
     LyqExtensionRegistry::instance().add(std::make_unique<LegendDock>());
@@ -118,6 +126,9 @@ void LibraryInit::remove() {
     LyqExtensionRegistry::instance().removeAllFrom(LYS_ANALYSIS_MODULE);
     LyqSession::instance().removeLayersOf(LYS_ANALYSIS_MODULE);
     sHandlerHook.reset();
+    if (std::exchange(sHasPresets, false)) {
+        LyqPresetRegistry::instance().release(Lyr::ColorLookupTable);
+    }
     LYQCOLORTABLE::LibraryInit::cleanup();
 }
 

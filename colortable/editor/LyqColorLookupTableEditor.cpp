@@ -84,6 +84,7 @@ LyqColorLookupTableEditor::LyqColorLookupTableEditor(QWidget* parent, const char
     lys::editor::fitColumns(*mSectionsTable);
     mSectionsTable->verticalHeader()->installEventFilter(this);
     connectAll();
+    mPresetComboBox->setHandlerId(Lyr::ColorLookupTable);
     // In the form for derived panels; this one does not offer them.
     for (QWidget* widget :
          std::initializer_list<QWidget*>{mCreateSphereSegmentSteppedPushButton, mAutoScalePushButton, mCustomCheckBox,
