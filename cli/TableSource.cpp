@@ -40,13 +40,19 @@ std::string knownNames(PresetLibrary& library) {
 TableSource::TableSource(const std::string& nameOrPath) : mName(nameOrPath) {
     std::error_code error;
     const bool exists = std::filesystem::exists(nameOrPath, error);
+    // A folder is no table; it does not hide a preset of its name.
+    const bool isFolder = exists && std::filesystem::is_directory(nameOrPath, error);
     // No file has a name that is too long, but a preset may.
-    if (exists || (error && error != std::errc::filename_too_long)) {
+    if ((exists && !isFolder) || (error && error != std::errc::filename_too_long)) {
         load();
         return;
     }
     PresetLibrary library;
     mBuiltIn = library.find(nameOrPath) == Lyr::DefaultPreset;
+    if (isFolder && library.find(nameOrPath) == -1) {
+        load();
+        return;
+    }
     if (library.find(nameOrPath) == -1) {
         throwUnusable(printable(nameOrPath) + ": there is no such file, and no preset of this name; presets are " +
                       knownNames(library));
@@ -71,7 +77,9 @@ void TableSource::load() {
         warn(mName + ": " + warning.utf8());
     }
     const auto table = lyrGetValue(object.get(), Lyr::ColorLookupTable, LyrObjectLink(object.get(), nullptr, -1));
-    if (!table.linkIsOfType(TABLE_CLASS)) {
+    const bool isLacking =
+        std::find(report.missing.begin(), report.missing.end(), Lyr::ColorLookupTable) != report.missing.end();
+    if (isLacking || !table.linkIsOfType(TABLE_CLASS)) {
         throwUnusable(mName + ": the preset holds no table");
     }
     mTable = LyrObjectPtr(table.getLink());

@@ -129,7 +129,7 @@ bool handOver(LyrObject& fresh, LyrObject& target, Report& report) {
 }
 
 /** False if the file that is about to be replaced must not be. */
-bool mayReplace(const std::string& path, Report& report) {
+bool isReplaceable(const std::string& path, Report& report) {
     std::string text;
     std::string reason;
     int error = 0;
@@ -215,10 +215,16 @@ bool LyrObjectFile::loadInto(const std::string& path, LyrObject& target, Report&
 bool LyrObjectFile::save(const LyrObject& object, const std::string& path, Report& report) {
     return guarded(report, [&] {
         std::string text;
-        if (!write(object, text, &report.message) || !mayReplace(path, report)) {
+        if (!write(object, text, &report.message) || !isReplaceable(path, report)) {
             report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
             return false;
         }
         return LyrFileSaver::replace(path, text, &report.message);
     });
+}
+
+bool LyrObjectFile::mayReplace(const std::string& path, Report& report) {
+    const bool done = guarded(report, [&] { return isReplaceable(path, report); });
+    addPath(path, report);
+    return done;
 }

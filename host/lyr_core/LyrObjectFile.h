@@ -76,4 +76,6 @@ public:
     /** Writes an object to a file, safely (LyrFileSaver). A file of a higher version, or one whose version cannot be
      * found out because it cannot be read, is not replaced. */
     static bool save(const LyrObject& object, const std::string& path, Report& report);
+    /** False, and a message, for a file that save() would not replace. */
+    static bool mayReplace(const std::string& path, Report& report);
 };

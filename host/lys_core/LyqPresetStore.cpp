@@ -15,6 +15,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -48,6 +49,13 @@ void flushFolder(const std::string& path) {
         ::fsync(folder);
         ::close(folder);
     }
+}
+
+/** Makes bytes the content of a file, but not of one of a newer version. */
+bool replaceFile(const std::string& path, const std::string& bytes, LyrString& message) {
+    LyrObjectFile::Report report;
+    return LyrObjectFile::mayReplace(path, report) ? LyrFileSaver::replace(path, bytes, &message)
+                                                   : fail(message, report.message);
 }
 
 }  // namespace
@@ -115,7 +123,7 @@ LyrString LyqPresetStore::checkName(const LyrString& name) {
     return lys::presets::checkName(name);
 }
 
-// Of several files with one name the first by file name counts; the others come to light when it goes.
+// Of several files with one name the first by file name counts that can be used; the others come to light when it goes.
 std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) const {
     std::error_code error;
     std::set<std::string> paths;
@@ -130,16 +138,23 @@ std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) cons
         *message = translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be read: %2"))
                        .arg({LyrString(mFolder), LyrString(error.message())});
     }
-    std::vector<Entry> result;
-    std::set<LyrString> names;
+    std::map<LyrString, Entry> named;
     for (const std::string& path : paths) {
         const std::optional<PresetHeader> header = mIndex->headerOf(path);
-        if (header && header->isOf(mClass) && names.insert(header->name).second) {
-            result.push_back({header->name, path, header->problem, header->isNewer});
+        if (!header || !header->isOf(mClass)) {
+            continue;
+        }
+        const auto [twin, isFirst] =
+            named.try_emplace(header->name, Entry{header->name, path, header->problem, header->isNewer});
+        if (!isFirst && !twin->second.problem.isNull() && header->problem.isNull()) {
+            twin->second = {header->name, path, header->problem, header->isNewer};
         }
     }
+    std::vector<Entry> result;
+    for (auto& [name, entry] : named) {
+        result.push_back(std::move(entry));
+    }
     std::erase_if(mIndex->files, [&](const auto& known) { return !paths.contains(known.first); });
-    std::sort(result.begin(), result.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
     return result;
 }
 
@@ -269,6 +284,10 @@ bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrStrin
     if (!preset || report.newerVersion) {
         return fail(message, report.message);
     }
+    // What the file leaves open stays open: a default written in its place would have a meaning.
+    for (const Lyrenum missing : report.missing) {
+        preset->removeProperty(missing);
+    }
     const std::string path = targetFor(to, message);
     if (path.empty() || !preset->setNameTemplate(to.utf8())) {
         return false;
@@ -331,7 +350,7 @@ bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString
                     translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already.")).arg(name));
     }
     const std::string target = targetFor(name, message);
-    return !target.empty() && LyrFileSaver::replace(target, bytes, &message);
+    return !target.empty() && replaceFile(target, bytes, message);
 }
 
 bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, LyrString& message) const {
@@ -345,5 +364,5 @@ bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, 
     if (!loadEntry(entry, report, Lyr::TransientScope)) {
         return fail(message, report.message);
     }
-    return lysReadPresetFile(entry.path, bytes, message) && LyrFileSaver::replace(path, bytes, &message);
+    return lysReadPresetFile(entry.path, bytes, message) && replaceFile(path, bytes, message);
 }

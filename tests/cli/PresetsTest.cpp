@@ -185,3 +185,25 @@ TEST_F(Presets, a_preset_of_a_later_version_is_applied_with_a_warning_and_never_
     EXPECT_EQ(run({"presets", "rename", "a", "b"}).status, 1);
     EXPECT_EQ(readBytes(onlyFile()), text);
 }
+
+TEST_F(Presets, the_file_of_a_preset_without_a_table_is_no_table) {
+    ASSERT_EQ(run({"presets", "save", "a", "--table", "Rainbow"}).status, 0);
+    const std::string text = readBytes(onlyFile());
+    const auto begin = text.find("    \"ColorLookupTable\"");
+    const auto end = text.find("\n    \"NameTemplate\"", begin) + 1;
+    const std::string file = data.write("without.json", text.substr(0, begin) + text.substr(end));
+    const ProgramRun refused = run({"map", "--table", file, "--at", "0"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(refused.error, HasSubstr("holds no table"));
+}
+
+TEST_F(Presets, a_folder_of_its_name_does_not_hide_a_preset) {
+    const std::string name = data / "folder";
+    std::filesystem::create_directory(name);
+    EXPECT_THAT(run({"map", "--table", name, "--at", "0"}).error, HasSubstr(name));
+    ASSERT_EQ(run({"presets", "save", name, "--table", "Reverse Rainbow"}).status, 0);
+    const ProgramRun found = run({"map", "--table", name, "--at", "0.5"});
+    EXPECT_EQ(found.status, 0) << found.error;
+    EXPECT_EQ(found.out, run({"map", "--table", "Reverse Rainbow", "--at", "0.5"}).out);
+}

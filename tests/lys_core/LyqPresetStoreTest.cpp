@@ -315,3 +315,44 @@ TEST_F(LyqPresetStoreTest, a_file_that_another_program_replaced_is_read_anew) {
     EXPECT_THAT(names(), ElementsAre("b"));
     EXPECT_EQ(valueOf("b"), 2);
 }
+
+TEST_F(LyqPresetStoreTest, a_renamed_preset_still_lacks_what_its_file_lacked) {
+    ASSERT_TRUE(save("a", 1));
+    std::string text = folder.read(fileOf("a"));
+    const std::string line = "    \"900000013\": 0,\n";
+    ASSERT_NE(text.find(line), std::string::npos);
+    folder.write(fileOf("a"), text.erase(text.find(line), line.size()));
+    ASSERT_TRUE(store.rename("a", "b", message)) << message.utf8();
+    EXPECT_EQ(folder.read(fileOf("b")).find("900000013"), std::string::npos);
+    EXPECT_EQ(valueOf("b"), 1);
+    EXPECT_EQ(report.missing, std::vector<Lyrenum>{Thing::NOTE});
+}
+
+TEST_F(LyqPresetStoreTest, of_two_files_with_one_name_the_one_that_can_be_used_counts) {
+    ASSERT_TRUE(save("x", 3));
+    std::filesystem::rename(pathOf("x"), folder.file("z.json"));
+    folder.write("x.json", "{");
+    EXPECT_THAT(names(), ElementsAre("x"));
+    EXPECT_EQ(problemOf("x"), "");
+    EXPECT_EQ(valueOf("x"), 3);
+}
+
+TEST_F(LyqPresetStoreTest, neither_import_nor_export_replaces_a_file_of_a_newer_version_even_if_it_is_cut_off) {
+    TemporaryFolder other;
+    ASSERT_TRUE(save("a", 1));
+    ASSERT_TRUE(store.exportFile("a", other.file("a.json"), message)) << message.utf8();
+    std::string newer = folder.read(fileOf("a"));
+    newer.replace(newer.find("\"version\": 1"), 12, "\"version\": 2");
+    other.write("newer.json", newer);
+    EXPECT_FALSE(store.exportFile("a", other.file("newer.json"), message));
+    EXPECT_THAT(message.utf8(), HasSubstr("newer version"));
+    EXPECT_EQ(other.read("newer.json"), newer);
+
+    // Cut off behind its version it is listed by its file's name, and still no import takes its place.
+    const std::string cut = newer.substr(0, newer.find("\"properties\""));
+    folder.write(fileOf("a"), cut);
+    LyrString name;
+    EXPECT_FALSE(store.importFile(other.file("a.json"), true, name, message));
+    EXPECT_THAT(message.utf8(), HasSubstr("newer version"));
+    EXPECT_EQ(folder.read(fileOf("a")), cut);
+}
