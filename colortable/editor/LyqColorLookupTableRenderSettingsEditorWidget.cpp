@@ -12,6 +12,7 @@
 #include <lys_core/LyqLineEdit.h>
 #include <lys_core/LyqSpinBox.h>
 
+#include <QDialog>
 #include <QElapsedTimer>
 #include <QFont>
 #include <QFontDialog>
@@ -26,6 +27,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -80,6 +82,15 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
     LyrObjectIOCPtrList objects;
     LyrObjectPtr current;
 
+    /** The colours that the objects had when the user began to choose another. */
+    struct OldColor {
+        LyrObjectPtr object;
+        LyrRGBAf color;
+    };
+    std::vector<OldColor> oldColors;
+    /** Whether one was tried since. */
+    bool colorTried = false;
+
     /** The control whose writes merge with its next ones, and the number of that gesture; null when a gesture has
      * ended. */
     const QWidget* gestureOwner = nullptr;
@@ -89,6 +100,23 @@ struct LyqColorLookupTableRenderSettingsEditorWidget::Private {
     QElapsedTimer lastWheel;
 
     void endGesture() { gestureOwner = nullptr; }
+
+    std::vector<LyrObjectPtr> listObjects() const {
+        std::vector<LyrObjectPtr> list;
+        for (std::size_t i = 0; i < objects.size(); ++i) {
+            list.emplace_back(objects.at(i));
+        }
+        return list;
+    }
+
+    void rememberColors(Lyrenum property) {
+        endGesture();
+        colorTried = false;
+        oldColors.clear();
+        for (const LyrObjectPtr& object : listObjects()) {
+            oldColors.push_back({object, lyrGetValue(object.get(), property, LyrRGBAf())});
+        }
+    }
 
     /** Lets the steps that follow merge with those before if they are of the same control. */
     void enterGesture(const QWidget* owner) {
@@ -182,7 +210,10 @@ void LyqColorLookupTableRenderSettingsEditorWidget::connectControls() {
 
     connect(mDescriptionLineEdit, &QLineEdit::editingFinished, this, [this] { d->endGesture(); });
     for (LyqColorWidget* widget : {mColorWidget, mOutlineColorWidget}) {
-        connect(widget, &LyqColorWidget::choosingStarted, this, [this] { d->endGesture(); });
+        const Lyrenum property = widget == mColorWidget ? Lyr::Color : Lyr::OutlineColor;
+        connect(widget, &LyqColorWidget::rgbaChanged, this, [this] { d->colorTried = true; });
+        connect(widget, &LyqColorWidget::choosingStarted, this, [this, property] { d->rememberColors(property); });
+        connect(widget, &LyqColorWidget::choosingCancelled, this, [this, property] { restoreColors(property); });
         connect(widget, &LyqColorWidget::choosingFinished, this, [this] { d->endGesture(); });
     }
     for (LyqSpinBox* box : {mThicknessSpinBox, mSizeSpinBox}) {
@@ -210,6 +241,7 @@ bool LyqColorLookupTableRenderSettingsEditorWidget::checkObjects(const LyrObject
 
 void LyqColorLookupTableRenderSettingsEditorWidget::setObjects(const LyrObjectPath* paths, long long count) {
     const LyrObjectPtr before = d->current;
+    const std::vector<LyrObjectPtr> listBefore = d->listObjects();
     std::vector<LyrObjectPath> fresh(paths, paths + std::max(0LL, count));
     d->paths.clear();
     d->objects.clear();
@@ -223,6 +255,12 @@ void LyqColorLookupTableRenderSettingsEditorWidget::setObjects(const LyrObjectPa
         }
     }
     d->objects.setListener(this);
+    if (d->listObjects() != listBefore) {
+        // What the user chooses there is for the objects before.
+        for (QDialog* dialog : findChildren<QDialog*>()) {
+            dialog->reject();
+        }
+    }
     update();
 }
 
@@ -263,10 +301,7 @@ QString LyqColorLookupTableRenderSettingsEditorWidget::actionName() {
 template <class Write>
 void LyqColorLookupTableRenderSettingsEditorWidget::writeEach(const QWidget* gestureOwner, Write write) {
     // Listeners of what is written may set other objects.
-    std::vector<LyrObjectPtr> objects;
-    for (std::size_t i = 0; i < d->objects.size(); ++i) {
-        objects.emplace_back(d->objects.at(i));
-    }
+    const std::vector<LyrObjectPtr> objects = d->listObjects();
     if (!objects.empty()) {
         d->enterGesture(gestureOwner);
         {
@@ -331,6 +366,23 @@ void LyqColorLookupTableRenderSettingsEditorWidget::setOutlineColor(const LyrRGB
     writeAll(mOutlineColorWidget, Lyr::OutlineColor, color);
 }
 
+/** Gives every object the colour back that it had when the user began to choose, as if nothing had been tried. */
+void LyqColorLookupTableRenderSettingsEditorWidget::restoreColors(Lyrenum property) {
+    const auto oldColors = std::move(d->oldColors);
+    d->oldColors.clear();
+    if (std::exchange(d->colorTried, false)) {
+        LyqApplication::instance().gestureDrop(d->gesture);
+        // What no step held.
+        const LyqApplication::UserActionScope action(actionName());
+        for (const auto& [object, color] : oldColors) {
+            if (!(lyrGetValue(object.get(), property, LyrRGBAf()) == color)) {
+                lyrSetValue(object.get(), property, color);
+            }
+        }
+    }
+    update();
+}
+
 void LyqColorLookupTableRenderSettingsEditorWidget::setHasOutline(int index) {
     writeAll(nullptr, Lyr::HasOutline, choiceOfOnOff(index));
 }
@@ -342,12 +394,13 @@ void LyqColorLookupTableRenderSettingsEditorWidget::setRendering(int index) {
 void LyqColorLookupTableRenderSettingsEditorWidget::setFont() {
     if (d->current) {
         // On the heap: the editor may go while the dialog is open, and takes it along.
+        const std::vector<LyrObjectPtr> list = d->listObjects();
         const QPointer<QFontDialog> dialog = new QFontDialog(fontOf(d->current.get()), this);
         const bool confirmed = dialog->exec() == QDialog::Accepted;
         if (!dialog) {
             return;
         }
-        if (confirmed) {
+        if (confirmed && d->listObjects() == list) {
             const QByteArray description = dialog->selectedFont().toString().toUtf8();
             writeAll<const char*>(nullptr, Lyr::Font, description.constData());
         }

@@ -66,6 +66,7 @@ private:
     struct Private;
     void connectControls();
     void sync();
+    void restoreColors(Lyrenum property);
     static QString actionName();
     static QString describeFont(const QFont& font);
     void syncPlacement(const LyrObject* object);

@@ -64,20 +64,31 @@ bool LyrUndoStep::redo() noexcept {
     return swapAll(mEntries.begin(), mEntries.end());
 }
 
-bool LyrUndoStep::touchesTheSame(const LyrUndoStep& other) const {
-    const auto covers = [](const LyrUndoStep& a, const LyrUndoStep& b) {
-        return std::all_of(b.mEntries.begin(), b.mEntries.end(), [&](const Entry& wanted) {
-            return std::any_of(a.mEntries.begin(), a.mEntries.end(), [&](const Entry& entry) {
-                return entry.object == wanted.object && entry.propertyId == wanted.propertyId;
-            });
-        });
-    };
-    return covers(*this, other) && covers(other, *this);
+bool LyrUndoStep::has(const Entry& wanted) const {
+    return std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
+        return entry.object == wanted.object && entry.propertyId == wanted.propertyId;
+    });
 }
 
-void LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
-    // The earlier step holds the first old value of each property already; the values in between are never shown again.
+bool LyrUndoStep::overlaps(const LyrUndoStep& other) const {
+    return std::any_of(other.mEntries.begin(), other.mEntries.end(), [&](const Entry& entry) { return has(entry); });
+}
+
+bool LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
+    try {
+        mEntries.reserve(mEntries.size() + later.mEntries.size());
+        // This step holds the first old value of what both touch already; values in between are never shown again.
+        for (Entry& entry : later.mEntries) {
+            if (!has(entry)) {
+                mEntries.push_back(std::move(entry));
+            }
+        }
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return false;
+    }
     later.mEntries.clear();
+    return true;
 }
 
 bool LyrUndoStep::holdsObjectsOf(const char* module) const noexcept {

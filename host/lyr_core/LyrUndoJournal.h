@@ -27,11 +27,11 @@ public:
     /** Does them again, or none of them. */
     bool redo() noexcept;
 
-    /** Whether both steps changed the same properties of the same objects. */
-    bool touchesTheSame(const LyrUndoStep& other) const;
-    /** Takes in a later step that touches the same: undone, this one brings back what was before both. The later one is
-     *  empty afterwards. */
-    void absorb(LyrUndoStep& later) noexcept;
+    /** Whether some property of some object was changed by both. */
+    bool overlaps(const LyrUndoStep& other) const;
+    /** Takes in the step that followed: undone, this one brings back what was before both. The later one is empty
+     *  afterwards. False, and both as they were, when memory ran out. */
+    bool absorb(LyrUndoStep& later) noexcept;
 
     /** True if an object of the module is kept by this step, be it as a changed object or in a link. */
     bool holdsObjectsOf(const char* module) const noexcept;
@@ -43,6 +43,7 @@ private:
         Lyrenum propertyId;
         std::unique_ptr<LyrProperty::State> other;  ///< the value that a swap brings back
     };
+    bool has(const Entry& wanted) const;
     static bool swap(Entry& entry) noexcept;
     template <class Iterator>
     static bool swapAll(Iterator first, Iterator last) noexcept;

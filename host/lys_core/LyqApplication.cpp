@@ -167,6 +167,22 @@ void LyqApplication::gestureEnd() {
     d->gesture = NO_GESTURE;
 }
 
+bool LyqApplication::gestureDrop(int gesture) {
+    if (!d->mayMove() || !d->history.canUndo()) {
+        return false;
+    }
+    const LyqUndoCommand* last = d->commandAt(d->history.index() - 1);
+    if (!last || last->id() != gesture || gesture == NO_GESTURE) {
+        return false;
+    }
+    // The stack hands out its commands as constants only.
+    if (!const_cast<LyqUndoCommand*>(last)->drop()) {
+        return false;
+    }
+    d->history.undo();
+    return true;
+}
+
 QUndoStack& LyqApplication::undoStack() {
     return d->history;
 }

@@ -51,12 +51,15 @@ public:
      * something could not be taken back (a list that is being read): that stays a part of the step. */
     bool userActionAborted(UserActionToken token);
 
-    /** Steps that end between these two and change the same properties of the same objects merge into one: a drag, the
+    /** Steps that end between these two merge with the one before if they share a property of an object: a drag, the
      * typing in a line. Gestures do not nest: a new one ends the last. Gives the gesture's number. */
     int gestureBegin();
     void gestureEnd();
     /** Goes on with a gesture that was ended for a while, so that nobody else's steps get into it meanwhile. */
     void gestureResume(int gesture);
+    /** Takes back the last step and forgets it, if it is of this gesture: no redo brings it back. False if there is
+     * none that could be taken back. */
+    bool gestureDrop(int gesture);
 
     /** The history of finished steps. Undo and redo through undo() and redo(): those refuse while a user action is open
      * and from within an undo, and leave everything as it was when a step cannot be taken back whole. */

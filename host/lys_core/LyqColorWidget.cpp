@@ -68,6 +68,7 @@ void LyqColorWidget::choose() {
     const LyrRGBAf first = mColor;
     const QColor shown = toQColor(first);
     // On the heap: this widget may go while the dialog is open, and takes it along.
+    const QPointer<LyqColorWidget> self = this;
     const QPointer<QColorDialog> dialog = new QColorDialog(shown, this);
     mDialog = dialog;
     dialog->setOption(QColorDialog::ShowAlphaChannel);
@@ -76,14 +77,14 @@ void LyqColorWidget::choose() {
         take(color.rgba() == shown.rgba() ? first : fromQColor(color));
     });
     Q_EMIT choosingStarted();
-    const bool confirmed = dialog->exec() == QDialog::Accepted;
-    if (!dialog) {
-        return;
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    if (self && (!accepted || !dialog)) {
+        setRgba(first);
+        Q_EMIT choosingCancelled();
     }
-    if (!confirmed) {
-        take(first);
+    if (self) {
+        Q_EMIT choosingFinished();
     }
-    Q_EMIT choosingFinished();
     delete dialog;
 }
 

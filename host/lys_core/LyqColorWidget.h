@@ -10,8 +10,9 @@ class QColorDialog;
 
 /** A button that shows a colour and lets the user choose another, opacity included.
  *
- *  While the dialog is open every colour that is tried is told at once; cancelling tells the first one again, exactly.
- * Alpha is shown by the colour over white (left half) and over black (right half). */
+ *  While the dialog is open every colour that is tried is told at once. Cancelling shows the first one again, exactly,
+ * and says so: whoever wrote what was tried takes it back. Alpha is shown by the colour over white (left half) and over
+ * black (right half). */
 class LYS_CORE_EXPORT LyqColorWidget : public QAbstractButton {
     Q_OBJECT
 
@@ -34,8 +35,9 @@ public:
 Q_SIGNALS:
     /** The user chose, or tries, another colour. */
     void rgbaChanged(const LyrRGBAf& color);
-    /** The user begins, and has ended, choosing. */
+    /** The user begins, and has ended, choosing; told in between if nothing of what was tried is to stay. */
     void choosingStarted();
+    void choosingCancelled();
     void choosingFinished();
 
 protected:

@@ -18,16 +18,19 @@ public:
     bool mergeWith(const QUndoCommand* other) override {
         // The stack only hands over commands with this one's gesture, which are of this class.
         auto* later = static_cast<const LyqUndoCommand*>(other);
-        if (!mDone || !mStep->touchesTheSame(*later->mStep)) {
-            return false;
-        }
-        mStep->absorb(*later->mStep);
-        return true;
+        return mDone && mStep->overlaps(*later->mStep) && mStep->absorb(*later->mStep);
     }
 
     void undo() override { mDone = mDone && !mStep->undo(); }
 
     void redo() override { mDone = mDone || mStep->redo(); }
+
+    /** Takes back the step for good: true if the stack is to forget it with its next undo. */
+    bool drop() {
+        undo();
+        setObsolete(!mDone);
+        return !mDone;
+    }
 
     /** True while the step's writes are in effect. What the stack says may differ: it redoes what it is given at once,
      *  although the step has happened already, and it knows of no undo that failed. */

@@ -422,11 +422,13 @@ TEST_F(LyrUndoJournalTest, compares_what_two_steps_touch) {
         node->title.setValue("c");
     });
     const auto d = step([&] { other->weight.setValue(1.0f); });
-    EXPECT_TRUE(steps[a].touchesTheSame(steps[b]));
-    EXPECT_TRUE(steps[b].touchesTheSame(steps[a]));
-    EXPECT_FALSE(steps[a].touchesTheSame(steps[c]));
-    EXPECT_FALSE(steps[c].touchesTheSame(steps[a]));
-    EXPECT_FALSE(steps[a].touchesTheSame(steps[d]));
+    const auto e = step([&] { node->title.setValue("e"); });
+    EXPECT_TRUE(steps[a].overlaps(steps[b]));
+    EXPECT_TRUE(steps[b].overlaps(steps[a]));
+    EXPECT_TRUE(steps[a].overlaps(steps[c]));
+    EXPECT_TRUE(steps[c].overlaps(steps[a]));
+    EXPECT_FALSE(steps[a].overlaps(steps[d])) << "another object";
+    EXPECT_FALSE(steps[a].overlaps(steps[e])) << "another property";
 }
 
 TEST_F(LyrUndoJournalTest, merges_a_later_step_into_an_earlier_one) {
@@ -436,8 +438,8 @@ TEST_F(LyrUndoJournalTest, merges_a_later_step_into_an_earlier_one) {
         node->title.setValue(std::to_string(i).c_str());
         action.end();
     }
-    steps[0].absorb(steps[1]);
-    steps[0].absorb(steps[2]);
+    EXPECT_TRUE(steps[0].absorb(steps[1]));
+    EXPECT_TRUE(steps[0].absorb(steps[2]));
     EXPECT_TRUE(steps[1].isEmpty());
     EXPECT_EQ(steps[0].getEntryCount(), 2u);
     EXPECT_TRUE(steps[0].undo());
@@ -446,6 +448,28 @@ TEST_F(LyrUndoJournalTest, merges_a_later_step_into_an_earlier_one) {
     EXPECT_TRUE(steps[0].redo());
     EXPECT_EQ(node->weight.stored(), 3.0f);
     EXPECT_EQ(node->title.stored(), "3");
+}
+
+TEST_F(LyrUndoJournalTest, a_merged_step_keeps_what_only_the_later_one_changed) {
+    {
+        Action action;
+        node->weight.setValue(1.0f);
+        action.end();
+    }
+    {
+        Action action;
+        node->title.setValue("later");
+        node->weight.setValue(2.0f);
+        action.end();
+    }
+    EXPECT_TRUE(steps[0].absorb(steps[1]));
+    EXPECT_EQ(steps[0].getEntryCount(), 2u);
+    EXPECT_TRUE(steps[0].undo());
+    EXPECT_EQ(node->weight.stored(), 0.0f);
+    EXPECT_TRUE(node->title.stored().isNull());
+    EXPECT_TRUE(steps[0].redo());
+    EXPECT_EQ(node->weight.stored(), 2.0f);
+    EXPECT_EQ(node->title.stored(), "later");
 }
 
 TEST_F(LyrUndoJournalTest, adds_a_snapshot_of_a_side_note_to_the_open_action) {

@@ -259,26 +259,53 @@ TEST_F(LyqApplicationTest, steps_of_one_gesture_on_other_properties_or_objects_s
     }
     EXPECT_EQ(count(), 2);
     {
-        const LyqApplication::UserActionScope scope(QStringLiteral("Both properties"));
-        object.other.setValue(2.0f);
-        object.value.setValue(2.0f);
-    }
-    EXPECT_EQ(count(), 3) << "more than the step before";
-    {
-        const LyqApplication::UserActionScope scope(QStringLiteral("One of both"));
-        object.value.setValue(3.0f);
-    }
-    EXPECT_EQ(count(), 4) << "less than the step before";
-    {
         const LyqApplication::UserActionScope scope(QStringLiteral("Other object"));
         second.value.setValue(4.0f);
     }
-    EXPECT_EQ(count(), 5);
+    EXPECT_EQ(count(), 3);
     while (application.undo()) {
     }
     EXPECT_EQ(value(), 0.0f);
     EXPECT_EQ(other(), 0.0f);
     EXPECT_EQ(second.value.stored(), 0.0f);
+}
+
+TEST_F(LyqApplicationTest, steps_of_one_gesture_that_share_a_property_merge_into_one_for_all_properties) {
+    const LyqApplication::GestureScope drag;
+    step(1.0f);
+    {
+        const LyqApplication::UserActionScope scope(QStringLiteral("More"));
+        object.other.setValue(2.0f);
+        object.value.setValue(2.0f);
+    }
+    {
+        const LyqApplication::UserActionScope scope(QStringLiteral("Less"));
+        object.other.setValue(3.0f);
+    }
+    EXPECT_EQ(count(), 1);
+    ASSERT_TRUE(application.undo());
+    EXPECT_EQ(value(), 0.0f);
+    EXPECT_EQ(other(), 0.0f);
+    ASSERT_TRUE(application.redo());
+    EXPECT_EQ(value(), 2.0f);
+    EXPECT_EQ(other(), 3.0f);
+}
+
+TEST_F(LyqApplicationTest, a_gesture_that_is_dropped_leaves_no_step_to_undo_or_redo) {
+    step(1.0f);
+    const int gesture = application.gestureBegin();
+    step(2.0f);
+    step(3.0f);
+    application.gestureEnd();
+    EXPECT_FALSE(application.gestureDrop(gesture + 1)) << "not the last step's";
+    EXPECT_EQ(value(), 3.0f);
+    EXPECT_TRUE(application.gestureDrop(gesture));
+    EXPECT_EQ(value(), 1.0f);
+    EXPECT_EQ(count(), 1);
+    EXPECT_FALSE(application.gestureDrop(gesture)) << "it is gone";
+    EXPECT_FALSE(application.redo());
+    EXPECT_TRUE(application.undo());
+    EXPECT_EQ(value(), 0.0f);
 }
 
 TEST_F(LyqApplicationTest, steps_of_two_gestures_or_of_none_stay_apart) {

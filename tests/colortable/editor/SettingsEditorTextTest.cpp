@@ -3,6 +3,7 @@
 #include <lys_core/LyqTranslations.h>
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QFontDialog>
 #include <QKeySequence>
 #include <QLocale>
@@ -13,6 +14,15 @@
 #include <functional>
 
 namespace {
+
+/** Does something with the colour dialog of a widget once it is open. */
+void whenColorDialogOpens(std::function<void(QColorDialog&)> act) {
+    QTimer::singleShot(0, [act = std::move(act)] {
+        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        act(*dialog);
+    });
+}
 
 /** Does something with the font dialog once it is open. */
 void whenFontDialogOpens(std::function<void(QFontDialog&)> act) {
@@ -209,6 +219,108 @@ TEST_F(SettingsEditor, colours_that_are_tried_are_one_step_and_go_to_every_objec
     application().undo();
     EXPECT_EQ(valueOf(second.get(), Lyr::Color, LyrRGBAf()), LyrRGBAf(1, 1, 1, 1));
     EXPECT_FALSE(application().undo());
+}
+
+TEST_F(SettingsEditor, a_colour_that_is_chosen_for_objects_that_differ_is_one_step) {
+    const LyrRGBAf red(0.501f, 0, 0, 1);
+    const float unit = 0.003921569f;
+    // The second one has the colour already that is tried first.
+    lyrSetValue(first.get(), Lyr::Color, red);
+    lyrSetValue(second.get(), Lyr::Color, LyrRGBAf(0, 51 * unit, 0, 255 * unit));
+    settle();
+    whenColorDialogOpens([&](QColorDialog& dialog) {
+        dialog.setCurrentColor(QColor(0, 51, 0));
+        dialog.setCurrentColor(QColor(0, 102, 0));
+        dialog.accept();
+    });
+    control<LyqColorWidget>("mColorWidget")->click();
+    const LyrRGBAf chosen(0, 102 * unit, 0, 255 * unit);
+    EXPECT_EQ(valueOf(first.get(), Lyr::Color, LyrRGBAf()), chosen);
+    EXPECT_EQ(valueOf(second.get(), Lyr::Color, LyrRGBAf()), chosen);
+    ASSERT_EQ(history().count(), 1);
+    application().undo();
+    EXPECT_EQ(valueOf(first.get(), Lyr::Color, LyrRGBAf()), red);
+    EXPECT_EQ(valueOf(second.get(), Lyr::Color, LyrRGBAf()), LyrRGBAf(0, 51 * unit, 0, 255 * unit));
+}
+
+TEST_F(SettingsEditor, cancelling_gives_every_object_its_own_colour_back_and_leaves_no_step) {
+    const LyrRGBAf red(0.501f, 0, 0, 1);
+    const LyrRGBAf blue(0, 0, 1.5f, 0.25f);
+    lyrSetValue(first.get(), Lyr::OutlineColor, red);
+    lyrSetValue(second.get(), Lyr::OutlineColor, blue);
+    settle();
+    for (const bool tries : {true, false}) {
+        LyrRGBAf tried;
+        whenColorDialogOpens([&](QColorDialog& dialog) {
+            if (tries) {
+                dialog.setCurrentColor(QColor(0, 51, 0));
+                dialog.setCurrentColor(QColor(0, 102, 0));
+            }
+            tried = valueOf(second.get(), Lyr::OutlineColor, LyrRGBAf());
+            settle();
+            dialog.reject();
+        });
+        control<LyqColorWidget>("mOutlineColorWidget")->click();
+        EXPECT_EQ(tried == blue, !tries);
+        EXPECT_EQ(valueOf(first.get(), Lyr::OutlineColor, LyrRGBAf()), red);
+        EXPECT_EQ(valueOf(second.get(), Lyr::OutlineColor, LyrRGBAf()), blue);
+        EXPECT_EQ(history().count(), 0);
+        EXPECT_EQ(control<LyqColorWidget>("mOutlineColorWidget")->rgba(), red);
+    }
+}
+
+TEST_F(SettingsEditor, other_objects_close_the_colour_dialog_as_if_it_had_been_cancelled) {
+    const LyrObjectRefPtr third("LyrColorLookupTableRenderSettings", Lyr::DocumentScope);
+    lyrSetValue(third.get(), Lyr::Color, LyrRGBAf(0, 0, 0.5f, 1));
+    bool open = true;
+    whenColorDialogOpens([&](QColorDialog& dialog) {
+        dialog.setCurrentColor(QColor(0, 51, 0));
+        edit({third.get()});
+        open = dialog.isVisible();
+        dialog.accept();
+    });
+    control<LyqColorWidget>("mColorWidget")->click();
+    EXPECT_FALSE(open);
+    EXPECT_EQ(valueOf(third.get(), Lyr::Color, LyrRGBAf()), LyrRGBAf(0, 0, 0.5f, 1));
+    whenColorDialogOpens([&](QColorDialog& dialog) {
+        dialog.setCurrentColor(QColor(0, 51, 0));
+        edit({first.get(), second.get()});
+    });
+    control<LyqColorWidget>("mColorWidget")->click();
+    EXPECT_EQ(valueOf(third.get(), Lyr::Color, LyrRGBAf()), LyrRGBAf(0, 0, 0.5f, 1));
+    EXPECT_NE(valueOf(first.get(), Lyr::Color, LyrRGBAf()), LyrRGBAf(0, 0, 0.5f, 1));
+}
+
+TEST_F(SettingsEditor, a_font_that_was_chosen_for_other_objects_is_not_written) {
+    const LyrObjectRefPtr third("LyrColorLookupTableRenderSettings", Lyr::DocumentScope);
+    bool open = true;
+    whenFontDialogOpens([&](QFontDialog& dialog) {
+        dialog.setCurrentFont(QFont("Liberation Serif", 17));
+        edit({third.get()});
+        open = dialog.isVisible();
+        dialog.accept();
+    });
+    control<QPushButton>("mFontPushButton")->click();
+    EXPECT_FALSE(open);
+    for (const LyrObject* object : {first.get(), second.get(), third.get()}) {
+        EXPECT_EQ(textOf(object, "Font"), "Arial,10,-1,5,50,0,0,0,0,0");
+    }
+    EXPECT_EQ(history().count(), 0);
+}
+
+TEST_F(SettingsEditor, captions_that_become_the_same_by_typing_are_one_step) {
+    lyrSetValue<const char*>(first.get(), Lyrenum("DescriptionTemplate", true), "A");
+    lyrSetValue<const char*>(second.get(), Lyrenum("DescriptionTemplate", true), "AB");
+    settle();
+    type(caption(), "BC");
+    EXPECT_EQ(textOf(second.get(), "DescriptionTemplate"), "ABC");
+    ASSERT_EQ(history().count(), 1);
+    application().undo();
+    EXPECT_EQ(textOf(first.get(), "DescriptionTemplate"), "A");
+    EXPECT_EQ(textOf(second.get(), "DescriptionTemplate"), "AB");
+    application().redo();
+    EXPECT_EQ(textOf(first.get(), "DescriptionTemplate"), "ABC");
+    EXPECT_EQ(textOf(second.get(), "DescriptionTemplate"), "ABC");
 }
 
 TEST_F(SettingsEditor, the_font_button_describes_the_font) {
