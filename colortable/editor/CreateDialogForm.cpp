@@ -4,15 +4,19 @@
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrQuantity.h>
 #include <lys_core/LyqComboBox.h>
+#include <lys_core/LyqMessageBox.h>
 #include <lys_core/LyqSpinBox.h>
 
 #include <QDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 
 #include <limits>
+#include <utility>
 
 namespace lys::editor {
 
@@ -66,6 +70,42 @@ void prepareAngleBox(LyqSpinBox& box, double degrees) {
 float enteredValue(LyqSpinBox& box) {
     box.interpretText();
     return static_cast<float>(box.value());
+}
+
+RefusedNumbers::RefusedNumbers(QDialog& dialog, const QList<LyqSpinBox*>& boxes)
+    : QObject(&dialog), mDialog(dialog), mBoxes(boxes) {
+    for (LyqSpinBox* box : boxes) {
+        connect(box, &LyqSpinBox::refused, this, [this, box](const QString& reason) {
+            forget(box);
+            mReasons.append({box, reason});
+        });
+        connect(box, &LyqSpinBox::valueChanged, this, [this, box] { forget(box); });
+        connect(box->findChild<QLineEdit*>(), &QLineEdit::textEdited, this, [this, box] { forget(box); });
+    }
+}
+
+void RefusedNumbers::forget(const LyqSpinBox* box) {
+    mReasons.removeIf([box](const auto& entry) { return entry.first == box; });
+}
+
+bool RefusedNumbers::tell(const QString& caption) {
+    for (LyqSpinBox* box : mBoxes) {
+        box->interpretText();
+    }
+    if (mReasons.isEmpty()) {
+        return false;
+    }
+    const QPointer<LyqSpinBox> box = mReasons.first().first;
+    QStringList reasons;
+    for (const auto& entry : std::exchange(mReasons, {})) {
+        reasons.append(entry.second);
+    }
+    LyqMessageBox::warning(&mDialog, caption, reasons.join(QLatin1Char('\n')));
+    if (box) {
+        box->setFocus();
+        box->selectAll();
+    }
+    return true;
 }
 
 Lyrenum schemeOf(int index) {

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QObject>
 #include <QPair>
 #include <QString>
 
@@ -42,6 +43,25 @@ void prepareAngleBox(LyqSpinBox& box, double degrees);
 
 /** What a box holds, text that is still being typed included. */
 float enteredValue(LyqSpinBox& box);
+
+/** Knows which fields of a dialog refused the number that was typed last, so that nothing is built with the old one
+ * that came back in its place. A child of the dialog. */
+class RefusedNumbers : public QObject {
+public:
+    RefusedNumbers(QDialog& dialog, const QList<LyqSpinBox*>& boxes);
+
+    /** Takes what is still being typed. If a field refused its number and was not edited since, says why under a
+     * caption, goes to the field and is true; next time it is forgotten. Dialog and this may be gone afterwards. */
+    bool tell(const QString& caption);
+    void forget() { mReasons.clear(); }
+
+private:
+    void forget(const LyqSpinBox* box);
+
+    QDialog& mDialog;
+    QList<LyqSpinBox*> mBoxes;
+    QList<QPair<LyqSpinBox*, QString>> mReasons;
+};
 
 /** The colour schemes on offer, by their index; any other index is the first. */
 Lyrenum schemeOf(int index);

@@ -16,6 +16,7 @@ LyqColorLookupTableCreateSmoothDialog::LyqColorLookupTableCreateSmoothDialog(QWi
     for (LyqSpinBox* box : {mFromSpinBox, mToSpinBox}) {
         lys::editor::prepareSpinBox(*box, Lyr::Length, -std::numeric_limits<float>::max());
     }
+    mRefused = new lys::editor::RefusedNumbers(*this, {mFromSpinBox, mToSpinBox});
     connect(mOkPushButton, &QPushButton::clicked, this, &LyqColorLookupTableCreateSmoothDialog::applySlot);
     connect(mCancelPushButton, &QPushButton::clicked, this, &QDialog::reject);
 }
@@ -24,6 +25,7 @@ LyqColorLookupTableCreateSmoothDialog::~LyqColorLookupTableCreateSmoothDialog() 
 
 void LyqColorLookupTableCreateSmoothDialog::setTable(LyrObject* table) {
     mTable = LyrObjectPtr(table);
+    mRefused->forget();
     for (LyqSpinBox* box : {mFromSpinBox, mToSpinBox}) {
         box->setQuantity(lys::editor::quantityOf(table));
         lys::editor::limitToMaximumRange(*box, table);
@@ -33,6 +35,9 @@ void LyqColorLookupTableCreateSmoothDialog::setTable(LyrObject* table) {
 void LyqColorLookupTableCreateSmoothDialog::applySlot() {
     if (!mTable) {
         reject();
+        return;
+    }
+    if (mRefused->tell(tr("Invalid parameters"))) {
         return;
     }
     const float from = lys::editor::enteredValue(*mFromSpinBox);

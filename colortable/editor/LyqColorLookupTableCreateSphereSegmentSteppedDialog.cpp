@@ -19,6 +19,7 @@ LyqColorLookupTableCreateSphereSegmentSteppedDialog::LyqColorLookupTableCreateSp
     for (int i = 0; i < 3; ++i) {
         lys::editor::prepareAngleBox(*boxes[i], degrees[i]);
     }
+    mRefused = new lys::editor::RefusedNumbers(*this, {mFromSpinBox, mToSpinBox, mStepSpinBox});
     connect(mOkPushButton, &QPushButton::clicked, this,
             &LyqColorLookupTableCreateSphereSegmentSteppedDialog::applySlot);
     connect(mCancelPushButton, &QPushButton::clicked, this, &QDialog::reject);
@@ -28,11 +29,15 @@ LyqColorLookupTableCreateSphereSegmentSteppedDialog::~LyqColorLookupTableCreateS
 
 void LyqColorLookupTableCreateSphereSegmentSteppedDialog::setTable(LyrObject* table) {
     mTable = LyrObjectPtr(table);
+    mRefused->forget();
 }
 
 void LyqColorLookupTableCreateSphereSegmentSteppedDialog::applySlot() {
     if (!mTable) {
         reject();
+        return;
+    }
+    if (mRefused->tell(tr("Invalid parameters"))) {
         return;
     }
     const float from = lys::editor::enteredValue(*mFromSpinBox);

@@ -19,6 +19,7 @@ LyqColorLookupTableCreateSteppedDialog::LyqColorLookupTableCreateSteppedDialog(Q
         lys::editor::prepareSpinBox(*box, Lyr::Length, -std::numeric_limits<float>::max());
     }
     lys::editor::prepareSpinBox(*mStepSpinBox, Lyr::Length, 0.0);
+    mRefused = new lys::editor::RefusedNumbers(*this, {mFromSpinBox, mToSpinBox, mStepSpinBox});
     connect(mOkPushButton, &QPushButton::clicked, this, &LyqColorLookupTableCreateSteppedDialog::applySlot);
     connect(mCancelPushButton, &QPushButton::clicked, this, &QDialog::reject);
 }
@@ -27,6 +28,7 @@ LyqColorLookupTableCreateSteppedDialog::~LyqColorLookupTableCreateSteppedDialog(
 
 void LyqColorLookupTableCreateSteppedDialog::setTable(LyrObject* table) {
     mTable = LyrObjectPtr(table);
+    mRefused->forget();
     for (LyqSpinBox* box : {mFromSpinBox, mToSpinBox}) {
         box->setQuantity(lys::editor::quantityOf(table));
         lys::editor::limitToMaximumRange(*box, table);
@@ -37,6 +39,9 @@ void LyqColorLookupTableCreateSteppedDialog::setTable(LyrObject* table) {
 void LyqColorLookupTableCreateSteppedDialog::applySlot() {
     if (!mTable) {
         reject();
+        return;
+    }
+    if (mRefused->tell(tr("Invalid parameters"))) {
         return;
     }
     const float from = lys::editor::enteredValue(*mFromSpinBox);

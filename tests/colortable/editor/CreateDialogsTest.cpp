@@ -289,13 +289,74 @@ TEST_F(CreateDialogs, numbers_outside_the_largest_range_do_not_get_in) {
     smooth.setTable(table.get());
     stepped.setTable(table.get());
     for (QDialog* dialog : std::initializer_list<QDialog*>{&smooth, &stepped}) {
+        box(*dialog, "mFromSpinBox").setValue(12.5);
+        box(*dialog, "mToSpinBox").setValue(37.25);
         for (const char* text : {"-1", "-0.5 mm", "100.1", "1 m", "1e39", "nan", "inf", "abc", ""}) {
             type(*dialog, "mFromSpinBox", text);
             type(*dialog, "mToSpinBox", text);
-            EXPECT_GE(box(*dialog, "mFromSpinBox").value(), 0.0) << text;
-            EXPECT_LE(box(*dialog, "mToSpinBox").value(), 100.0) << text;
+            EXPECT_EQ(box(*dialog, "mFromSpinBox").value(), 12.5) << text;
+            EXPECT_EQ(box(*dialog, "mToSpinBox").value(), 37.25) << text;
         }
     }
+}
+
+TEST_F(CreateDialogs, after_a_refused_number_nothing_is_built_until_the_user_has_been_told) {
+    enum class By { Mouse, Return, Slot };
+    for (const By by : {By::Mouse, By::Return, By::Slot}) {
+        Smooth dialog;
+        dialog.setTable(table.get());
+        box(dialog, "mToSpinBox").setValue(4.0);
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        LyqSpinBox& to = box(dialog, "mToSpinBox");
+        to.setFocus();
+        to.selectAll();
+        QTest::keyClicks(&to, QStringLiteral("many"));
+        QString why;
+        whenModal<LyqMessageBox>([&](LyqMessageBox& message) {
+            why = message.text();
+            message.accept();
+        });
+        if (by == By::Mouse) {
+            dialog.findChild<QPushButton*>("mOkPushButton")->setFocus();
+            press(dialog, "mOkPushButton");
+        } else if (by == By::Return) {
+            QTest::keyClick(&to, Qt::Key_Return);
+        } else {
+            dialog.applySlot();
+        }
+        EXPECT_TRUE(why.startsWith(QStringLiteral("\"many\" is no number"))) << why.toStdString();
+        EXPECT_TRUE(dialog.isVisible());
+        EXPECT_EQ(positionsOf(table.get()), (std::vector<float>{-1.0f, 1.0f}));
+        EXPECT_EQ(to.value(), 4.0);
+        EXPECT_EQ(dialog.focusWidget(), &to);
+        QTest::keyClicks(&to, QStringLiteral("5"));
+        dialog.applySlot();
+        EXPECT_EQ(positionsOf(table.get()), (std::vector<float>{0.0f, 5.0f}));
+        EXPECT_FALSE(dialog.isVisible());
+        ASSERT_TRUE(LyqApplication::instance().undo());
+    }
+}
+
+TEST_F(CreateDialogs, a_refused_number_that_was_typed_anew_is_forgotten) {
+    Stepped dialog;
+    dialog.setTable(table.get());
+    type(dialog, "mStepSpinBox", "-1");
+    type(dialog, "mStepSpinBox", "2");
+    type(dialog, "mToSpinBox", "4");
+    dialog.applySlot();
+    EXPECT_EQ(positionsOf(table.get()), (std::vector<float>{0.0f, 2.0f, 4.0f}));
+}
+
+TEST_F(CreateDialogs, a_dialog_that_is_run_again_knows_of_no_refusal_before) {
+    Smooth dialog;
+    type(dialog, "mToSpinBox", "many");
+    dialog.setTable(table.get());
+    box(dialog, "mToSpinBox").setValue(4.0);
+    type(dialog, "mFromSpinBox", "many");
+    dialog.setTable(table.get());
+    dialog.applySlot();
+    EXPECT_EQ(positionsOf(table.get()), (std::vector<float>{0.0f, 4.0f}));
 }
 
 TEST_F(CreateDialogs, the_sphere_segment_dialog_keeps_degrees_whatever_the_table_measures) {

@@ -2,6 +2,7 @@
 
 #include <QColorDialog>
 #include <QInputDialog>
+#include <QToolTip>
 
 #include "EditorFixture.h"
 
@@ -118,9 +119,13 @@ TEST_F(Editing, open_ends_cannot_be_typed_over) {
 
 TEST_F(Editing, what_is_no_number_is_refused_and_the_old_text_comes_back) {
     for (const char* text : {"abc", "", "nan", "inf", "-inf", "1e39", "-1e39", "1e999", "1 2", "5 kg"}) {
+        QToolTip::hideText();
         type(1, TO, QString::fromUtf8(text));
         EXPECT_EQ(rows.text(1, TO), QStringLiteral("1")) << text;
+        EXPECT_TRUE(QToolTip::isVisible()) << text << ": why is shown";
+        EXPECT_TRUE(QToolTip::text().contains(QString::fromUtf8(text))) << QToolTip::text().toStdString();
     }
+    QToolTip::hideText();
     EXPECT_EQ(positions(), (std::vector<float>{-1, 1}));
     EXPECT_EQ(steps.names(), QStringList());
 }

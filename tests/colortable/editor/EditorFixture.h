@@ -49,6 +49,7 @@ protected:
 class EditorFixture : private ToolkitApplication, public testing::Test {
 protected:
     EditorFixture() {
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
         QLocale::setDefault(QLocale::c());
         LyqApplication::instance().undoStack().clear();
         editor.setLogicObject(table.get());

@@ -397,7 +397,19 @@ TEST_F(TableEditor, keeps_its_table_alive_and_goes_without_a_trace) {
     settle();
 }
 
-TEST_F(TableEditor, the_event_filter_of_the_row_header_lets_everything_through) {
+TEST_F(TableEditor, hears_what_its_row_header_is_sent_and_lets_it_through) {
+    struct Hearing : LyqColorLookupTableEditor {
+        QList<QEvent::Type> heard;
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            if (watched == findChild<QTable*>()->verticalHeader()) {
+                heard.append(event->type());
+            }
+            return LyqColorLookupTableEditor::eventFilter(watched, event);
+        }
+    } hearing;
+    QEvent sent(QEvent::EnabledChange);
+    QCoreApplication::sendEvent(hearing.findChild<QTable*>()->verticalHeader(), &sent);
+    EXPECT_EQ(hearing.heard.count(QEvent::EnabledChange), 1);
     QEvent event(QEvent::MouseButtonPress);
     EXPECT_FALSE(editor.eventFilter(rows.verticalHeader(), &event));
 }
