@@ -312,6 +312,7 @@ TEST_F(SettingsEditor, captions_that_become_the_same_by_typing_are_one_step) {
     lyrSetValue<const char*>(first.get(), Lyrenum("DescriptionTemplate", true), "A");
     lyrSetValue<const char*>(second.get(), Lyrenum("DescriptionTemplate", true), "AB");
     settle();
+    caption().end(false);
     type(caption(), "BC");
     EXPECT_EQ(textOf(second.get(), "DescriptionTemplate"), "ABC");
     ASSERT_EQ(history().count(), 1);
