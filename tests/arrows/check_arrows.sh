@@ -6,7 +6,7 @@ here="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"
 cd "${1:-$here/../..}"
 
 folders=()
-for folder in host toolkit colortable cli analysis workbench; do
+for folder in host toolkit colortable cli analysis workbench examples; do
     [ ! -d "$folder" ] || folders+=("$folder")
 done
 [ ${#folders[@]} -gt 0 ] || { echo "check_arrows: no source folder in $PWD" >&2; exit 1; }

@@ -45,6 +45,18 @@ endif()
 foreach(program IN LISTS programs)
   run("running ${program}" "${program}")
 endforeach()
+# The examples of the documentation are such projects as well.
+list(FIND components colortable place)
+if(NOT place EQUAL -1)
+  foreach(example IN ITEMS embed handler)
+    run("configuring the example ${example}" "${CMAKE_COMMAND}" -G Ninja -S "${SOURCE}/examples/${example}"
+      -B "${WORK}/client/${example}" "-DCMAKE_PREFIX_PATH=${prefix}" "-DCMAKE_CXX_FLAGS=${CXX_FLAGS}"
+      "-DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}")
+    run("building the example ${example}" "${CMAKE_COMMAND}" --build "${WORK}/client/${example}")
+  endforeach()
+  run("drawing the window of the example" "${CMAKE_COMMAND}" -E env QT_QPA_PLATFORM=offscreen
+    "${WORK}/client/embed/embed" "${WORK}/client/embed.png")
+endif()
 if(EXISTS "${BUILD}/bin/colortable")
   run("running the installed program" "${prefix}/bin/colortable" --help)
 endif()
