@@ -70,6 +70,8 @@ int run() {
     }
     lyrSetValue<Lyrenum>(table, Lyr::Quantity, Lyr::Length);
     LyrColorLookupTable::createStepped(table, 0.0f, 4.0f, 0.5f, Lyr::Rainbow);
+    lyrSetValue(settings.get(), Lyr::Color, LyrRGBA<float>::BLACK());
+    lyrSetValue<Lyrenum>(settings.get(), Lyr::HasOutline, 0);
     LyqApplication::instance().undoStack().clear();  // undo begins with what the user does
 
     QMainWindow window;
