@@ -130,10 +130,12 @@ bool LyrColoredLayer::isComplete() const {
 std::vector<LyqLayer::Content> LyrColoredLayer::contents() const {
     std::vector<Content> all;
     if (LyrObject* colors = table()) {
-        all.push_back({colors, QCoreApplication::translate("LyrColoredLayer", "Color Table"), "colors.json"});
+        all.push_back({colors, QCoreApplication::translate("LyrColoredLayer", "Color Table"), "colors.json",
+                       Lyr::ColorLookupTable});
     }
     if (LyrObject* legend = renderSettings()) {
-        all.push_back({legend, QCoreApplication::translate("LyrColoredLayer", "Legend Settings"), "legend.json"});
+        all.push_back(
+            {legend, QCoreApplication::translate("LyrColoredLayer", "Legend Settings"), "legend.json", Lyrenum(-1)});
     }
     return all;
 }

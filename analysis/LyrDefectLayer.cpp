@@ -63,12 +63,7 @@ const LyrDefect* LyrDefectLayer::defectAt(const LyrVector3<float>& position) con
 }
 
 LyrVector3<float> LyrDefectLayer::centerOf(const LyrDefect& defect) const {
-    // Results count from the centre of the first voxel, which lies at the volume's origin, the world from its corner.
-    const LyrVolume& volume = *mResult->volume;
-    const auto along = [&](std::size_t axis) {
-        return static_cast<float>(defect.center[axis] - volume.origin()[axis] + 0.5 * volume.spacing()[axis]);
-    };
-    return {along(0), along(1), along(2)};
+    return document().worldPosition(defect.center);
 }
 
 std::uint32_t LyrDefectLayer::markedDefect() const {

@@ -12,6 +12,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -26,6 +27,11 @@ QString needsVolume() {
 class VolumeRun : public LyqAnalysisRun {
 public:
     explicit VolumeRun(LyrVolumeObject* document) : mDocument(document), mVolume(document->volume()) {}
+
+    bool setThreshold(std::optional<float> threshold) override {
+        mThreshold = threshold;
+        return true;
+    }
 
     std::vector<LyrObjectPtr> createLayers() override {
         const LyrObjectPtr layer(createLayer(static_cast<LyrVolumeObject*>(mDocument.get())));
@@ -44,6 +50,7 @@ public:
 protected:
     virtual LyrColoredLayer* createLayer(LyrVolumeObject* document) = 0;
     const std::shared_ptr<const LyrVolume>& volume() const { return mVolume; }
+    const std::optional<float>& threshold() const { return mThreshold; }
 
     static bool tell(const LyrAnalysisOutcome& outcome, QString& message) {
         message = outcome.cancelled ? QString() : QString::fromStdString(outcome.error);
@@ -60,6 +67,7 @@ protected:
 private:
     LyrObjectPtr mDocument;
     std::shared_ptr<const LyrVolume> mVolume;
+    std::optional<float> mThreshold;
 };
 
 class DefectRun : public VolumeRun {
@@ -75,7 +83,7 @@ public:
         control.progress = [&](double part) { return progress(part * (1.0 - SURFACE)); };
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrDefectResult>();
-        if (!LyrDefectAnalysis::run(volume(), {}, *result, outcome, control)) {
+        if (!LyrDefectAnalysis::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
             return tell(outcome, message);
         }
         std::string error;
@@ -136,7 +144,7 @@ public:
         control.progress = progress;
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrThicknessResult>();
-        if (!LyrWallThickness::run(volume(), {}, *result, outcome, control)) {
+        if (!LyrWallThickness::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
             return tell(outcome, message);
         }
         mResult = std::move(result);

@@ -1308,6 +1308,10 @@ Die angegebenen Parameter sind ungültig.</translation>
         <source>&quot;%1&quot; needs an opened volume.</source>
         <translation>„%1“ braucht ein geöffnetes Volumen.</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; goes by no threshold. Start it without one.</source>
+        <translation>„%1“ richtet sich nach keinem Schwellwert. Starten Sie ohne einen.</translation>
+    </message>
 </context>
 <context>
     <name>workbench::BatchRun</name>
@@ -1322,6 +1326,18 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>The analysis was canceled.</source>
         <translation>Die Analyse wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>There is no preset &quot;%1&quot;. There are: %2</source>
+        <translation>Es gibt keine Vorlage „%1“. Es gibt: %2</translation>
+    </message>
+    <message>
+        <source>The preset &quot;%1&quot; is not applied: no layer has a table.</source>
+        <translation>Die Vorlage „%1“ wird nicht angewendet: Keine Ebene hat eine Tabelle.</translation>
+    </message>
+    <message>
+        <source>The preset &quot;%1&quot; cannot be applied. %2</source>
+        <translation>Die Vorlage „%1“ kann nicht angewendet werden. %2</translation>
     </message>
 </context>
 <context>
@@ -1717,6 +1733,24 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>History</source>
         <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>Set &amp;Threshold…</source>
+        <translation>&amp;Schwellwert setzen…</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Schwellwert</translation>
+    </message>
+    <message>
+        <source>Analyses take samples from this grey value on for material.
+Empty: chosen from the values (Otsu).</source>
+        <translation>Analysen zählen Werte ab diesem Grauwert als Material.
+Leer: aus den Werten bestimmt (Otsu).</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a number. The threshold stays as it was.</source>
+        <translation>„%1“ ist keine Zahl. Der Schwellwert bleibt, wie er war.</translation>
     </message>
 </context>
 <context>

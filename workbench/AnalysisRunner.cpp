@@ -30,6 +30,10 @@ bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
     if (!run) {
         return false;
     }
+    if (!run->setThreshold(mThreshold)) {
+        message = tr("\"%1\" goes by no threshold. Start it without one.").arg(analysis.title());
+        return false;
+    }
     mTitle = analysis.title();
     mJob = new LyqBackgroundJob(
         [run](const LyqBackgroundJob::Progress& progress, QString& text) { return run->compute(progress, text); },

@@ -4,6 +4,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <optional>
+
 class LyqAnalysisExtension;
 class LyqAnalysisRun;
 class LyqBackgroundJob;
@@ -17,6 +19,10 @@ class AnalysisRunner : public QObject {
 public:
     explicit AnalysisRunner(QObject* parent = nullptr);
     ~AnalysisRunner() override;
+
+    /** What the runs to come take for material: samples from this value on. None: each analysis chooses. */
+    void setThreshold(std::optional<float> threshold) { mThreshold = threshold; }
+    std::optional<float> threshold() const { return mThreshold; }
 
     /** False, and a message, if it cannot begin. */
     bool start(LyqAnalysisExtension& analysis, QString& message);
@@ -36,6 +42,7 @@ Q_SIGNALS:
 private:
     QPointer<LyqBackgroundJob> mJob;
     QString mTitle;
+    std::optional<float> mThreshold;
 };
 
 }  // namespace workbench

@@ -32,6 +32,8 @@ Q_SIGNALS:
 
 private:
     void begin();
+    /** Applies the preset that was asked for. */
+    void applyPreset();
     void save(const LyqAnalysisRun& run);
     void analysed(bool done, const QString& message);
     void takePictureWhenDone();

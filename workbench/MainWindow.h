@@ -81,6 +81,7 @@ private:
     void hideProgress();
     void chooseFile();
     void chooseFolder();
+    void askThreshold();
     void savePictureAs(const QImage& picture, const QString& suggestion);
     void showKeys();
     void showAbout();

@@ -1,5 +1,6 @@
 #include <lys_core/LyqCameraWidget.h>
 #include <lys_core/LyqPreferenceManager.h>
+#include <workbench/AnalysisRunner.h>
 #include <workbench/ContentFiles.h>
 #include <workbench/MainWindow.h>
 #include <workbench/Theme.h>
@@ -10,9 +11,14 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QIcon>
+#include <QInputDialog>
+#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+
+#include <cmath>
+#include <optional>
 
 // What the menus hold and what their entries ask for.
 
@@ -30,6 +36,8 @@ void MainWindow::buildMenus() {
     mEditMenu = menuBar()->addMenu(tr("&Edit"));
     mViewMenu = menuBar()->addMenu(tr("&View"));
     mAnalysisMenu = menuBar()->addMenu(tr("&Analysis"));
+    mAnalysisMenu->addAction(tr("Set &Threshold…"), this, &MainWindow::askThreshold);
+    mAnalysisMenu->addSeparator();
     mToolsMenu = menuBar()->addMenu(tr("&Tools"));
     mHelpMenu = menuBar()->addMenu(tr("&Help"));
     buildFileMenu();
@@ -117,6 +125,32 @@ void MainWindow::chooseFolder() {
         LyqPreferenceManager::instance().setValue(FOLDER_KEY, QFileInfo(path).absolutePath());
         openVolume(path);
     }
+}
+
+void MainWindow::askThreshold() {
+    const std::optional<float> now = mAnalyses->threshold();
+    auto* dialog = new QInputDialog(this);
+    dialog->setObjectName("thresholdDialog");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Threshold"));
+    dialog->setLabelText(
+        tr("Analyses take samples from this grey value on for material.\nEmpty: chosen from the values (Otsu)."));
+    QLocale plain;
+    plain.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
+    dialog->setTextValue(now ? plain.toString(*now, 'g', QLocale::FloatingPointShortest) : QString());
+    connect(dialog, &QInputDialog::textValueSelected, this, [this, plain](const QString& typed) {
+        const QString text = typed.trimmed();
+        bool isNumber = false;
+        const float value = plain.toFloat(text, &isNumber);
+        if (text.isEmpty()) {
+            mAnalyses->setThreshold(std::nullopt);
+        } else if (isNumber && std::isfinite(value)) {
+            mAnalyses->setThreshold(value);
+        } else {
+            showError(tr("Threshold"), tr("\"%1\" is not a number. The threshold stays as it was.").arg(text));
+        }
+    });
+    dialog->open();
 }
 
 void MainWindow::savePictureAs(const QImage& picture, const QString& suggestion) {

@@ -5,6 +5,7 @@
 #include <QFile>
 
 #include <charconv>
+#include <cmath>
 #include <string>
 
 namespace workbench {
@@ -31,13 +32,27 @@ bool parseSize(const std::string& text, QSize& out) {
     return true;
 }
 
+/** Reads a finite number, decimal point in every locale. */
+bool parseThreshold(const std::string& text, std::optional<float>& out) {
+    float value = 0.0f;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !std::isfinite(value)) {
+        return false;
+    }
+    out = value;
+    return true;
+}
+
 }  // namespace
 
 bool parseOptions(int argc, char** argv, Options& out, int& status) {
     CLI::App app("Shows a volume in three slice views and a 3D view, colored through tables.", "workbench");
-    std::string volume, analysis, report, screenshot, size;
+    std::string volume, analysis, threshold, preset, report, screenshot, size;
     app.add_option("VOLUME", volume, "a file, a folder of slices, or builtin:casting@N (default: builtin:casting)");
     auto* wanted = app.add_option("--analysis", analysis, "run an analysis, such as defect-volume or wall-thickness");
+    app.add_option("--threshold", threshold, "grey value from which on the analysis sees material (default: Otsu's)")
+        ->needs(wanted);
+    app.add_option("--preset", preset, "apply a preset to the table of the layer in front, after the analysis");
     app.add_option("--report", report, "write the numbers of the analysis (.csv or .json) and end")->needs(wanted);
     app.add_option("--screenshot", screenshot, "write a picture of the window (PNG) and end");
     app.add_option("--size", size, "size of the window in pixels, as in 1280x860");
@@ -48,6 +63,9 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
             throw CLI::ValidationError("--size", "wants WIDTHxHEIGHT, each " + std::to_string(SMALLEST) + " to " +
                                                      std::to_string(LARGEST) + ", as in 1280x860");
         }
+        if (!threshold.empty() && !parseThreshold(threshold, out.threshold)) {
+            throw CLI::ValidationError("--threshold", "wants a finite number, as in 1200 or 0.5");
+        }
     } catch (const CLI::ParseError& end) {
         status = app.exit(end) == 0 ? 0 : 2;
         return false;
@@ -56,6 +74,7 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
         out.volume = QFile::decodeName(volume.c_str());
     }
     out.analysis = QString::fromLocal8Bit(analysis.c_str());
+    out.preset = QString::fromLocal8Bit(preset.c_str());
     out.report = QFile::decodeName(report.c_str());
     out.screenshot = QFile::decodeName(screenshot.c_str());
     return true;

@@ -3,14 +3,18 @@
 #include <QSize>
 #include <QString>
 
+#include <optional>
+
 namespace workbench {
 
 /** What the command line asks for. */
 struct Options {
     QString volume = "builtin:casting";
-    QString analysis;    ///< id of the analysis to run; empty: none
-    QString report;      ///< file for its numbers; empty: none
-    QString screenshot;  ///< empty: none
+    QString analysis;                ///< id of the analysis to run; empty: none
+    std::optional<float> threshold;  ///< of the analysis; none: it chooses
+    QString preset;                  ///< name of the preset for the table of the layer in front; empty: none
+    QString report;                  ///< file for its numbers; empty: none
+    QString screenshot;              ///< empty: none
     QSize size{1280, 860};
 };
 

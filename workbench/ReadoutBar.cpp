@@ -1,4 +1,5 @@
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_volume/LyrVolumeObject.h>
 #include <lys_core/LyqLayer.h>
 #include <lys_core/LyqSession.h>
 #include <lys_core/LyqUnitConverter.h>
@@ -50,11 +51,13 @@ ReadoutBar::ReadoutBar(QWidget* parent)
 
 void ReadoutBar::show(const LyrVector3<float>& position) {
     const LyqUnitConverter lengths(Lyr::Length);
-    const auto part = [&](float v) {
-        return QLocale().toString(lengths.internalToDisplay(static_cast<double>(v)), 'f', 2);
-    };
-    mPosition->setText(tr("x %1  y %2  z %3 %4")
-                           .arg(part(position.x), part(position.y), part(position.z), lengths.getDisplayUnitAbbr()));
+    const auto part = [&](double v) { return QLocale().toString(lengths.internalToDisplay(v), 'f', 2); };
+    // As reports and lists tell positions.
+    const auto* opened = dynamic_cast<const LyrVolumeObject*>(LyqSession::instance().document());
+    const LyrVolume::Vector told =
+        opened ? opened->volumePosition(position) : LyrVolume::Vector{position.x, position.y, position.z};
+    mPosition->setText(
+        tr("x %1  y %2  z %3 %4").arg(part(told[0]), part(told[1]), part(told[2]), lengths.getDisplayUnitAbbr()));
     const std::vector<LyqLayer*> layers = LyqSession::instance().layers();
     for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer) {
         LyqLayer::Readout readout;

@@ -33,6 +33,22 @@ LyrVector3<float> LyrVolumeObject::extent() const {
             static_cast<float>(spacing[2] * static_cast<double>(size[2]))};
 }
 
+LyrVolume::Vector LyrVolumeObject::volumePosition(const LyrVector3<float>& world) const {
+    const std::array<float, 3> place = {world.x, world.y, world.z};
+    LyrVolume::Vector position{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        position[axis] = static_cast<double>(place[axis]) - 0.5 * mVolume->spacing()[axis] + mVolume->origin()[axis];
+    }
+    return position;
+}
+
+LyrVector3<float> LyrVolumeObject::worldPosition(const LyrVolume::Vector& position) const {
+    const auto along = [&](std::size_t axis) {
+        return static_cast<float>(position[axis] - mVolume->origin()[axis] + 0.5 * mVolume->spacing()[axis]);
+    };
+    return {along(0), along(1), along(2)};
+}
+
 bool LyrVolumeObject::voxelAt(const LyrVector3<float>& position, LyrVolume::Size& out) const {
     const std::array<float, 3> place = {position.x, position.y, position.z};
     LyrVolume::Size voxel{};

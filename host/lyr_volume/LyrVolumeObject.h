@@ -33,6 +33,11 @@ public:
     LyrVector3<float> step() const;
     /** Edges of the volume, mm: it reaches from (0, 0, 0) to here. */
     LyrVector3<float> extent() const;
+    /** A place of the world in the volume's own axes, mm, where the first voxel's centre lies at the volume's origin:
+     * what people read as a position, in windows and reports. */
+    LyrVolume::Vector volumePosition(const LyrVector3<float>& world) const;
+    /** The place of the world of a position in the volume's own axes. */
+    LyrVector3<float> worldPosition(const LyrVolume::Vector& position) const;
     /** The voxel at a place (mm). False outside of the volume and for NaN. */
     bool voxelAt(const LyrVector3<float>& position, LyrVolume::Size& out) const;
     /** The sample of the voxel at a place (mm). False outside. */

@@ -4,6 +4,10 @@
 
 LyqAnalysisRun::~LyqAnalysisRun() = default;
 
+bool LyqAnalysisRun::setThreshold(std::optional<float> threshold) {
+    return !threshold;
+}
+
 std::vector<LyrObjectPtr> LyqAnalysisRun::createLayers() {
     return {};
 }

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /** One run of an analysis over one document. Made and asked for its results by the thread of the user interface;
@@ -19,6 +20,10 @@ public:
     virtual ~LyqAnalysisRun();
     LyqAnalysisRun(const LyqAnalysisRun&) = delete;
     LyqAnalysisRun& operator=(const LyqAnalysisRun&) = delete;
+
+    /** Before compute(): the grey value from which on samples are material; none has the analysis choose. False if the
+     * analysis goes by no threshold. Without this call it chooses. */
+    virtual bool setThreshold(std::optional<float> threshold);
 
     /** Does the work. False, and a message for users, when it failed; false without one when it was cancelled. */
     virtual bool compute(const Progress& progress, QString& message) = 0;

@@ -31,6 +31,8 @@ public:
         LyrObject* object;  ///< not null
         QString title;      ///< for menus and messages, translated: "Color Table"
         QString fileName;   ///< proposed for a file, with its ending: "colors.json"
+        /** Of the handler (LyqPresetRegistry) whose presets fit the object; -1: none. */
+        Lyrenum presetCategory{-1};
     };
 
     ~LyqLayer() override;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -47,6 +48,19 @@ TEST(LyrVolumeObject, a_place_in_mm_gives_the_sample_of_its_voxel) {
     LyrVolume::Size voxel{};
     ASSERT_TRUE(opened.voxelAt({0.5f, 1.0f, 1.9f}, voxel));
     EXPECT_EQ(voxel, (LyrVolume::Size{1, 1, 0}));
+}
+
+TEST(LyrVolumeObject, positions_in_the_volumes_own_axes_count_from_the_centre_of_the_first_voxel) {
+    LyrVolume::Description description;
+    description.size = {2, 2, 2};
+    description.spacing = {2.0, 2.0, 4.0};
+    description.origin = {10.0, 20.0, -30.0};
+    const LyrObjectPtr object(new LyrVolumeObject(LyrVolume::create(description, std::vector<float>(8)), "", ""));
+    const auto& opened = static_cast<const LyrVolumeObject&>(*object);
+    // The corner of the first voxel is half a voxel before its centre.
+    EXPECT_EQ(opened.volumePosition({0.0f, 0.0f, 0.0f}), (LyrVolume::Vector{9.0, 19.0, -32.0}));
+    EXPECT_EQ(opened.volumePosition({1.0f, 3.0f, 6.0f}), (LyrVolume::Vector{10.0, 22.0, -26.0}));
+    EXPECT_EQ(opened.worldPosition({10.0, 22.0, -26.0}), LyrVector3<float>(1.0f, 3.0f, 6.0f));
 }
 
 TEST(LyrVolumeObject, places_outside_and_nan_give_no_sample) {

@@ -127,6 +127,38 @@ TEST(AnalysisReport, an_unknown_analysis_and_a_report_without_one_are_status_2) 
     EXPECT_TRUE(without.errors.contains("--analysis")) << without.errors.toStdString();
 }
 
+TEST(AnalysisReport, goes_by_a_threshold_that_is_given) {
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("r.json");
+    const Ended ended =
+        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.25", "--report", report});
+    ASSERT_EQ(ended.status, 0) << ended.errors.toStdString();
+    const QJsonObject told = QJsonDocument::fromJson(content(report)).object();
+    EXPECT_EQ(told["threshold"].toDouble(), 0.25);
+    EXPECT_EQ(told["threshold_by"].toString(), "user");
+    for (const char* wrong : {"nan", "1,5", "x", "1e99"}) {
+        const Ended refused =
+            run({"builtin:casting@16", "--analysis", "defect-volume", "--threshold", wrong, "--report", report});
+        EXPECT_EQ(refused.status, 2) << wrong;
+        EXPECT_TRUE(refused.errors.contains("--threshold")) << refused.errors.toStdString();
+    }
+}
+
+TEST(AnalysisReport, an_unknown_preset_is_a_message_and_status_2_and_a_known_one_is_applied) {
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("r.csv");
+    const QStringList arguments = {"builtin:casting@16", "--analysis", "wall-thickness",
+                                   "--report",           report,       "--preset"};
+    const Ended unknown = run(arguments + QStringList{"no such preset"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(unknown.errors.contains("no such preset")) << unknown.errors.toStdString();
+    EXPECT_TRUE(unknown.errors.contains("Reverse Rainbow")) << unknown.errors.toStdString();
+    EXPECT_FALSE(QFile::exists(report));
+    const Ended known = run(arguments + QStringList{"Reverse Rainbow"});
+    EXPECT_EQ(known.status, 0) << known.errors.toStdString();
+    EXPECT_TRUE(QFile::exists(report));
+}
+
 TEST(AnalysisReport, a_volume_that_cannot_be_analysed_is_a_message_and_status_1) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("constant.nrrd");
