@@ -3,6 +3,7 @@
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/compute/LyrAnalysisReport.h>
 #include <analysis/compute/LyrDefectResult.h>
+#include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqSession.h>
@@ -18,10 +19,16 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTableView>
+#include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 DefectPanel::DefectPanel(QWidget* parent)
     : QWidget(parent),
+      mTableListened(this),
+      mListened(this),
+      mVerdictTimer(new QTimer(this)),
       mModel(new DefectTableModel(this)),
       mTable(new QTableView(this)),
       mTotals(new QLabel(this)),
@@ -53,6 +60,9 @@ DefectPanel::DefectPanel(QWidget* parent)
     const LyqSession& session = LyqSession::instance();
     connect(&session, &LyqSession::layersChanged, this, &DefectPanel::follow);
     connect(&session, &LyqSession::picked, this, &DefectPanel::pick);
+    // Many messages tell of one change: they are answered once.
+    mVerdictTimer->setSingleShot(true);
+    connect(mVerdictTimer, &QTimer::timeout, this, &DefectPanel::updateVerdicts);
     follow();
     updateTotals();
 }
@@ -71,12 +81,25 @@ void DefectPanel::follow() {
         return;
     }
     mLayer = latest;
+    mListened = latest;
+    mTableListened = latest ? latest->table() : nullptr;
     mModel->setLayer(latest);
     updateTotals();
     if (auto* dock = qobject_cast<QDockWidget*>(parentWidget()); dock && latest) {
         dock->show();
         dock->raise();
     }
+}
+
+bool DefectPanel::iocCallback(Message& message) {
+    mVerdictTimer->start(0);
+    return LyrIOC::iocCallback(message);
+}
+
+void DefectPanel::updateVerdicts() {
+    mTableListened = mLayer ? mLayer->table() : nullptr;
+    mModel->updateVerdicts();
+    updateTotals();
 }
 
 void DefectPanel::updateTotals() {
@@ -86,10 +109,19 @@ void DefectPanel::updateTotals() {
         return;
     }
     const LyrDefectResult& result = mLayer->result();
-    mTotals->setText(tr("Defects: %1   Volume: %2   Porosity: %3 %")
-                         .arg(QLocale().toString(static_cast<qulonglong>(result.defects.size())),
-                              mVolume.internalToDisplayString(result.defectVolume, LyqUnitConverter::WithUnit, 5),
-                              QLocale().toString(result.porosity, 'g', 4)));
+    QString text = (tr("Defects: %1   Volume: %2   Porosity: %3 %")
+                        .arg(QLocale().toString(static_cast<qulonglong>(result.defects.size())),
+                             mVolume.internalToDisplayString(result.defectVolume, LyqUnitConverter::WithUnit, 5),
+                             QLocale().toString(result.porosity, 'g', 4)));
+    if (const std::vector<LyrVerdict>& all = mModel->verdicts(); !all.empty()) {
+        const auto count = [&](LyrVerdict verdict) {
+            return QLocale().toString(static_cast<qlonglong>(std::count(all.begin(), all.end(), verdict)));
+        };
+        text += QString::fromUtf8("   ") +
+                tr("Pass: %1   Warn: %2   Fail: %3")
+                    .arg(count(LyrVerdict::Pass), count(LyrVerdict::Warn), count(LyrVerdict::Fail));
+    }
+    mTotals->setText(text);
 }
 
 void DefectPanel::select(int row) {
@@ -119,7 +151,7 @@ void DefectPanel::save() {
                                                       tr("Reports (*.csv *.json)"));
     std::string error;
     if (!file.isEmpty() && mLayer &&
-        !LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), mLayer->result(), error)) {
+        !LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), mLayer->result(), error, mModel->verdicts())) {
         QMessageBox::warning(this, tr("The report is not written"), QString::fromStdString(error));
     }
 }

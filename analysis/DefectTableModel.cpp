@@ -18,9 +18,9 @@ bool isLength(int column) {
 DefectTableModel::DefectTableModel(QObject* parent)
     : QAbstractTableModel(parent), mLength(Lyr::Length), mVolume(Lyr::Volume), mPlain(Lyr::Number) {
     const auto refresh = [this] {
-        Q_EMIT headerDataChanged(Qt::Horizontal, 0, ColumnCount - 1);
+        Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
         if (!mRows.empty()) {
-            Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
+            Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
         }
     };
     connect(&mLength, &LyqUnitConverter::displayUnitChanged, this, refresh);
@@ -31,9 +31,36 @@ void DefectTableModel::setLayer(const LyrDefectLayer* layer) {
     beginResetModel();
     mLayer = layer;
     mRows.resize(layer ? layer->result().defects.size() : 0);
+    mVerdicts = layer ? layer->verdicts() : std::vector<LyrVerdict>();
+    mSortColumn = mVerdicts.empty() && mSortColumn == Verdict ? static_cast<int>(Number) : mSortColumn;
     std::iota(mRows.begin(), mRows.end(), 0u);
     reorder();
     endResetModel();
+}
+
+void DefectTableModel::updateVerdicts() {
+    std::vector<LyrVerdict> now = mLayer ? mLayer->verdicts() : std::vector<LyrVerdict>();
+    if (now == mVerdicts) {
+        return;
+    }
+    if (mVerdicts.empty()) {
+        beginInsertColumns({}, Verdict, Verdict);
+        mVerdicts = std::move(now);
+        endInsertColumns();
+    } else if (now.empty()) {
+        if (mSortColumn == Verdict) {
+            sort(Number);
+        }
+        beginRemoveColumns({}, Verdict, Verdict);
+        mVerdicts.clear();
+        endRemoveColumns();
+    } else {
+        mVerdicts = std::move(now);
+        Q_EMIT dataChanged(index(0, Verdict), index(rowCount() - 1, Verdict));
+        if (mSortColumn == Verdict) {
+            sort(Verdict, mOrder);
+        }
+    }
 }
 
 std::uint32_t DefectTableModel::numberAt(int row) const {
@@ -50,7 +77,7 @@ int DefectTableModel::rowCount(const QModelIndex& parent) const {
 }
 
 int DefectTableModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(ColumnCount);
+    return parent.isValid() ? 0 : mVerdicts.empty() ? static_cast<int>(Verdict) : static_cast<int>(ColumnCount);
 }
 
 double DefectTableModel::value(std::size_t at, int column) const {
@@ -66,12 +93,18 @@ double DefectTableModel::value(std::size_t at, int column) const {
             return defect.size;
         case Sphericity:
             return defect.sphericity;
+        case Verdict:
+            return mVerdicts.empty() ? 0.0 : static_cast<double>(mVerdicts[at]);
         default:
             return static_cast<double>(defect.number);
     }
 }
 
 QString DefectTableModel::text(std::size_t defect, int column) const {
+    if (column == Verdict) {
+        const QString names[] = {QString(), tr("Pass"), tr("Warn"), tr("Fail")};
+        return names[static_cast<std::size_t>(value(defect, Verdict))];
+    }
     const LyqUnitConverter& converter = column == Volume ? mVolume : isLength(column) ? mLength : mPlain;
     // A hundredth of a voxel and a thousandth of a volume say all that there is.
     constexpr int DIGITS = 5;
@@ -100,8 +133,9 @@ QVariant DefectTableModel::headerData(int section, Qt::Orientation orientation, 
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }
-    const QString titles[] = {tr("Number"), tr("Volume"), tr("X"), tr("Y"), tr("Z"), tr("Size"), tr("Sphericity")};
-    if (section < 0 || section >= ColumnCount) {
+    const QString titles[] = {tr("Number"), tr("Volume"), tr("X"),          tr("Y"),
+                              tr("Z"),      tr("Size"),   tr("Sphericity"), tr("Verdict")};
+    if (section < 0 || section >= columnCount()) {
         return {};
     }
     const QString unit = section == Volume   ? mVolume.getDisplayUnitAbbr()
@@ -124,7 +158,7 @@ void DefectTableModel::reorder() {
 }
 
 void DefectTableModel::sort(int column, Qt::SortOrder order) {
-    if (column < 0 || column >= ColumnCount) {
+    if (column < 0 || column >= columnCount()) {
         return;
     }
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analysis/LysAnalysisExport.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <lys_core/LyqUnitConverter.h>
 
 #include <QAbstractTableModel>
@@ -15,12 +16,16 @@ class LYS_ANALYSIS_EXPORT DefectTableModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    enum Column { Number, Volume, X, Y, Z, Size, Sphericity, ColumnCount };
+    enum Column { Number, Volume, X, Y, Z, Size, Sphericity, Verdict, ColumnCount };
 
     explicit DefectTableModel(QObject* parent = nullptr);
 
     /** Shows the defects of a layer, which has to outlive that; null shows none. */
     void setLayer(const LyrDefectLayer* layer);
+    /** Asks the layer anew what its table says of the defects. The column of verdicts is there only while it is a
+     * tolerance table. */
+    void updateVerdicts();
+    const std::vector<LyrVerdict>& verdicts() const { return mVerdicts; }
     /** The number of the defect in a row, 0 if there is no such row. */
     std::uint32_t numberAt(int row) const;
     /** The row of a defect, -1 if there is none of that number. */
@@ -39,7 +44,8 @@ private:
     void reorder();
 
     const LyrDefectLayer* mLayer = nullptr;
-    std::vector<std::uint32_t> mRows;  ///< which defect, from 0, stands in each row
+    std::vector<std::uint32_t> mRows;   ///< which defect, from 0, stands in each row
+    std::vector<LyrVerdict> mVerdicts;  ///< of each defect, empty without a tolerance table
     LyqUnitConverter mLength;
     LyqUnitConverter mVolume;
     LyqUnitConverter mPlain;

@@ -2,6 +2,7 @@
 #include <analysis/LyrDefectDetectionColorLookupTableRenderSettings.h>
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/RainbowTable.h>
+#include <analysis/ToleranceTable.h>
 #include <analysis/compute/LyrDefectResult.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
@@ -64,6 +65,10 @@ const LyrDefect* LyrDefectLayer::defectAt(const LyrVector3<float>& position) con
 
 LyrVector3<float> LyrDefectLayer::centerOf(const LyrDefect& defect) const {
     return document().worldPosition(defect.center);
+}
+
+std::vector<LyrVerdict> LyrDefectLayer::verdicts() const {
+    return lysVerdicts(table(), mResult->defects);
 }
 
 std::uint32_t LyrDefectLayer::markedDefect() const {

@@ -2,7 +2,10 @@
 
 #include <analysis/DefectSurface.h>
 #include <analysis/LyrResultLayer.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <lyr_core/LyrSingleValueProperty.h>
+
+#include <vector>
 
 struct LyrDefect;
 struct LyrDefectResult;
@@ -28,6 +31,8 @@ public:
 
     /** The defect at a place of the world (mm), null if none is there. */
     const LyrDefect* defectAt(const LyrVector3<float>& position) const;
+    /** What the table says of each defect; empty unless it is a tolerance table (ToleranceTable.h). */
+    std::vector<LyrVerdict> verdicts() const;
     /** The middle of a defect in the world, mm. */
     LyrVector3<float> centerOf(const LyrDefect& defect) const;
 

@@ -56,10 +56,10 @@ protected:
         message = outcome.cancelled ? QString() : QString::fromStdString(outcome.error);
         return false;
     }
-    template <class Result>
-    static bool save(const QString& file, const Result& result, QString& message) {
+    template <class Result, class... Further>
+    static bool save(const QString& file, const Result& result, QString& message, const Further&... further) {
         std::string error;
-        const bool saved = LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), result, error);
+        const bool saved = LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), result, error, further...);
         message = QString::fromStdString(error);
         return saved;
     }
@@ -121,15 +121,22 @@ public:
         return report;
     }
 
-    bool saveReport(const QString& file, QString& message) const override { return save(file, *mResult, message); }
+    bool saveReport(const QString& file, QString& message) const override {
+        const auto* layer = static_cast<const LyrDefectLayer*>(mLayer.get());
+        const std::vector<LyrVerdict> verdicts = layer ? layer->verdicts() : std::vector<LyrVerdict>();
+        return save(file, *mResult, message, verdicts);
+    }
 
 protected:
     LyrColoredLayer* createLayer(LyrVolumeObject* document) override {
-        return LyrDefectLayer::create(document, mResult, mSurface);
+        LyrDefectLayer* layer = LyrDefectLayer::create(document, mResult, mSurface);
+        mLayer = LyrObjectPtr(layer);
+        return layer;
     }
 
 private:
     std::shared_ptr<const LyrDefectResult> mResult;
+    LyrObjectPtr mLayer;  ///< whose table judges
     DefectSurface mSurface;
 };
 

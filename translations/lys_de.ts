@@ -45,6 +45,10 @@
         <source>The report is not written</source>
         <translation>Der Bericht ist nicht geschrieben</translation>
     </message>
+    <message>
+        <source>Pass: %1   Warn: %2   Fail: %3</source>
+        <translation>Gut: %1   Grenzwertig: %2   Ausschuss: %3</translation>
+    </message>
 </context>
 <context>
     <name>DefectTableModel</name>
@@ -75,6 +79,22 @@
     <message>
         <source>Sphericity</source>
         <translation>Sphärizität</translation>
+    </message>
+    <message>
+        <source>Pass</source>
+        <translation>Gut</translation>
+    </message>
+    <message>
+        <source>Warn</source>
+        <translation>Grenzwertig</translation>
+    </message>
+    <message>
+        <source>Fail</source>
+        <translation>Ausschuss</translation>
+    </message>
+    <message>
+        <source>Verdict</source>
+        <translation>Urteil</translation>
     </message>
 </context>
 <context>

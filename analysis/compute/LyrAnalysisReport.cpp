@@ -1,6 +1,7 @@
 #include <analysis/compute/LyrAnalysisReport.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <limits>
 
@@ -118,6 +119,29 @@ ReportText reportOf(const LyrThicknessResult& result, std::span<const float> bou
     return report;
 }
 
+/** Nothing, unless there is one for each defect. */
+void addVerdicts(ReportText& report, std::span<const LyrVerdict> verdicts) {
+    if (verdicts.empty() || verdicts.size() != report.rows.size()) {
+        return;
+    }
+    static const std::array<const char*, 4> kNames = {"", "pass", "warn", "fail"};
+    for (const LyrVerdict counted : {LyrVerdict::Pass, LyrVerdict::Warn, LyrVerdict::Fail}) {
+        const auto count = std::count(verdicts.begin(), verdicts.end(), counted);
+        report.head.emplace_back(kNames[static_cast<std::size_t>(counted)] + std::string("_count"),
+                                 ReportValue(static_cast<std::uint64_t>(count)));
+    }
+    report.columns.push_back("verdict");
+    for (std::size_t i = 0; i < verdicts.size(); ++i) {
+        report.rows[i].push_back(ReportValue(std::string(kNames[static_cast<std::size_t>(verdicts[i])])));
+    }
+}
+
+ReportText reportOf(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts) {
+    ReportText report = reportOf(result);
+    addVerdicts(report, verdicts);
+    return report;
+}
+
 bool endsWith(const std::string& path, std::string_view ending) {
     const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
     return path.size() > ending.size() &&
@@ -148,12 +172,12 @@ bool saveReport(const std::string& path, std::string& error, const Make& make) {
 
 }  // namespace
 
-std::string LyrAnalysisReport::csv(const LyrDefectResult& result) {
-    return reportOf(result).csv();
+std::string LyrAnalysisReport::csv(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts) {
+    return reportOf(result, verdicts).csv();
 }
 
-std::string LyrAnalysisReport::json(const LyrDefectResult& result) {
-    return reportOf(result).json();
+std::string LyrAnalysisReport::json(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts) {
+    return reportOf(result, verdicts).json();
 }
 
 std::string LyrAnalysisReport::csv(const LyrThicknessResult& result, std::span<const float> boundaries) {
@@ -164,8 +188,9 @@ std::string LyrAnalysisReport::json(const LyrThicknessResult& result, std::span<
     return reportOf(result, boundaries).json();
 }
 
-bool LyrAnalysisReport::save(const std::string& path, const LyrDefectResult& result, std::string& error) {
-    return saveReport(path, error, [&] { return reportOf(result); });
+bool LyrAnalysisReport::save(const std::string& path, const LyrDefectResult& result, std::string& error,
+                             std::span<const LyrVerdict> verdicts) {
+    return saveReport(path, error, [&] { return reportOf(result, verdicts); });
 }
 
 bool LyrAnalysisReport::save(const std::string& path, const LyrThicknessResult& result, std::string& error,

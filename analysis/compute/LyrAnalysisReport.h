@@ -5,6 +5,7 @@
 
 #include <analysis/compute/LyrDefectResult.h>
 #include <analysis/compute/LyrThicknessResult.h>
+#include <analysis/compute/LyrVerdict.h>
 
 /** Reports of analyses as CSV and JSON, for programs as much as for people: decimal points, shortest numbers that read
  * back to the same bits, UTF-8.
@@ -16,8 +17,10 @@
  *  numbers to judge by. */
 class LyrAnalysisReport {
 public:
-    static std::string csv(const LyrDefectResult& result);
-    static std::string json(const LyrDefectResult& result);
+    /** With `verdicts`, one for each defect, each row ends with a `verdict` (pass, warn, fail, or empty for None), and
+     *  pass_count, warn_count and fail_count stand among the totals; without, there is nothing of these. */
+    static std::string csv(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts = {});
+    static std::string json(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts = {});
 
     /** With `boundaries`, those of a colour table, the rows are its sections, from −infinity to infinity (an empty
      * field in CSV, null in JSON); without, 50 bins of equal width from the least to the greatest thickness. */
@@ -26,7 +29,8 @@ public:
 
     /** Writes a report, as CSV or JSON by the ending of the path (.csv, .json). False, with a message, for any other
      *  ending and when the file cannot be written; an older file is then still there, whole. */
-    static bool save(const std::string& path, const LyrDefectResult& result, std::string& error);
+    static bool save(const std::string& path, const LyrDefectResult& result, std::string& error,
+                     std::span<const LyrVerdict> verdicts = {});
     static bool save(const std::string& path, const LyrThicknessResult& result, std::string& error,
                      std::span<const float> boundaries = {});
 };

@@ -1,22 +1,28 @@
 #include "OpenWorkbench.h"
 
 #include <gtest/gtest.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_volume/LyrCasting.h>
 #include <lys_core/LyqAnalysisExtension.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqExtensionRegistry.h>
 #include <lys_core/LyqLayer.h>
+#include <lys_core/LyqPresetFolders.h>
+#include <lys_core/LyqPresetDefaultHandler.h>
+#include <lys_core/LyqPresetRegistry.h>
 #include <lys_core/LyqSession.h>
 #include <lys_core/LyqSliceWidget.h>
 #include <lys_core/LyrWorkspace.h>
 #include <workbench/AnalysisRunner.h>
 
+#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QMap>
 #include <QProcess>
 #include <QTableView>
 #include <QTemporaryDir>
@@ -57,6 +63,24 @@ LyqAnalysisExtension& analysis(const char* id) {
     EXPECT_TRUE(found) << id;
     return *found;
 }
+
+/** The tolerance preset with an upper limit, as the user's "Own Limits": pass to 20, warn to 100, fail above. */
+struct OwnLimits {
+    OwnLimits() {
+        const QDir data(folder.path());
+        EXPECT_TRUE(data.mkpath("lys_colortable/presets"));
+        QByteArray text = content(QString::fromStdString(LyqPresetFolders::installed()) + "/tolerance-upper-limit.json");
+        text.replace("\"PositionList\": [0.1, 0.2]", "\"PositionList\": [20, 100]");
+        text.replace("Tolerance Upper Limit", "Own Limits");
+        QFile file(data.filePath("lys_colortable/presets/own.json"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+        qputenv("XDG_DATA_HOME", folder.path().toUtf8());
+    }
+    ~OwnLimits() { qputenv("XDG_DATA_HOME", before); }
+    static QString verdictOf(double volume) { return volume <= 20.0 ? "Pass" : volume <= 100.0 ? "Warn" : "Fail"; }
+    QTemporaryDir folder;
+    QByteArray before = qgetenv("XDG_DATA_HOME");
+};
 
 QVariant total(const LyqReport& report, const QString& id) {
     for (const LyqReport::Total& each : report.totals) {
@@ -159,6 +183,31 @@ TEST(AnalysisReport, an_unknown_preset_is_a_message_and_status_2_and_a_known_one
     EXPECT_TRUE(QFile::exists(report));
 }
 
+TEST(AnalysisReport, judges_each_defect_by_a_tolerance_table_and_says_nothing_without_one) {
+    const OwnLimits limits;
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("r.json");
+    const QStringList arguments = {"builtin:casting@64", "--analysis", "defect-volume", "--report", report};
+    ASSERT_EQ(run(arguments).status, 0);
+    const QJsonObject plain = QJsonDocument::fromJson(content(report)).object();
+    EXPECT_FALSE(plain.contains("pass_count"));
+    EXPECT_FALSE(plain["defects"].toArray()[0].toObject().contains("verdict"));
+    const Ended ended = run(arguments + QStringList{"--preset", "Own Limits"});
+    ASSERT_EQ(ended.status, 0) << ended.errors.toStdString();
+    const QJsonObject judged = QJsonDocument::fromJson(content(report)).object();
+    QMap<QString, int> counts;
+    for (const auto& each : judged["defects"].toArray()) {
+        const double volume = each.toObject()["volume_mm3"].toDouble();
+        const QString verdict = OwnLimits::verdictOf(volume).toLower();
+        EXPECT_EQ(each.toObject()["verdict"].toString(), verdict) << volume;
+        ++counts[verdict];
+    }
+    EXPECT_EQ(judged["pass_count"].toInt(-1), counts["pass"]);
+    EXPECT_EQ(judged["warn_count"].toInt(-1), counts["warn"]);
+    EXPECT_EQ(judged["fail_count"].toInt(-1), counts["fail"]);
+    EXPECT_EQ(counts.size(), 3) << "the casting's pores lie on both sides of either limit";
+}
+
 TEST(AnalysisReport, a_volume_that_cannot_be_analysed_is_a_message_and_status_1) {
     const QTemporaryDir folder;
     const QString path = folder.filePath("constant.nrrd");
@@ -195,6 +244,35 @@ TEST_F(OpenWorkbench, an_analysis_shows_its_layer_and_tells_the_numbers_of_the_r
                 << shown.columns[column].id.toStdString();
         }
     }
+}
+
+TEST_F(OpenWorkbench, the_list_of_defects_tells_verdicts_while_the_table_is_a_tolerance_table) {
+    const OwnLimits limits;
+    ASSERT_TRUE(open("builtin:casting@64"));
+    QString message;
+    ASSERT_TRUE(window->analyses().start(analysis("defect-volume"), message)) << message.toStdString();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window->isBusy(); }, 60000));
+    settle();
+    auto* list = window->findChild<QTableView*>("defectList");
+    ASSERT_TRUE(list);
+    const QAbstractItemModel& model = *list->model();
+    EXPECT_EQ(model.columnCount(), 7);
+    const LyqLayer::Content table = LyqSession::instance().activeLayer()->contents()[0];
+    auto* presets = dynamic_cast<LyqPresetDefaultHandler*>(
+        LyqPresetRegistry::instance().findHandler(table.presetCategory));
+    ASSERT_TRUE(presets);
+    presets->setPresetFolder(Lyr::UserPreset, limits.folder.filePath("lys_colortable/presets").toStdString());
+    presets->setApplicationObject(table.object);
+    ASSERT_TRUE(presets->applyPreset("Own Limits", Lyr::UserPreset));
+    settle();
+    ASSERT_EQ(model.columnCount(), 8);
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const double volume = model.index(row, 1).data(Qt::UserRole).toDouble();
+        EXPECT_EQ(model.index(row, 7).data().toString(), OwnLimits::verdictOf(volume)) << volume;
+    }
+    ASSERT_TRUE(LyqApplication::instance().undo());
+    settle();
+    EXPECT_EQ(model.columnCount(), 7);
 }
 
 TEST_F(OpenWorkbench, two_analyses_at_once_are_refused_and_one_after_the_other_are_both_shown) {

@@ -1,0 +1,4 @@
+#pragma once
+
+/** What a tolerance says of a defect. */
+enum class LyrVerdict { None, Pass, Warn, Fail };
