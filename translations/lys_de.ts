@@ -978,6 +978,10 @@ Die angegebenen Parameter sind ungültig.</translation>
         <translation>%1: Der Ordner lässt sich nicht sperren: %2</translation>
     </message>
     <message>
+        <source>%1: the folder cannot be flushed to the disk: %2</source>
+        <translation>%1: Der Ordner lässt sich nicht auf den Datenträger schreiben: %2</translation>
+    </message>
+    <message>
         <source>%1: another program is busy with the presets; try again later</source>
         <translation>%1: Ein anderes Programm arbeitet gerade mit den Vorlagen; versuchen Sie es später noch einmal</translation>
     </message>

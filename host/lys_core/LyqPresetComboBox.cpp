@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QMetaMethod>
 #include <QSignalBlocker>
+#include <QStyle>
 
 namespace {
 
@@ -17,6 +18,7 @@ constexpr int NAME_ROLE = Qt::UserRole + 1;
 /** What items that are no presets hold in place of a kind. */
 constexpr int SAVE_ITEM = -2;
 constexpr int MANAGE_ITEM = -3;
+constexpr int PROBLEM_ITEM = -4;
 
 }  // namespace
 
@@ -59,7 +61,12 @@ void LyqPresetComboBox::follow() {
 
 void LyqPresetComboBox::addPresets(Lyrenum kind) {
     LyrStringList names;
-    handler()->listPresets(names, kind);
+    if (!handler()->listPresets(names, kind) && !handler()->getMessage().isNull()) {
+        const QString problem = handler()->getMessage();
+        addItem(style()->standardIcon(QStyle::SP_MessageBoxWarning), problem.simplified());
+        setItemData(count() - 1, PROBLEM_ITEM, KIND_ROLE);
+        setItemData(count() - 1, problem.toHtmlEscaped(), Qt::ToolTipRole);
+    }
     if (count() > 0 && !names.isEmpty()) {
         insertSeparator(count());
     }
@@ -122,6 +129,8 @@ void LyqPresetComboBox::choose(int index) {
     }
     if (kind == SAVE_ITEM) {
         LyqPresetSaveDialog(present, window()).exec();
+    } else if (kind == PROBLEM_ITEM) {
+        tell(itemText(index));
     } else if (kind == MANAGE_ITEM) {
         LyqPresetManageDialog(dynamic_cast<LyqPresetDefaultHandler*>(present), window()).exec();
     } else {

@@ -117,7 +117,7 @@ bool LyqPresetDefaultHandler::savePreset(const LyrObjectPtr& preset, const LyrSt
         return refuseKind();
     }
     LyrString message;
-    const bool done = preset && store(kind)->save(*preset, name, message);
+    const bool done = preset && store(kind)->save(*preset, name, message, mayReplace());
     setMessage(message);
     return done;
 }
@@ -172,11 +172,23 @@ bool LyqPresetDefaultHandler::removePreset(const LyrString& name) {
 bool LyqPresetDefaultHandler::importPreset(const std::string& path, bool replace, LyrString& name) {
     LyrString message;
     const bool done = store(Lyr::UserPreset)->importFile(path, replace, name, message);
-    setMessage(message);
     if (done) {
         Q_EMIT notifier().presetListChanged();
     }
+    // Listeners that list the presets have messages of their own.
+    setMessage(message);
     return done;
+}
+
+bool LyqPresetDefaultHandler::checkImport(const std::string& path, bool replace, LyrString& name) {
+    LyrString message;
+    const bool done = store(Lyr::UserPreset)->checkImport(path, replace, name, message);
+    setMessage(message);
+    return done;
+}
+
+bool LyqPresetDefaultHandler::isNameTaken() {
+    return store(Lyr::UserPreset)->isNameTaken();
 }
 
 bool LyqPresetDefaultHandler::exportPreset(const LyrString& name, Lyrenum kind, const std::string& path) {

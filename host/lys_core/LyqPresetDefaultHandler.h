@@ -31,6 +31,9 @@ public:
     /** Takes in the file of a preset. `name` receives its name; one that is taken already is refused, unless it is to
      * be replaced. */
     bool importPreset(const std::string& path, bool replace, LyrString& name);
+    /** Whether importPreset() would take a file in as things stand. */
+    bool checkImport(const std::string& path, bool replace, LyrString& name);
+    bool isNameTaken() override;
     /** Writes the file of an installed or user's preset to another place. */
     bool exportPreset(const LyrString& name, Lyrenum kind, const std::string& path);
 

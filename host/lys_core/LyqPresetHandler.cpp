@@ -87,13 +87,21 @@ bool LyqPresetHandler::listPresets(LyrStringList& list, Lyrenum kind) {
 }
 
 Lyrenum LyqPresetHandler::findPreset(const LyrString& name) {
+    // A folder that cannot be read may hold one of this name: what is found after it is found with a message.
+    LyrString problem;
+    Lyrenum found(-1);
     for (const Lyrenum kind : {Lyr::UserPreset, Lyr::InstalledPreset, Lyr::DefaultPreset}) {
         LyrStringList names;
-        if (listPresets(names, kind) && names.contains(name)) {
-            return kind;
+        if (!listPresets(names, kind) && problem.isNull()) {
+            problem = mMessage;
+        }
+        if (names.contains(name)) {
+            found = kind;
+            break;
         }
     }
-    return -1;
+    mMessage = problem;
+    return found;
 }
 
 bool LyqPresetHandler::applyPreset(const LyrString& name, Lyrenum kind) {
@@ -129,13 +137,16 @@ bool LyqPresetHandler::applyInAction(const LyrString& name, Lyrenum kind, LyrObj
     return false;
 }
 
-bool LyqPresetHandler::savePresetAs(const LyrString& name, Lyrenum kind) {
+bool LyqPresetHandler::savePresetAs(const LyrString& name, Lyrenum kind, bool replace) {
     mMessage = LyrString();
     if (!getApplicationObject()) {
         mMessage = translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "Nothing is being edited that could be saved."));
         return false;
     }
-    if (!appToPreset(name, kind)) {
+    mMayReplace = replace;
+    const bool done = appToPreset(name, kind);
+    mMayReplace = true;
+    if (!done) {
         if (mMessage.isNull()) {
             mMessage =
                 translated(QT_TRANSLATE_NOOP("LyqPresetHandler", "The preset \"%1\" cannot be saved.")).arg(name);

@@ -57,14 +57,17 @@ public:
     /** Names of the presets of a kind. False if they cannot be told. */
     bool listPresets(LyrStringList& list, Lyrenum kind);
     /** The first kind, of user's, installed and built-in presets in this order, that has a preset of this name; -1 if
-     * none has. */
+     * none has. A message if one of the kinds before could not be listed. */
     Lyrenum findPreset(const LyrString& name);
     /** Applies a preset to the application object, as one undo step named after it that brings back all of the object's
      * stored properties. On failure the object is as before. */
     bool applyPreset(const LyrString& name, Lyrenum kind);
-    /** Saves the application object as a preset, which is the current one then. On failure an earlier preset of this
+    /** Saves the application object as a preset, which is the current one then. Without `replace`, the name must be
+     * free. On failure an earlier preset of this
      * name is as before, and the modified marker stays. */
-    bool savePresetAs(const LyrString& name, Lyrenum kind = Lyr::UserPreset);
+    bool savePresetAs(const LyrString& name, Lyrenum kind = Lyr::UserPreset, bool replace = true);
+    /** Whether the last saving or taking in failed for nothing but a preset that has the name already. */
+    virtual bool isNameTaken() { return false; }
 
     /** What there is to say about the last operation: why it failed, or what a person should know of it. Null if
      * nothing. */
@@ -93,6 +96,8 @@ protected:
     virtual LyrString getDescription() = 0;
     virtual QWidget* createSaveDialogExtension();
 
+    /** Whether what is being saved may take the place of a preset of its name. */
+    bool mayReplace() const { return mMayReplace; }
     void setMessage(const LyrString& message) { mMessage = message; }
 
 private:
@@ -104,6 +109,7 @@ private:
     LyrString mCurrent;
     Lyrenum mCurrentKind;
     bool mModified = false;
+    bool mMayReplace = true;
     LyrString mMessage;
     std::unique_ptr<LyqPresetNotifier> mNotifier;
 };

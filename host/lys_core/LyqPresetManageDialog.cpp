@@ -91,6 +91,7 @@ void LyqPresetManageDialog::fill() {
     const LyrString name = nameOf(before);
     const Lyrenum kind = kindOf(before);
     mList->clear();
+    mListProblem.clear();
     if (mHandler) {
         addKind(Lyr::UserPreset, tr("My presets"));
         addKind(Lyr::InstalledPreset, tr("Installed presets"));
@@ -119,8 +120,13 @@ void LyqPresetManageDialog::addKind(Lyrenum kind, const QString& title) {
         }
     };
     if (const LyqPresetStore* const store = mHandler->store(kind)) {
-        for (const LyqPresetStore::Entry& entry : store->list()) {
+        LyrString problem;
+        for (const LyqPresetStore::Entry& entry : store->list(&problem)) {
             add(entry.name, entry.problem);
+        }
+        if (!problem.isNull()) {
+            mListProblem = problem;
+            group->setIcon(0, style()->standardIcon(QStyle::SP_MessageBoxWarning));
         }
         return;
     }
@@ -175,7 +181,7 @@ void LyqPresetManageDialog::selectionChanged() {
     mDelete->setEnabled(kind == Lyr::UserPreset);
     mImport->setEnabled(mHandler != nullptr);
     mExport->setEnabled(item && kind != Lyr::DefaultPreset && problem.isEmpty());
-    showMessage(problem);
+    showMessage(problem.isEmpty() ? mListProblem : problem);
 }
 
 bool LyqPresetManageDialog::finish(bool done) {
@@ -211,12 +217,11 @@ bool LyqPresetManageDialog::importFile(const QString& path) {
     LyrString name;
     const std::string file = QFile::encodeName(path).toStdString();
     if (mHandler->importPreset(file, false, name)) {
+        showMessage(mHandler->getMessage());
         return true;
     }
-    LyrStringList names;
-    const LyrString message = mHandler->getMessage();
-    if (name.isNull() || !mHandler->listPresets(names, Lyr::UserPreset) || !names.contains(name)) {
-        showMessage(message);
+    if (!mHandler->isNameTaken()) {
+        showMessage(mHandler->getMessage());
         return false;
     }
     QMessageBox question(QMessageBox::Question, windowTitle(),
@@ -233,15 +238,18 @@ bool LyqPresetManageDialog::importFile(const QString& path) {
 }
 
 bool LyqPresetManageDialog::importFiles(const QStringList& paths) {
-    QStringList failures;
+    bool done = true;
+    QStringList messages;
     for (const QString& path : paths) {
         showMessage({});
-        if (mHandler && !importFile(path) && !message().isEmpty()) {
-            failures.append(message());
+        const bool isIn = mHandler && importFile(path);
+        if (!message().isEmpty()) {
+            messages.append(message());
+            done = done && isIn;
         }
     }
-    showMessage(failures.join(QLatin1Char('\n')));
-    return failures.isEmpty();
+    showMessage(messages.join(QLatin1Char('\n')));
+    return done;
 }
 
 bool LyqPresetManageDialog::exportSelected(const QString& path) {
@@ -254,9 +262,9 @@ void LyqPresetManageDialog::askRename() {
     bool accepted = false;
     const QString before = nameOf(selected());
     const QString name =
-        QInputDialog::getText(this, windowTitle(), tr("New name:"), QLineEdit::Normal, before, &accepted).trimmed();
+        QInputDialog::getText(this, windowTitle(), tr("New name:"), QLineEdit::Normal, before, &accepted);
     if (accepted && name != before) {
-        renameSelected(name);
+        renameSelected(name.trimmed());
     }
 }
 

@@ -53,6 +53,8 @@ private:
     LyqPresetDefaultHandler* mHandler;
     QTreeWidget* mList = nullptr;
     QLabel* mMessage = nullptr;
+    /** Why presets could not be listed, empty if they were. */
+    QString mListProblem;
     QPushButton* mApply = nullptr;
     QPushButton* mRename = nullptr;
     QPushButton* mDelete = nullptr;

@@ -62,7 +62,9 @@ void LyqPresetSaveDialog::buildForm() {
 
 void LyqPresetSaveDialog::fillNames() {
     LyrStringList names;
-    mHandler->listPresets(names, Lyr::UserPreset);
+    if (!mHandler->listPresets(names, Lyr::UserPreset)) {
+        showMessage(mHandler->getMessage());
+    }
     for (const LyrString& name : names) {
         mName->addItem(name);
     }
@@ -72,7 +74,10 @@ void LyqPresetSaveDialog::fillNames() {
 }
 
 QString LyqPresetSaveDialog::presetName() const {
-    return mName->currentText().trimmed();
+    // A preset that is there may begin or end with blanks; a new one does not.
+    const QString typed = mName->currentText();
+    const bool isThere = mName->findText(typed, Qt::MatchExactly | Qt::MatchCaseSensitive) >= 0;
+    return isThere ? typed : typed.trimmed();
 }
 
 void LyqPresetSaveDialog::setPresetName(const QString& name) {
@@ -97,11 +102,6 @@ void LyqPresetSaveDialog::updateButtons() {
 }
 
 bool LyqPresetSaveDialog::mayReplace(const QString& name) {
-    LyrStringList names;
-    mHandler->listPresets(names, Lyr::UserPreset);
-    if (!names.contains(LyrString(name))) {
-        return true;
-    }
     QMessageBox question(QMessageBox::Question, windowTitle(), tr("Replace the preset \"%1\"?").arg(name),
                          QMessageBox::Cancel, this);
     question.setTextFormat(Qt::PlainText);
@@ -113,11 +113,18 @@ bool LyqPresetSaveDialog::mayReplace(const QString& name) {
 
 void LyqPresetSaveDialog::accept() {
     const QString name = presetName();
-    // While the question stands, the handler may go.
-    if (!mHandler || name.isEmpty() || !mayReplace(name) || !mHandler) {
+    if (!mHandler || name.isEmpty()) {
         return;
     }
-    if (!mHandler->savePresetAs(LyrString(name))) {
+    bool done = mHandler->savePresetAs(LyrString(name), Lyr::UserPreset, false);
+    if (!done && mHandler->isNameTaken()) {
+        // While the question stands, the handler may go.
+        if (!mayReplace(name) || !mHandler) {
+            return;
+        }
+        done = mHandler->savePresetAs(LyrString(name));
+    }
+    if (!done) {
         showMessage(mHandler->getMessage());
         return;
     }

@@ -41,14 +41,19 @@ bool fail(LyrString& message, const LyrString& text) {
     return false;
 }
 
-/** Has the system write down which names a folder holds. Nothing is lost where it cannot: a preset that is gone may be
- * back after a power failure. */
-void flushFolder(const std::string& path) {
+/** Has the system write down which names a folder holds. Where it cannot, a preset that is gone may be back after a
+ * power failure. File systems that cannot flush a folder say EINVAL. */
+bool flushFolder(const std::string& path, LyrString& message) {
     const int folder = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool done = folder >= 0 && (::fsync(folder) == 0 || errno == EINVAL);
+    const int error = errno;
     if (folder >= 0) {
-        ::fsync(folder);
         ::close(folder);
     }
+    return done || fail(message, systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                                                            "%1: the folder cannot be flushed to the "
+                                                                            "disk: %2")),
+                                               path, error));
 }
 
 /** Makes bytes the content of a file, but not of one of a newer version. */
@@ -244,11 +249,15 @@ std::string LyqPresetStore::targetFor(const LyrString& name, LyrString& message)
     return path;
 }
 
-bool LyqPresetStore::save(LyrObject& preset, const LyrString& name, LyrString& message) {
+bool LyqPresetStore::save(LyrObject& preset, const LyrString& name, LyrString& message, bool replace) {
+    mIsNameTaken = false;
     message = checkName(name);
     Lock lock;
     if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
         return false;
+    }
+    if (!replace && contains(name)) {
+        return refuseTaken(name, message);
     }
     const std::string path = targetFor(name, message);
     if (path.empty() || !preset.setNameTemplate(name.utf8())) {
@@ -301,8 +310,7 @@ bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrStrin
         ::unlink(path.c_str());
         return false;
     }
-    flushFolder(mFolder);
-    return true;
+    return flushFolder(mFolder, message);
 }
 
 bool LyqPresetStore::remove(const LyrString& name, LyrString& message) {
@@ -319,43 +327,73 @@ bool LyqPresetStore::remove(const LyrString& name, LyrString& message) {
         return fail(message, systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: cannot be removed: %2")),
                                            entry.path, errno));
     }
-    flushFolder(mFolder);
-    return true;
+    return flushFolder(mFolder, message);
 }
 
-bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString& name, LyrString& message) {
+/** The file of a preset that is to be taken in. */
+struct LyqPresetStore::Incoming {
     std::string bytes;
+    LyrString name;
+    /** What a person should know of it; null if nothing. */
+    LyrString note;
+};
+
+bool LyqPresetStore::readIncoming(const std::string& path, Incoming& incoming, LyrString& message) const {
     LyrObjectPtr object;
     LyrObjectFile::Report report;
     std::error_code error;
     const std::string real = std::filesystem::weakly_canonical(path, error).string();
-    if (!lysReadPresetFile(error ? path : real, bytes, message)) {
+    if (!lysReadPresetFile(error ? path : real, incoming.bytes, message)) {
         return false;
     }
-    const bool isUsable = mClass.empty() ? LyrObjectFile::read(bytes, object, report)
-                                         : LyrObjectFile::read(bytes, object, report, {mClass.c_str()});
+    const bool isUsable = mClass.empty() ? LyrObjectFile::read(incoming.bytes, object, report)
+                                         : LyrObjectFile::read(incoming.bytes, object, report, {mClass.c_str()});
     if (!isUsable) {
         return fail(message, LyrString(path + ": ") + report.message);
     }
-    const PresetHeader header = PresetHeader::parse(path, bytes);
-    name = header.name;
-    message = header.problem.isNull() ? checkName(name) : header.problem;
-    Lock lock;
-    if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
-        return false;
-    }
-    Entry present;
-    if (find(name, present) && (!replace || present.isNewer)) {
-        return fail(message,
-                    translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already.")).arg(name));
-    }
-    const std::string target = targetFor(name, message);
-    return !target.empty() && replaceFile(target, bytes, message);
+    const PresetHeader header = PresetHeader::parse(path, incoming.bytes);
+    incoming.name = header.name;
+    incoming.note = report.message.isEmpty() ? LyrString() : LyrString(path + ": ") + report.message;
+    message = header.problem.isNull() ? checkName(header.name) : header.problem;
+    return message.isNull();
 }
 
-bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, LyrString& message) const {
+bool LyqPresetStore::refuseTaken(const LyrString& name, LyrString& message) {
+    mIsNameTaken = true;
+    return fail(message,
+                translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is a preset \"%1\" already.")).arg(name));
+}
+
+bool LyqPresetStore::checkImport(const std::string& path, bool replace, LyrString& name, LyrString& message) {
+    mIsNameTaken = false;
+    Incoming incoming;
+    const bool done = readIncoming(path, incoming, message);
+    name = incoming.name;
+    return done && (replace || !contains(name) || refuseTaken(name, message));
+}
+
+bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString& name, LyrString& message) {
+    mIsNameTaken = false;
+    Incoming incoming;
+    const bool isUsable = readIncoming(path, incoming, message);
+    name = incoming.name;
+    Lock lock;
+    if (!isUsable || !mayChange(message) || !lock.take(mFolder, message)) {
+        return false;
+    }
+    if (!replace && contains(name)) {
+        return refuseTaken(name, message);
+    }
+    const std::string target = targetFor(name, message);
+    if (target.empty() || !replaceFile(target, incoming.bytes, message)) {
+        return false;
+    }
+    message = incoming.note;
+    return true;
+}
+
+bool LyqPresetStore::contentOf(const LyrString& name, std::string& bytes, LyrString& message) const {
     Entry entry;
-    std::string bytes;
     LyrObjectFile::Report report;
     if (!find(name, entry)) {
         return fail(message, translated(QT_TRANSLATE_NOOP("LyqPresetStore", "There is no preset \"%1\" in %2."))
@@ -364,5 +402,10 @@ bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, 
     if (!loadEntry(entry, report, Lyr::TransientScope)) {
         return fail(message, report.message);
     }
-    return lysReadPresetFile(entry.path, bytes, message) && replaceFile(path, bytes, message);
+    return lysReadPresetFile(entry.path, bytes, message);
+}
+
+bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, LyrString& message) const {
+    std::string bytes;
+    return contentOf(name, bytes, message) && replaceFile(path, bytes, message);
 }

@@ -46,17 +46,25 @@ public:
      * is no such preset or it cannot be used. */
     LyrObjectPtr load(const LyrString& name, LyrObjectFile::Report& report, Lyrenum scope) const;
 
-    /** Writes an object under a name, which becomes its naming template. Replaces a preset of that name, but not one of
-     * a newer version. False, and a message, if it could not be done: the folder is then as it was. */
-    bool save(LyrObject& preset, const LyrString& name, LyrString& message);
+    /** Writes an object under a name, which becomes its naming template. With `replace` it takes the place of a preset
+     * of that name, but not of one of a newer version. False, and a message, if it could not be done: the folder is
+     * then as it was. */
+    bool save(LyrObject& preset, const LyrString& name, LyrString& message, bool replace = true);
 
     /** Gives a preset another name, which must be free. */
     bool rename(const LyrString& from, const LyrString& to, LyrString& message);
     bool remove(const LyrString& name, LyrString& message);
 
     /** Takes in a copy of a preset's file, byte for byte. `name` receives its name. With `replace` it takes the place
-     * of a preset of that name. */
+     * of a preset of that name. The message may also tell what a person should know of a file that was taken in. */
     bool importFile(const std::string& path, bool replace, LyrString& name, LyrString& message);
+    /** Whether a file could be taken in as things stand, without doing so. */
+    bool checkImport(const std::string& path, bool replace, LyrString& name, LyrString& message);
+    /** Whether the last change failed for nothing but a preset that has the name already. */
+    bool isNameTaken() const { return mIsNameTaken; }
+
+    /** The content of a preset's file. */
+    bool contentOf(const LyrString& name, std::string& bytes, LyrString& message) const;
     /** Writes a copy of a preset's file, byte for byte. */
     bool exportFile(const LyrString& name, const std::string& path, LyrString& message) const;
 
@@ -67,6 +75,10 @@ private:
     class Lock;
     struct Index;
 
+    struct Incoming;
+
+    bool readIncoming(const std::string& path, Incoming& incoming, LyrString& message) const;
+    bool refuseTaken(const LyrString& name, LyrString& message);
     bool mayChange(LyrString& message) const;
     bool find(const LyrString& name, Entry& entry) const;
     std::string targetFor(const LyrString& name, LyrString& message) const;
@@ -74,6 +86,7 @@ private:
 
     std::string mFolder;
     bool mIsWritable;
+    bool mIsNameTaken = false;
     std::string mClass;
     std::unique_ptr<Index> mIndex;
 };

@@ -110,6 +110,15 @@ TEST_F(LyqPresetHandlerTest, names_are_searched_among_own_then_installed_then_bu
     EXPECT_EQ(handler->findPreset("eight"), -1);
 }
 
+TEST_F(LyqPresetHandlerTest, what_is_found_behind_a_folder_that_cannot_be_read_is_found_with_a_message) {
+    folder.write("no folder", "");
+    EXPECT_EQ(handler->findPreset("seven"), Lyr::DefaultPreset);
+    EXPECT_TRUE(handler->getMessage().isNull());
+    handler->setPresetFolder(Lyr::UserPreset, folder.file("no folder"));
+    EXPECT_EQ(handler->findPreset("seven"), Lyr::DefaultPreset);
+    EXPECT_THAT(handler->getMessage().utf8(), HasSubstr("cannot be read"));
+}
+
 TEST_F(LyqPresetHandlerTest, the_current_preset_follows_a_new_name_and_is_none_when_it_is_deleted) {
     ASSERT_TRUE(handler->savePresetAs("a"));
     thing->note.setValue(3);

@@ -356,3 +356,33 @@ TEST_F(LyqPresetStoreTest, neither_import_nor_export_replaces_a_file_of_a_newer_
     EXPECT_THAT(message.utf8(), HasSubstr("newer version"));
     EXPECT_EQ(folder.read(fileOf("a")), cut);
 }
+
+TEST_F(LyqPresetStoreTest, a_name_that_is_taken_is_told_from_other_failures_and_only_replaced_on_request) {
+    HeldThing thing(2);
+    ASSERT_TRUE(store.save(*thing, "a", message, false)) << message.utf8();
+    thing->value.setValue(3);
+    EXPECT_FALSE(store.save(*thing, "a", message, false));
+    EXPECT_TRUE(store.isNameTaken());
+    EXPECT_EQ(valueOf("a"), 2);
+    EXPECT_FALSE(store.save(*thing, "", message, false));
+    EXPECT_FALSE(store.isNameTaken());
+    LyrString name;
+    const std::string path = pathOf("a");
+    EXPECT_FALSE(store.checkImport(path, false, name, message));
+    EXPECT_TRUE(store.isNameTaken());
+    EXPECT_TRUE(store.checkImport(path, true, name, message)) << message.utf8();
+    EXPECT_TRUE(store.save(*thing, "a", message)) << message.utf8();
+    EXPECT_EQ(valueOf("a"), 3);
+}
+
+TEST_F(LyqPresetStoreTest, a_file_of_a_newer_version_is_taken_in_with_a_message) {
+    TemporaryFolder other;
+    ASSERT_TRUE(save("a", 1));
+    std::string newer = folder.read(fileOf("a"));
+    newer.replace(newer.find("\"version\": 1"), 12, "\"version\": 2");
+    other.write("newer.json", newer);
+    ASSERT_TRUE(store.remove("a", message));
+    LyrString name;
+    ASSERT_TRUE(store.importFile(other.file("newer.json"), false, name, message)) << message.utf8();
+    EXPECT_THAT(message.utf8(), HasSubstr("newer version"));
+}

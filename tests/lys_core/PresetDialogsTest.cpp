@@ -187,6 +187,26 @@ TEST_F(PresetDialogs, the_manager_exports_and_imports_and_names_the_files_that_i
     EXPECT_THAT(asked, HasSubstr("Replace the preset \"a\"?"));
 }
 
+TEST_F(PresetDialogs, all_tell_of_a_folder_that_cannot_be_read) {
+    folder.write("no folder", "");
+    handler->setPresetFolder(Lyr::UserPreset, folder.file("no folder"));
+    const LyqPresetSaveDialog save(handler);
+    EXPECT_THAT(save.message().toStdString(), HasSubstr("cannot be read"));
+    const LyqPresetManageDialog manage(handler);
+    EXPECT_THAT(manage.message().toStdString(), HasSubstr("cannot be read"));
+    LyqPresetComboBox box;
+    box.setHandlerId(ThingHandler::CATEGORY);
+    EXPECT_THAT(box.itemText(0).toStdString(), HasSubstr("cannot be read"));
+}
+
+TEST_F(PresetDialogs, a_name_with_blanks_around_it_is_replaced_under_its_own_name) {
+    ASSERT_TRUE(handler->savePresetAs(" a "));
+    LyqPresetSaveDialog dialog(handler);
+    EXPECT_EQ(dialog.presetName(), QStringLiteral(" a "));
+    dialog.setPresetName(QStringLiteral(" b "));
+    EXPECT_EQ(dialog.presetName(), QStringLiteral("b"));
+}
+
 TEST_F(PresetDialogs, dialogs_close_when_their_handler_goes) {
     LyqPresetSaveDialog save(handler);
     LyqPresetManageDialog manage(handler);
