@@ -63,6 +63,11 @@ std::vector<PresetLibrary::Entry> PresetLibrary::list() {
 
 Lyrenum PresetLibrary::require(const std::string& name) {
     const Lyrenum kind = find(name);
+    const LyrString problem = handler().getMessage();
+    if (problem != mTold) {
+        mTold = problem;
+        warnOf(problem);
+    }
     if (kind == -1) {
         throwUnusable(printable(name) + ": there is no preset of this name; see colortable presets list");
     }

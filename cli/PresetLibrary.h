@@ -47,6 +47,8 @@ public:
 private:
     void loadProxy(const std::string& name, Lyrenum kind, Stored& stored);
 
+    /** What was warned of last, once. */
+    LyrString mTold;
     LyrObjectPtr mHandler;
 };
 

@@ -16,6 +16,7 @@
 #include <CLI/Formatter.hpp>
 
 #include <memory>
+#include <set>
 
 namespace lys::cli {
 
@@ -105,13 +106,12 @@ void savePreset(const PresetOptions& options) {
     checkName(options.name);
     const TableSource source(options.table);
     PresetLibrary library;
-    const LyqPresetStore* store = library.handler().store(Lyr::UserPreset);
-    if (!options.replace && store->contains(LyrString(options.name))) {
-        throwFailed(printable(options.name) + ": there is a preset of this name already; --replace replaces it");
-    }
     library.handler().setApplicationObject(&source.table());
     library.handler().setAbsolutePreset(options.absolute);
-    if (!library.handler().savePresetAs(LyrString(options.name))) {
+    if (!library.handler().savePresetAs(LyrString(options.name), Lyr::UserPreset, options.replace)) {
+        if (library.handler().isNameTaken()) {
+            throwFailed(printable(options.name) + ": there is a preset of this name already; --replace replaces it");
+        }
         throwFailed(library.handler().getMessage().utf8());
     }
 }
@@ -156,30 +156,57 @@ void deletePreset(const PresetOptions& options) {
     }
 }
 
+[[noreturn]] void throwNotImported(PresetLibrary& library, const std::string& file, const LyrString& name) {
+    const std::string message = library.handler().getMessage().utf8();
+    if (name.isNull()) {
+        throwUnusable(message + "; a table is saved as a preset by colortable presets save NAME --table FILE");
+    }
+    throwFailed(file + ": " + message + (library.handler().isNameTaken() ? " --replace replaces it." : ""));
+}
+
+// All files are looked at before the first is taken in.
 void importPresets(const PresetOptions& options) {
     PresetLibrary library;
+    std::set<LyrString> names;
     for (const std::string& file : options.files) {
         LyrString name;
-        if (library.handler().importPreset(file, options.replace, name)) {
-            continue;
+        if (!library.handler().checkImport(file, options.replace, name)) {
+            throwNotImported(library, file, name);
         }
-        const std::string message = library.handler().getMessage().utf8();
-        if (name.isNull()) {
-            throwUnusable(message + "; a table is saved as a preset by colortable presets save NAME --table FILE");
+        if (!names.insert(name).second) {
+            throwFailed(file + ": another of the files has the same name, " + printable(name.utf8()));
         }
-        throwFailed(file + ": " + message + (options.replace ? "" : " --replace replaces it."));
+    }
+    for (const std::string& file : options.files) {
+        LyrString name;
+        if (!library.handler().importPreset(file, options.replace, name)) {
+            throwNotImported(library, file, name);
+        }
+        if (!library.handler().getMessage().isEmpty()) {
+            warn(library.handler().getMessage().view());
+        }
     }
 }
 
 void exportPreset(const PresetOptions& options) {
     PresetLibrary library;
     const Lyrenum kind = library.require(options.name);
-    if (kind == Lyr::DefaultPreset || options.output == "-") {
+    if (kind == Lyr::DefaultPreset) {
         writeObject(*library.load(options.name).proxy, options.output);
         return;
     }
     library.load(options.name);
-    if (!library.handler().exportPreset(LyrString(options.name), kind, options.output)) {
+    const LyrString name(options.name);
+    if (options.output == "-") {
+        std::string bytes;
+        LyrString message;
+        if (!library.handler().store(kind)->contentOf(name, bytes, message)) {
+            throwFailed(message.utf8());
+        }
+        printText(bytes);
+        return;
+    }
+    if (!library.handler().exportPreset(name, kind, options.output)) {
         throwFailed(library.handler().getMessage().utf8());
     }
 }

@@ -207,3 +207,24 @@ TEST_F(Presets, a_folder_of_its_name_does_not_hide_a_preset) {
     EXPECT_EQ(found.status, 0) << found.error;
     EXPECT_EQ(found.out, run({"map", "--table", "Reverse Rainbow", "--at", "0.5"}).out);
 }
+
+TEST_F(Presets, export_to_standard_output_writes_the_bytes_of_the_file) {
+    ASSERT_EQ(run({"presets", "save", "a", "--table", "Rainbow"}).status, 0);
+    const std::string bytes = readBytes(onlyFile()) + "\n\n";
+    data.write(onlyFile().substr(data.path().size() + 1), bytes);
+    EXPECT_EQ(run({"presets", "export", "a", "-o", "-"}).out, bytes);
+}
+
+TEST_F(Presets, of_several_files_none_is_taken_in_if_one_cannot_be) {
+    ASSERT_EQ(run({"presets", "save", "a", "--table", "Rainbow"}).status, 0);
+    const std::string good = data / "good.json";
+    ASSERT_EQ(run({"presets", "export", "a", "-o", good}).status, 0);
+    ASSERT_EQ(run({"presets", "delete", "a"}).status, 0);
+    const std::string bad = data.write("bad.json", "{}");
+    const ProgramRun refused = run({"presets", "import", good, bad});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.error, AllOf(HasSubstr(bad), Not(HasSubstr("--replace"))));
+    EXPECT_EQ(run({"presets", "list", "--kind", "user"}).out, "");
+    EXPECT_EQ(run({"presets", "import", good, good}).status, 1) << "they have one name";
+    EXPECT_EQ(run({"presets", "list", "--kind", "user"}).out, "");
+}
