@@ -47,8 +47,10 @@ Split splitLines(const QRect& rect, Halves halves, int from, int to) {
     return {QRect(left, whiteTop, count, white), QRect(left, blackTop, count, rect.height() - white)};
 }
 
-/** The picture as patches: neighbouring lines of the same colours are one. */
-std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vector<LyrRGBA<float>>& colors) {
+/** The picture as patches: neighbouring lines of the same colours are one. The colours are those of the lines from
+ * `first` on. */
+std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vector<LyrRGBA<float>>& colors,
+                               int first = 0) {
     std::vector<Patch> patches;
     const int length = static_cast<int>(colors.size());
     for (int from = 0; from < length;) {
@@ -59,7 +61,7 @@ std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vect
                overBlack(colors[static_cast<std::size_t>(to) + 1]) == black) {
             ++to;
         }
-        const Split split = splitLines(rect, halves, from, to);
+        const Split split = splitLines(rect, halves, first + from, first + to);
         patches.push_back({split.white, white});
         patches.push_back({split.black, black});
         from = to + 1;
@@ -69,6 +71,24 @@ std::vector<Patch> makePatches(const QRect& rect, Halves halves, const std::vect
 
 int lengthOf(const QSize& size, Halves halves) {
     return halves == Halves::LeftOverWhite ? size.height() : size.width();
+}
+
+/** The colours of some lines of a picture with `length` of them. */
+std::vector<LyrRGBA<float>> sampleLines(int length, const Lines& lines, const Section& section, const Section* previous,
+                                        const Section* next) {
+    std::vector<LyrRGBA<float>> colors(static_cast<std::size_t>(std::max(lines.last - lines.first + 1, 0)),
+                                       LyrRGBA<float>(0.0f, 0.0f, 0.0f, 0.0f));
+    const LyrValuePair<float> range{0.0f, static_cast<float>(length - 1)};
+    for (std::size_t i = 0; i < colors.size(); ++i) {
+        section.getColor(range, static_cast<float>(lines.first + static_cast<int>(i)), colors[i], previous, next);
+    }
+    return colors;
+}
+
+/** What of a painter's coordinates its device shows; everything for a device without a size of its own. */
+QRect shownBy(const QPainter& painter, const QRect& everything) {
+    const QRect window = painter.window();
+    return window.isEmpty() ? everything : painter.worldTransform().inverted().mapRect(QRectF(window)).toAlignedRect();
 }
 
 }  // namespace
@@ -88,13 +108,16 @@ QRgb opaque(const LyrRGBA<float>& color) {
 
 std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, const Section* previous,
                                           const Section* next) {
-    std::vector<LyrRGBA<float>> colors(static_cast<std::size_t>(std::max(length, 0)),
-                                       LyrRGBA<float>(0.0f, 0.0f, 0.0f, 0.0f));
-    const LyrValuePair<float> range{0.0f, static_cast<float>(length - 1)};
-    for (int i = 0; i < length; ++i) {
-        section.getColor(range, static_cast<float>(i), colors[static_cast<std::size_t>(i)], previous, next);
+    return sampleLines(length, {0, length - 1}, section, previous, next);
+}
+
+Lines linesInside(const QRect& picture, Halves halves, const QRect& area) {
+    const QRect inside = picture.intersected(area);
+    if (inside.isEmpty()) {
+        return {0, -1};
     }
-    return colors;
+    return halves == Halves::LeftOverWhite ? Lines{picture.bottom() - inside.bottom(), picture.bottom() - inside.top()}
+                                           : Lines{inside.left() - picture.left(), inside.right() - picture.left()};
 }
 
 QImage sectionImage(const QSize& size, Halves halves, const Section& section, const Section* previous,
@@ -121,8 +144,9 @@ void paintSection(QPainter& painter, const QRect& rect, Halves halves, const Sec
     if (rect.isEmpty()) {
         return;
     }
-    const auto colors = sampleSection(lengthOf(rect.size(), halves), section, previous, next);
-    for (const Patch& patch : makePatches(rect, halves, colors)) {
+    const Lines lines = linesInside(rect, halves, shownBy(painter, rect));
+    const auto colors = sampleLines(lengthOf(rect.size(), halves), lines, section, previous, next);
+    for (const Patch& patch : makePatches(rect, halves, colors, lines.first)) {
         if (!patch.rect.isEmpty()) {
             painter.fillRect(patch.rect, QColor(patch.color));
         }

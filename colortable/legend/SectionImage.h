@@ -37,7 +37,16 @@ LYS_COLORTABLE_EXPORT QImage sectionImage(const QSize& size, Halves halves, cons
                                           const LyrColorLookupTable::Section* previous,
                                           const LyrColorLookupTable::Section* next);
 
-/** The same picture drawn as filled rectangles, the form that vector formats keep sharp. */
+/** Pixels of a picture along its axis, both included; none if the last lies before the first. */
+struct Lines {
+    int first;
+    int last;
+};
+/** The lines of a picture that are inside an area. */
+LYS_COLORTABLE_EXPORT Lines linesInside(const QRect& picture, Halves halves, const QRect& area);
+
+/** The same picture drawn as filled rectangles, the form that vector formats keep sharp. What lies outside the
+ * painter's window is neither drawn nor computed: a picture may be much longer than what it is drawn on. */
 LYS_COLORTABLE_EXPORT void paintSection(QPainter& painter, const QRect& rect, Halves halves,
                                         const LyrColorLookupTable::Section& section,
                                         const LyrColorLookupTable::Section* previous,

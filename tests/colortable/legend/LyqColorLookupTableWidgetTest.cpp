@@ -12,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QFontMetrics>
+#include <QPainter>
 #include <QPalette>
 
 #include <gtest/gtest.h>
@@ -381,4 +382,52 @@ TEST(SectionImage, a_bar_runs_from_bottom_to_top_and_from_left_to_right) {
     const QImage flat = lys::legend::sectionImage({51, 10}, Halves::LowerOverWhite, section, nullptr, nullptr);
     EXPECT_EQ(flat.pixel(0, 0), qRgb(0, 0, 255));
     EXPECT_EQ(flat.pixel(50, 0), qRgb(255, 0, 0));
+}
+
+TEST(SectionImage, only_the_lines_inside_an_area_are_computed) {
+    using lys::legend::Halves;
+    using lys::legend::linesInside;
+    const QRect area(0, 0, 60, 100);
+    const auto vertical = linesInside(QRect(5, -900, 10, 1000), Halves::LeftOverWhite, area);
+    EXPECT_EQ(vertical.first, 0) << "the lowest line is the first";
+    EXPECT_EQ(vertical.last, 99);
+    const auto above = linesInside(QRect(5, 40, 10, 1000000000), Halves::LeftOverWhite, area);
+    EXPECT_EQ(above.first, 999999940);
+    EXPECT_EQ(above.last, 999999999);
+    const auto flat = linesInside(QRect(-1000, 5, 1500, 10), Halves::LowerOverWhite, area);
+    EXPECT_EQ(flat.first, 1000);
+    EXPECT_EQ(flat.last, 1059);
+    const auto outside = linesInside(QRect(5, 200, 10, 1000), Halves::LeftOverWhite, area);
+    EXPECT_LT(outside.last, outside.first);
+}
+
+TEST(SectionImage, a_picture_much_longer_than_what_it_is_drawn_on_looks_as_its_part) {
+    const LyrObjectRefPtr object("LyrColorLookupTable::Section", Lyr::DocumentScope);
+    lyrSetValue(object.get(), Lyr::Type, Lyr::Rainbow);
+    const auto& section = static_cast<const LyrColorLookupTable::Section&>(*object.get());
+    using lys::legend::Halves;
+    for (const bool flat : {false, true}) {
+        const Halves halves = flat ? Halves::LowerOverWhite : Halves::LeftOverWhite;
+        const QSize size = flat ? QSize(400, 10) : QSize(10, 400);
+        const QImage whole = lys::legend::sectionImage(size, halves, section, nullptr, nullptr);
+        QImage part(50, 50, QImage::Format_RGB32);
+        part.fill(Qt::magenta);
+        QPainter painter(&part);
+        // Moved there and back: what counts is what the device shows.
+        painter.translate(-300, -300);
+        const QPoint corner = flat ? QPoint(200, 300) : QPoint(300, 200);
+        paintSection(painter, QRect(corner, size), halves, section, nullptr, nullptr);
+        painter.end();
+        const QPoint shift = flat ? QPoint(100, 0) : QPoint(0, 100);
+        for (int i = 0; i < 50; ++i) {
+            const QPoint at = flat ? QPoint(i, 3) : QPoint(3, i);
+            ASSERT_EQ(part.pixel(at), whole.pixel(at + shift)) << i << flat;
+        }
+    }
+    QImage small(10, 10, QImage::Format_RGB32);
+    QPainter painter(&small);
+    // With all its lines in memory it would take 16 GB.
+    paintSection(painter, QRect(0, -5, 10, 1000000000), Halves::LeftOverWhite, section, nullptr, nullptr);
+    painter.end();
+    EXPECT_EQ(small.pixel(0, 5), qRgb(255, 0, 0)) << "the upper end of the rainbow";
 }
