@@ -23,8 +23,8 @@ public:
     /** Changes the quantity; tells displayUnitChanged if the unit is another then. */
     void setQuantity(Lyrenum quantity);
 
-    /** Shows values in this unit of the quantity, whatever the user chose; -1 follows the user again. A unit that is none of
-     *  the quantity is as good as -1. */
+    /** Shows values in this unit of the quantity, whatever the user chose; -1 follows the user again. A unit that is
+     * none of the quantity is as good as -1. */
     void setFixedUnit(Lyrenum unit);
 
     /** The unit that values are shown in, -1 for a quantity without units. */

@@ -1,9 +1,9 @@
 #include <analysis/TableColors.h>
+#include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <gtest/gtest.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrPropertyPtr.h>
-#include <colortable/ColortableIdentifiers.h>
 
 #include <cmath>
 #include <vector>

@@ -4,8 +4,8 @@
 #include <locale>
 #include <stdexcept>
 
-// Loaded before a program (LD_PRELOAD): gives it the locale of the environment, for C and C++ alike, before its own code
-// runs. A locale that does not exist ends it, so that no test passes in another one by mistake.
+// Loaded before a program (LD_PRELOAD): gives it the locale of the environment, for C and C++ alike, before its own
+// code runs. A locale that does not exist ends it, so that no test passes in another one by mistake.
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqExtensionRegistry.h>
 #include <lys_core/LyqLayer.h>
-#include <lys_core/LyqPresetFolders.h>
 #include <lys_core/LyqPresetDefaultHandler.h>
+#include <lys_core/LyqPresetFolders.h>
 #include <lys_core/LyqPresetRegistry.h>
 #include <lys_core/LyqSession.h>
 #include <lys_core/LyqSliceWidget.h>
@@ -69,7 +69,8 @@ struct OwnLimits {
     OwnLimits() {
         const QDir data(folder.path());
         EXPECT_TRUE(data.mkpath("lys_colortable/presets"));
-        QByteArray text = content(QString::fromStdString(LyqPresetFolders::installed()) + "/tolerance-upper-limit.json");
+        QByteArray text =
+            content(QString::fromStdString(LyqPresetFolders::installed()) + "/tolerance-upper-limit.json");
         text.replace("\"PositionList\": [0.1, 0.2]", "\"PositionList\": [20, 100]");
         text.replace("Tolerance Upper Limit", "Own Limits");
         QFile file(data.filePath("lys_colortable/presets/own.json"));
@@ -258,8 +259,8 @@ TEST_F(OpenWorkbench, the_list_of_defects_tells_verdicts_while_the_table_is_a_to
     const QAbstractItemModel& model = *list->model();
     EXPECT_EQ(model.columnCount(), 7);
     const LyqLayer::Content table = LyqSession::instance().activeLayer()->contents()[0];
-    auto* presets = dynamic_cast<LyqPresetDefaultHandler*>(
-        LyqPresetRegistry::instance().findHandler(table.presetCategory));
+    auto* presets =
+        dynamic_cast<LyqPresetDefaultHandler*>(LyqPresetRegistry::instance().findHandler(table.presetCategory));
     ASSERT_TRUE(presets);
     presets->setPresetFolder(Lyr::UserPreset, limits.folder.filePath("lys_colortable/presets").toStdString());
     presets->setApplicationObject(table.object);

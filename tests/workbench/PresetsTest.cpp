@@ -83,14 +83,14 @@ TEST_F(PresetsInTheWindow, are_offered_beside_the_active_layers_table) {
 
 TEST_F(PresetsInTheWindow, are_applied_as_one_step_that_undo_takes_back_whole) {
     QUndoStack& history = LyqApplication::instance().undoStack();
-    const std::string before = textOfTable();
+    const std::string original = textOfTable();
     const int steps = history.count();
     choose("Reverse Rainbow");
     EXPECT_EQ(history.count(), steps + 1);
     const std::string after = textOfTable();
     EXPECT_NE(after.find("\"InvertedRainbow\""), std::string::npos);
     ASSERT_TRUE(LyqApplication::instance().undo());
-    EXPECT_EQ(textOfTable(), before);
+    EXPECT_EQ(textOfTable(), original);
     ASSERT_TRUE(LyqApplication::instance().redo());
     EXPECT_EQ(textOfTable(), after);
 }
