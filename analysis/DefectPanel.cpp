@@ -3,6 +3,7 @@
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/compute/LyrAnalysisReport.h>
 #include <analysis/compute/LyrDefectResult.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lys_core/LyqApplication.h>

@@ -1,6 +1,7 @@
 #include <analysis/DefectTableModel.h>
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/compute/LyrDefectResult.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 
 #include <algorithm>

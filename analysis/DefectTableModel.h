@@ -1,7 +1,6 @@
 #pragma once
 
 #include <analysis/LysAnalysisExport.h>
-#include <analysis/compute/LyrVerdict.h>
 #include <lys_core/LyqUnitConverter.h>
 
 #include <QAbstractTableModel>
@@ -10,6 +9,7 @@
 #include <vector>
 
 class LyrDefectLayer;
+enum class LyrVerdict;
 
 /** The defects of a layer as rows that can be sorted, in the units that the user chose. */
 class LYS_ANALYSIS_EXPORT DefectTableModel : public QAbstractTableModel {

@@ -4,6 +4,7 @@
 #include <analysis/RainbowTable.h>
 #include <analysis/ToleranceTable.h>
 #include <analysis/compute/LyrDefectResult.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>

@@ -2,13 +2,13 @@
 
 #include <analysis/DefectSurface.h>
 #include <analysis/LyrResultLayer.h>
-#include <analysis/compute/LyrVerdict.h>
 #include <lyr_core/LyrSingleValueProperty.h>
 
 #include <vector>
 
 struct LyrDefect;
 struct LyrDefectResult;
+enum class LyrVerdict;
 
 /** The defects of a part, coloured by their volumes: in slices, and as surfaces of their own.
  *

@@ -1,5 +1,6 @@
 #include <analysis/ToleranceTable.h>
 #include <analysis/compute/LyrDefectResult.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <colortable/model/LyrColorLookupTableSection.h>

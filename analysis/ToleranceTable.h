@@ -1,13 +1,13 @@
 #pragma once
 
 #include <analysis/LysAnalysisExport.h>
-#include <analysis/compute/LyrVerdict.h>
 
 #include <span>
 #include <vector>
 
 class LyrColorLookupTable;
 struct LyrDefect;
+enum class LyrVerdict;
 
 /** Judges defects by a tolerance table: one whose sections, constants or gradients from a colour to the same one, all
  * have one of three colours, to 8 bits a channel and opaque. They are those of the installed tolerance presets:

@@ -5,6 +5,7 @@
 #include <analysis/VolumeAnalyses_p.h>
 #include <analysis/compute/LyrAnalysisReport.h>
 #include <analysis/compute/LyrDefectAnalysis.h>
+#include <analysis/compute/LyrVerdict.h>
 #include <analysis/compute/LyrWallThickness.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lys_core/LyqSession.h>
