@@ -1,5 +1,6 @@
 #include <analysis/LayerPanels_p.h>
 #include <analysis/LyrColoredLayer.h>
+#include <analysis/SectionInspector.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/editor/LyqColorLookupTableEditor.h>
 #include <colortable/editor/LyqColorLookupTableOptionsWidget.h>
@@ -33,8 +34,8 @@ QSize LayerPanel::sizeHint() const {
 }
 
 void LayerPanel::follow() {
-    const auto* layer = dynamic_cast<LyrColoredLayer*>(LyqSession::instance().activeLayer());
-    mLayer = const_cast<LyrColoredLayer*>(layer);
+    auto* layer = dynamic_cast<LyrColoredLayer*>(LyqSession::instance().activeLayer());
+    mLayer = layer;
     if (widget()) {
         widget()->setEnabled(layer != nullptr);
     }
@@ -52,11 +53,13 @@ bool LayerPanel::iocCallback(Message& message) {
 
 ColorsPanel::ColorsPanel(QWidget* parent) : LayerPanel(parent) {
     auto* content = new QWidget;
+    mInspector = new SectionInspector(content);
     mEditor = new LyqColorLookupTableEditor(content, "layerTableEditor");
     mOptions = new LyqColorLookupTableOptionsWidget(content, "layerTableOptions");
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
+    layout->addWidget(mInspector);
     layout->addWidget(mEditor, 1);
     layout->addWidget(mOptions);
     // The presets wait in the form for whoever offers them; here a handler is there.
@@ -65,8 +68,9 @@ ColorsPanel::ColorsPanel(QWidget* parent) : LayerPanel(parent) {
     follow();
 }
 
-void ColorsPanel::showLayer(const LyrColoredLayer* layer) {
+void ColorsPanel::showLayer(LyrColoredLayer* layer) {
     LyrColorLookupTable* table = layer ? layer->table() : nullptr;
+    mInspector->setLayer(layer);
     mEditor->setLogicObject(table);
     mOptions->setTable(table);
     if (layer) {
@@ -91,7 +95,7 @@ LegendPanel::LegendPanel(QWidget* parent)
     follow();
 }
 
-void LegendPanel::showLayer(const LyrColoredLayer* layer) {
+void LegendPanel::showLayer(LyrColoredLayer* layer) {
     LyrObject* settings = layer ? layer->renderSettings() : nullptr;
     LyrObjectPath path;
     if (mEditor && settings && path.append(LyrObjectLink(settings, nullptr, -1)) && mEditor->checkObjects(&path, 1)) {

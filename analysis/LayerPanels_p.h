@@ -9,6 +9,7 @@ class LyqColorLookupTableEditor;
 class LyqColorLookupTableOptionsWidget;
 class LyqObjectEditorHandler;
 class LyrColoredLayer;
+class SectionInspector;
 
 /** A panel that shows something of the session's active layer, whichever that is. */
 class LayerPanel : public QScrollArea, public LyrIOC {
@@ -24,7 +25,7 @@ public:
 
 protected:
     /** Shows a layer, null for none, in place of the one before. */
-    virtual void showLayer(const LyrColoredLayer* layer) = 0;
+    virtual void showLayer(LyrColoredLayer* layer) = 0;
     /** To be called when the panel is complete. */
     void follow();
     void setContent(QWidget* content);
@@ -33,7 +34,8 @@ private:
     LyrObjectIOCPtr mLayer;
 };
 
-/** The table of the active layer: its sections, and what belongs to the table as a whole. */
+/** The table of the active layer: how the values are spread over it, its sections, and what belongs to the table as a
+ * whole. */
 class ColorsPanel : public LayerPanel {
     Q_OBJECT
 
@@ -41,9 +43,10 @@ public:
     explicit ColorsPanel(QWidget* parent);
 
 protected:
-    void showLayer(const LyrColoredLayer* layer) override;
+    void showLayer(LyrColoredLayer* layer) override;
 
 private:
+    SectionInspector* mInspector;
     LyqColorLookupTableEditor* mEditor;
     LyqColorLookupTableOptionsWidget* mOptions;
 };
@@ -56,7 +59,7 @@ public:
     explicit LegendPanel(QWidget* parent);
 
 protected:
-    void showLayer(const LyrColoredLayer* layer) override;
+    void showLayer(LyrColoredLayer* layer) override;
 
 private:
     LyqObjectEditorHandler* mEditor;

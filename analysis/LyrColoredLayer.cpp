@@ -1,6 +1,7 @@
 #include <analysis/AnalysisIdentifiers.h>
 #include <analysis/LyrColoredLayer.h>
 #include <analysis/PartSurface.h>
+#include <analysis/ValueOrder.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
@@ -31,6 +32,7 @@ public:
 struct LyrColoredLayer::Private {
     std::shared_ptr<const LyrVolume> values;
     std::shared_ptr<PartSurface> surface;
+    std::shared_ptr<ValueOrder> order;  ///< null until somebody asks for it
     LyrObjectHardLinkOP table;
     LyrObjectHardLinkOP settings;
     LyrSingleValueOP<LyrSingleValuePropertyIF<float>> surfaceValue;
@@ -124,7 +126,7 @@ const LyrMetaClass& LyrColoredLayer::getMetaClass() const {
 }
 
 bool LyrColoredLayer::isComplete() const {
-    return d->surface->isFinished();
+    return d->surface->isFinished() && (!d->order || d->order->isFinished());
 }
 
 std::vector<LyqLayer::Content> LyrColoredLayer::contents() const {
@@ -158,6 +160,13 @@ LyrObject* LyrColoredLayer::renderSettings() const {
 
 const PartSurface& LyrColoredLayer::surface() const {
     return *d->surface;
+}
+
+const std::shared_ptr<ValueOrder>& LyrColoredLayer::valueOrder() const {
+    if (!d->order) {
+        d->order = ValueOrder::of(d->values);
+    }
+    return d->order;
 }
 
 std::shared_ptr<const LyrRendering::SurfaceMesh> LyrColoredLayer::mesh() const {

@@ -14,6 +14,7 @@
 class LyrColorLookupTable;
 class LyrVolumeObject;
 class PartSurface;
+class ValueOrder;
 
 /** A layer whose values are coloured through a table: slices through the values, and the part's surface.
  *
@@ -41,6 +42,8 @@ public:
     LyrColorLookupTable* table() const;
     LyrObject* renderSettings() const;
     const PartSurface& surface() const;
+    /** The values in ascending order, which the first call begins to sort; not null. */
+    const std::shared_ptr<ValueOrder>& valueOrder() const;
 
     /** The surface that scene views show, null while there is none: that of the part. */
     virtual std::shared_ptr<const LyrRendering::SurfaceMesh> mesh() const;

@@ -1274,6 +1274,56 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>SectionInspector</name>
+    <message>
+        <source>Values are being counted…</source>
+        <translation>Werte werden gezählt …</translation>
+    </message>
+    <message>
+        <source>There are no values.</source>
+        <translation>Es gibt keine Werte.</translation>
+    </message>
+    <message>
+        <source>Values</source>
+        <translation>Werte</translation>
+    </message>
+    <message>
+        <source>Histogram of the values</source>
+        <translation>Histogramm der Werte</translation>
+    </message>
+    <message>
+        <source>Shares of the sections</source>
+        <translation>Anteile der Abschnitte</translation>
+    </message>
+</context>
+<context>
+    <name>SectionShareModel</name>
+    <message>
+        <source>&lt; %1 %</source>
+        <translation>&lt; %1 %</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>%1: %2 of the volume</source>
+        <translation>%1: %2 des Volumens</translation>
+    </message>
+    <message>
+        <source>Share of Volume</source>
+        <translation>Volumenanteil</translation>
+    </message>
+    <message>
+        <source>Section</source>
+        <translation>Abschnitt</translation>
+    </message>
+    <message>
+        <source>Section [%1]</source>
+        <translation>Abschnitt [%1]</translation>
+    </message>
+</context>
+<context>
     <name>ValueLayerExtension</name>
     <message>
         <source>Values in color</source>
