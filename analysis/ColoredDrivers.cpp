@@ -49,6 +49,7 @@ bool ColoredSliceDriver::fetchSlice(int axis, int index, LyrRendering::SliceImag
     out.max = {axis == 0 ? extent.y : extent.x, axis == 2 ? extent.y : extent.z};
     out.pixels.resize(mValues.size() * 4);
     lysColorBytes(*table, mValues, out.pixels, mLayer.getOpacity());
+    mLayer.dimSlice(mValues, out.pixels);
     mLayer.finishSlice(axis, index, mValues, out.pixels);
     return true;
 }
@@ -78,12 +79,14 @@ bool ColoredSurfaceDriver::fetchSurface(LyrRendering::Surface& out) {
         mSurface = {mesh, nullptr};
         mLayer.valuesOnMesh(*mesh, mValues);
     }
-    const LyrTimestamp changed = std::max(mLayer.getTableTimestamp(), mLayer.getFinishTimestamp());
+    const LyrTimestamp changed =
+        std::max({mLayer.getTableTimestamp(), mLayer.getFinishTimestamp(), mLayer.getHighlightTimestamp()});
     if (!mSurface.colors || changed > mColored) {
         mColored = LyrTimestamp::getCurrentTimestamp();
         auto colors = std::make_shared<LyrRendering::SurfaceColors>(mValues.size() * 4);
         // A surface is seen whole, whatever the opacity of the slices.
         lysColorBytes(*table, mValues, *colors, 1.0f);
+        mLayer.dimMesh(mValues, *colors);
         mLayer.finishMesh(*colors);
         mSurface.colors = std::move(colors);
     }

@@ -4,6 +4,7 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/editor/LyqColorLookupTableEditor.h>
 #include <colortable/editor/LyqColorLookupTableOptionsWidget.h>
+#include <colortable/legend/LyqColorLookupTableWidget.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrObjectPath.h>
 #include <lys_core/LyqObjectEditorHandler.h>
@@ -55,6 +56,7 @@ ColorsPanel::ColorsPanel(QWidget* parent) : LayerPanel(parent) {
     auto* content = new QWidget;
     mInspector = new SectionInspector(content);
     mEditor = new LyqColorLookupTableEditor(content, "layerTableEditor");
+    mInspector->watch(mEditor->mLUTFrame->findChild<LyqColorLookupTableWidget*>());
     mOptions = new LyqColorLookupTableOptionsWidget(content, "layerTableOptions");
     auto* layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -2,6 +2,7 @@
 #include <analysis/LyrColoredLayer.h>
 #include <analysis/PartSurface.h>
 #include <analysis/ValueOrder.h>
+#include <analysis/compute/LyrValueHistogram.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -36,6 +38,8 @@ struct LyrColoredLayer::Private {
     LyrObjectHardLinkOP table;
     LyrObjectHardLinkOP settings;
     LyrSingleValueOP<LyrSingleValuePropertyIF<float>> surfaceValue;
+    LyrSingleValueOP<LyrSingleValuePropertyIF<long long>> highlighted;
+    LyrTimestamp highlightedAt;
     LinkWatch tableWatch;
     LinkWatch settingsWatch;
     QObject context;  ///< ends the line from the surface before anything else goes
@@ -68,6 +72,22 @@ LyrObjectLink linkTo(LyrObject* object) {
     return {object, nullptr, -1};
 }
 
+/** Calls `dim` with the first of four channels for each value that is not in a section of a table. */
+template <class Dim>
+void forEachOutside(const LyrObject* table, int section, std::span<const float> values, std::span<std::uint8_t> colors,
+                    Dim dim) {
+    LyrValueArrayOPCache<float> boundaries;
+    if (section < 0 || !table || !boundaries.load(table, Lyr::PositionList) || boundaries.items().empty()) {
+        return;
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (std::isnan(values[i]) ||
+            LyrSectionShares::sectionOf(values[i], boundaries.items()) != static_cast<std::size_t>(section)) {
+            dim(colors.data() + 4 * i);
+        }
+    }
+}
+
 LyrTimestamp sectionsTimestamp(const LyrObject& table) {
     LyrTimestamp latest;
     if (const LyrValueArrayOPPtr<LyrLinkListIF> sections(&table, Lyr::SectionList); sections) {
@@ -92,6 +112,9 @@ LyrColoredLayer::LyrColoredLayer(LyrVolumeObject* document, std::shared_ptr<cons
     d->values = std::move(values);
     d->surfaceValue.setComputed(true);
     d->surfaceValue.setValue(std::numeric_limits<float>::quiet_NaN());
+    d->highlighted.setComputed(true);
+    d->highlighted.setValue(-1);
+    addProperty(Lyr::HighlightedSection, &d->highlighted);
     addProperty(Lyr::ColorLookupTable, &d->table);
     addProperty(Lyr::ColorLookupTableRenderSettings, &d->settings);
     addProperty(Lyr::SurfaceValue, &d->surfaceValue);
@@ -186,6 +209,38 @@ void LyrColoredLayer::finishMesh(std::span<std::uint8_t>) const {}
 
 LyrTimestamp LyrColoredLayer::getFinishTimestamp() const {
     return {};
+}
+
+int LyrColoredLayer::highlightedSection() const {
+    return static_cast<int>(d->highlighted.stored());
+}
+
+void LyrColoredLayer::setHighlightedSection(int section) {
+    if (section != highlightedSection()) {
+        d->highlightedAt = LyrTimestamp::getCurrentTimestamp();
+        d->highlighted.setValue(section);
+    }
+}
+
+void LyrColoredLayer::dimSlice(std::span<const float> values, std::span<std::uint8_t> pixels) const {
+    // Enough to know the colour by, little enough to look past it.
+    constexpr int SHARE = 6;
+    forEachOutside(table(), highlightedSection(), values, pixels,
+                   [](std::uint8_t* pixel) { pixel[3] = static_cast<std::uint8_t>(pixel[3] / SHARE); });
+}
+
+void LyrColoredLayer::dimMesh(std::span<const float> values, std::span<std::uint8_t> colors) const {
+    constexpr int GREY = 110;
+    constexpr int SHARE = 6;
+    forEachOutside(table(), highlightedSection(), values, colors, [](std::uint8_t* color) {
+        for (int channel = 0; channel < 3; ++channel) {
+            color[channel] = static_cast<std::uint8_t>((color[channel] + GREY * (SHARE - 1)) / SHARE);
+        }
+    });
+}
+
+LyrTimestamp LyrColoredLayer::getHighlightTimestamp() const {
+    return d->highlightedAt;
 }
 
 LyrTimestamp LyrColoredLayer::getTableTimestamp() const {

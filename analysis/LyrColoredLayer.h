@@ -20,7 +20,8 @@ class ValueOrder;
  *
  *  Properties beside those of LyqLayer: `ColorLookupTable` and `ColorLookupTableRenderSettings` (owning links to the
  *  table and to the look of its legend), `SurfaceValue` (computed: the grey value at which the surface lies, NaN before
- *  it is there). */
+ *  it is there), `HighlightedSection` (computed: the section of the table whose values stand out in every view, -1 for
+ *  none). */
 class LYS_ANALYSIS_EXPORT LyrColoredLayer : public LyqLayer {
 public:
     ~LyrColoredLayer() override;
@@ -55,6 +56,15 @@ public:
     virtual void finishMesh(std::span<std::uint8_t> colors) const;
     /** When what finishMesh() does became another. */
     virtual LyrTimestamp getFinishTimestamp() const;
+
+    int highlightedSection() const;
+    /** Has the values in a section of the table stand out, in every view; -1 for none. */
+    void setHighlightedSection(int section);
+    /** Dims the colours (RGBA, 8 bits) of values outside the highlighted section: pixels of slices let through what
+     *  lies beneath, vertices of surfaces become nearly grey. Nothing while no section is highlighted. */
+    void dimSlice(std::span<const float> values, std::span<std::uint8_t> pixels) const;
+    void dimMesh(std::span<const float> values, std::span<std::uint8_t> colors) const;
+    LyrTimestamp getHighlightTimestamp() const;
 
     /** When the table or one of its sections changed last, or another one was linked. */
     LyrTimestamp getTableTimestamp() const;

@@ -5,12 +5,14 @@
 #include <analysis/ValueOrder.h>
 #include <analysis/compute/LyrSortedValues.h>
 #include <colortable/ColortableIdentifiers.h>
+#include <colortable/legend/LyqColorLookupTableWidget.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrPropertyPtr.h>
 
 #include <QEvent>
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -68,6 +70,11 @@ SectionInspector::SectionInspector(QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->addWidget(mHistogram);
     column->addWidget(mList);
+    mList->setMouseTracking(true);
+    mList->viewport()->installEventFilter(this);
+    connect(mList, &QTableView::entered, this,
+            [this](const QModelIndex& index) { highlight(mShares->sectionAt(index.row())); });
+    connect(mHistogram, &HistogramView::sectionHovered, this, &SectionInspector::highlight);
     mRefresh.setSingleShot(true);
     connect(&mRefresh, &QTimer::timeout, this, &SectionInspector::refresh);
     setTexts();
@@ -83,6 +90,9 @@ void SectionInspector::setLayer(LyrColoredLayer* layer) {
     if (mLayer.get() != layer && mOrder) {
         mOrder->disconnect(this);
         mOrder.reset();
+    }
+    if (mLayer.get() != layer) {
+        highlight(-1);
     }
     mLayer = layer;
     mTable = layer ? layer->table() : nullptr;
@@ -117,6 +127,48 @@ void SectionInspector::refresh() {
     mShares->setTable(boundaries, lyrGetValue<Lyrenum>(table, Lyr::Quantity, Lyr::Number), std::move(shares), coloring);
 }
 
+void SectionInspector::watch(LyqColorLookupTableWidget* bar) {
+    mBar = bar;
+    if (bar) {
+        bar->installEventFilter(this);
+        connect(bar, &QObject::destroyed, this, [this] { mBar = nullptr; });
+    }
+}
+
+void SectionInspector::highlight(int section) {
+    if (LyrColoredLayer* shown = layer()) {
+        shown->setHighlightedSection(section);
+    }
+    mHistogram->setToolTip(mShares->description(section));
+    if (mBar) {
+        mBar->setToolTip(mShares->description(section));
+    }
+}
+
+/** The section at a height of the bar, which stands upright; -1 above and below it. */
+int SectionInspector::sectionOfBar(int y) const {
+    const std::vector<float> boundaries = boundariesOf(dynamic_cast<const LyrColorLookupTable*>(mTable.get()));
+    if (boundaries.empty()) {
+        return -1;
+    }
+    const int beyond = mBar->getVirtualBorderSectionSize();
+    if (y > mBar->realToWidget(boundaries.front()) + beyond || y < mBar->realToWidget(boundaries.back()) - beyond) {
+        return -1;
+    }
+    const auto above = std::partition_point(boundaries.begin(), boundaries.end(),
+                                            [&](float value) { return mBar->realToWidget(value) >= y; });
+    return static_cast<int>(above - boundaries.begin());
+}
+
+bool SectionInspector::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Leave && (watched == mBar || watched == mList->viewport())) {
+        highlight(-1);
+    } else if (event->type() == QEvent::MouseMove && watched == mBar) {
+        highlight(sectionOfBar(static_cast<QMouseEvent*>(event)->position().toPoint().y()));
+    }
+    return QGroupBox::eventFilter(watched, event);
+}
+
 bool SectionInspector::iocCallback(Message& message) {
     if (message.getInitialSender() != mLayer.get() && !mRefresh.isActive()) {
         mRefresh.start(0);
@@ -127,6 +179,11 @@ bool SectionInspector::iocCallback(Message& message) {
 void SectionInspector::showEvent(QShowEvent* event) {
     QGroupBox::showEvent(event);
     refresh();
+}
+
+void SectionInspector::hideEvent(QHideEvent* event) {
+    QGroupBox::hideEvent(event);
+    highlight(-1);
 }
 
 void SectionInspector::changeEvent(QEvent* event) {

@@ -5,15 +5,23 @@
 #include <analysis/SectionShareModel.h>
 #include <analysis/ValueOrder.h>
 #include <colortable/ColortableIdentifiers.h>
+#include <colortable/legend/LyqColorLookupTableWidget.h>
 #include <colortable/model/LyrColorLookupTable.h>
 #include <gtest/gtest.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrPropertyPtr.h>
 
+#include <lys_core/LyqApplication.h>
+
+#include <QApplication>
 #include <QLocale>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QUndoStack>
+
+#include <limits>
 
 namespace {
 
@@ -100,6 +108,60 @@ TEST_F(Inspector, sorts_nothing_before_it_is_seen) {
     inspector->setLayer(&made.layer());
     QTest::qWait(100);
     EXPECT_TRUE(histogram->layoutOfBars().isEmpty());
+}
+
+TEST_F(Inspector, a_section_under_the_mouse_stands_out_until_the_mouse_leaves) {
+    showLayer();
+    LyqColorLookupTableWidget bar;
+    bar.setColorTable(made.layer().table());
+    bar.resize(120, 300);
+    inspector->watch(&bar);
+    QUndoStack& history = LyqApplication::instance().undoStack();
+    const int steps = history.count();
+    const auto moveTo = [](QWidget& widget, int x, int y) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(x, y), QPointF(x, y), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&widget, &move);
+    };
+    const auto leave = [](QWidget& widget) {
+        QEvent event(QEvent::Leave);
+        QApplication::sendEvent(&widget, &event);
+    };
+    EXPECT_EQ(made.layer().highlightedSection(), -1);
+    moveTo(*histogram, histogram->width() / 2, 10);
+    EXPECT_EQ(made.layer().highlightedSection(), 1);
+    EXPECT_TRUE(histogram->toolTip().contains("100.00 %")) << histogram->toolTip().toStdString();
+    leave(*histogram);
+    EXPECT_EQ(made.layer().highlightedSection(), -1);
+    moveTo(bar, 5, bar.realToWidget(0.0f) + 4);
+    EXPECT_EQ(made.layer().highlightedSection(), 0);
+    moveTo(bar, 5, bar.realToWidget(11.0f));
+    EXPECT_EQ(made.layer().highlightedSection(), 1);
+    moveTo(bar, 5, bar.realToWidget(23.0f) - 4);
+    EXPECT_EQ(made.layer().highlightedSection(), 2);
+    leave(bar);
+    EXPECT_EQ(made.layer().highlightedSection(), -1);
+    moveTo(bar, 5, bar.realToWidget(11.0f));
+    inspector->setLayer(nullptr);
+    EXPECT_EQ(made.layer().highlightedSection(), -1);
+    EXPECT_EQ(history.count(), steps);
+}
+
+TEST_F(Inspector, values_outside_the_highlighted_section_are_dimmed) {
+    const std::vector<float> values{-1.0f, 5.0f, 30.0f, std::numeric_limits<float>::quiet_NaN()};
+    std::vector<std::uint8_t> pixels(16, 240), vertices(16, 255);
+    made.layer().dimSlice(values, pixels);
+    EXPECT_EQ(pixels, std::vector<std::uint8_t>(16, 240)) << "nothing is highlighted yet";
+    made.layer().setHighlightedSection(1);
+    made.layer().dimSlice(values, pixels);
+    for (const std::size_t value : {0u, 1u, 2u, 3u}) {
+        EXPECT_EQ(pixels[4 * value], 240) << value;
+        EXPECT_EQ(pixels[4 * value + 3], value == 1 ? 240 : 40) << value;
+    }
+    made.layer().dimMesh(values, vertices);
+    EXPECT_EQ(vertices[4], 255);
+    // A sixth of 255 and five sixths of 110.
+    EXPECT_EQ(vertices[0], 134);
+    EXPECT_EQ(vertices[3], 255) << "a surface stays opaque";
 }
 
 TEST_F(Inspector, a_layer_may_go_while_it_is_shown) {
