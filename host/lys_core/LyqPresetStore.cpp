@@ -355,6 +355,12 @@ bool LyqPresetStore::readIncoming(const std::string& path, Incoming& incoming, L
     incoming.name = header.name;
     incoming.note = report.message.isEmpty() ? LyrString() : LyrString(path + ": ") + report.message;
     message = header.problem.isNull() ? checkName(header.name) : header.problem;
+    // The name of its file here cannot always be told back to the name that it comes with.
+    if (message.isNull() && !header.carriesName && !lysInsertPresetName(incoming.bytes, header.name)) {
+        message = translated(QT_TRANSLATE_NOOP("LyqPresetStore",
+                                               "%1: this is no whole preset; the file may be cut off or damaged"))
+                      .arg(LyrString(path));
+    }
     return message.isNull();
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QCoreApplication>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <string_view>
 
 namespace {
 
@@ -45,7 +47,88 @@ bool drain(int file, std::string& bytes) {
     }
 }
 
+/** Finds its way in a text that is known to be JSON. */
+class JsonText {
+public:
+    explicit JsonText(std::string_view text) : mText(text) {}
+
+    /** Where the value of an object's member begins; `object` is the place of its brace. npos if there is none. */
+    std::size_t findMember(std::size_t object, std::string_view key) const {
+        std::size_t result = std::string_view::npos;
+        std::size_t at = skipSpace(object + 1);
+        while (at < mText.size() && mText[at] == '"') {
+            const std::size_t end = endOfString(at);
+            const std::size_t value = skipSpace(skipSpace(end) + 1);  // behind the colon
+            if (mText.substr(at + 1, end - at - 2) == key) {
+                result = value;  // the last one counts
+            }
+            at = endOfValue(value);
+            at = skipSpace(at < mText.size() && mText[at] == ',' ? at + 1 : at);
+        }
+        return result;
+    }
+
+    std::size_t skipSpace(std::size_t at) const {
+        at = mText.find_first_not_of(" \t\r\n", at);
+        return at == std::string_view::npos ? mText.size() : at;
+    }
+
+    /** The place of the comma or bracket behind a value. */
+    std::size_t endOfValue(std::size_t at) const {
+        for (int depth = 0; at < mText.size(); ++at) {
+            const char c = mText[at];
+            if (c == '"') {
+                at = endOfString(at) - 1;
+            } else if (depth == 0 && (c == ',' || c == '}' || c == ']')) {
+                return at;
+            } else {
+                depth += (c == '{' || c == '[') ? 1 : (c == '}' || c == ']') ? -1 : 0;
+            }
+        }
+        return mText.size();
+    }
+
+private:
+    std::size_t endOfString(std::size_t at) const {
+        for (++at; at < mText.size() && mText[at] != '"'; ++at) {
+            at += mText[at] == '\\' ? 1 : 0;
+        }
+        return std::min(at + 1, mText.size());
+    }
+
+    std::string_view mText;
+};
+
+/** A text as a JSON string, with its quotes. */
+std::string quoted(const LyrString& text) {
+    const QByteArray list = QJsonDocument(QJsonArray{static_cast<QString>(text)}).toJson(QJsonDocument::Compact);
+    return list.mid(1, list.size() - 2).toStdString();
+}
+
 }  // namespace
+
+bool lysInsertPresetName(std::string& bytes, const LyrString& name) {
+    const JsonText text(bytes);
+    const std::size_t root = bytes.find('{');
+    const std::size_t properties = root == std::string::npos ? root : text.findMember(root, "properties");
+    if (properties == std::string::npos || bytes[properties] != '{') {
+        return false;
+    }
+    const std::size_t present = text.findMember(properties, "NameTemplate");
+    std::string named = bytes;
+    if (present != std::string::npos) {
+        named.replace(present, text.endOfValue(present) - present, quoted(name));  // an empty name
+    } else {
+        const bool isOnly = bytes[text.skipSpace(properties + 1)] == '}';
+        named.insert(properties + 1, "\n    \"NameTemplate\": " + quoted(name) + (isOnly ? "" : ","));
+    }
+    const PresetHeader header = PresetHeader::parse(std::string(), named);
+    if (!header.carriesName || header.name != name) {
+        return false;
+    }
+    bytes = std::move(named);
+    return true;
+}
 
 bool lysReadPresetFile(const std::string& path, std::string& bytes, LyrString& reason) {
     bytes.clear();
@@ -100,6 +183,7 @@ PresetHeader PresetHeader::parse(const std::string& path, const std::string& byt
         const LyrString carried(name.toString());
         const LyrString reason = lys::presets::checkName(carried);
         header.name = reason.isNull() ? carried : header.name;
+        header.carriesName = true;
         header.problem = reason.isNull() ? reason : LyrString(path) + LyrString(": ") + reason;
     }
     return header;

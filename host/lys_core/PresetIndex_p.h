@@ -15,6 +15,8 @@ struct PresetHeader {
     std::string baseName;
     LyrString problem;
     bool isNewer = false;
+    /** False if the name is that of the file, as the content has none. */
+    bool carriesName = false;
 
     /** Reads a file, which must be an ordinary one. */
     static PresetHeader read(const std::string& path);
@@ -25,6 +27,9 @@ struct PresetHeader {
 /** Reads a whole ordinary file of at most as many bytes as an object file may have; links are not followed. False, and
  * a reason. */
 bool lysReadPresetFile(const std::string& path, std::string& bytes, LyrString& reason);
+
+/** Writes a name into the text of a preset that has none; all other bytes stay. False if the text leaves no place. */
+bool lysInsertPresetName(std::string& bytes, const LyrString& name);
 
 /** The headers of a folder's files, read again only where a file has changed. */
 struct LyqPresetStore::Index {

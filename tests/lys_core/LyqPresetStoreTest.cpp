@@ -386,3 +386,41 @@ TEST_F(LyqPresetStoreTest, a_file_of_a_newer_version_is_taken_in_with_a_message)
     ASSERT_TRUE(store.importFile(other.file("newer.json"), false, name, message)) << message.utf8();
     EXPECT_THAT(message.utf8(), HasSubstr("newer version"));
 }
+
+TEST_F(LyqPresetStoreTest, a_file_without_a_name_is_taken_in_under_the_name_that_is_returned) {
+    std::string name21;
+    for (int i = 0; i < 21; ++i) {
+        name21 += "\u540d";
+    }
+    TemporaryFolder other;
+    const std::string head = R"({"note":"\"properties\": {","format":"lyr-object","version":)";
+    const std::string middle = R"(,"class":"PresetTestThing", "properties" : {)";
+    const std::string tail = R"("FromLater": {"NameTemplate": "x"}, "900000011":7} })";
+    for (const std::string& stem : {std::string("plain"), name21}) {
+        for (const std::string version : {"1", "2"}) {
+            const std::string wanted = stem + version;
+            other.write(wanted + ".json", head + version + middle + tail);
+            LyrString name;
+            ASSERT_TRUE(store.importFile(other.file(wanted + ".json"), false, name, message)) << message.utf8();
+            EXPECT_EQ(name, LyrString(wanted));
+            ASSERT_TRUE(store.contains(name)) << wanted;
+            EXPECT_EQ(folder.read(fileOf(name)),
+                      head + version + middle + "\n    \"NameTemplate\": \"" + wanted + "\"," + tail);
+            EXPECT_FALSE(store.importFile(other.file(wanted + ".json"), false, name, message));
+            EXPECT_TRUE(store.isNameTaken());
+        }
+    }
+}
+
+TEST_F(LyqPresetStoreTest, an_empty_name_in_a_file_is_replaced_and_an_empty_list_of_properties_gets_one) {
+    TemporaryFolder other;
+    const std::string head = R"({"format":"lyr-object","version":1,"class":"PresetTestThing","properties":)";
+    other.write("a.json", head + R"({"NameTemplate": "" , "900000011": 7}})");
+    other.write("b.json", head + "{ }}");
+    LyrString name;
+    ASSERT_TRUE(store.importFile(other.file("a.json"), false, name, message)) << message.utf8();
+    ASSERT_TRUE(store.importFile(other.file("b.json"), false, name, message)) << message.utf8();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    EXPECT_EQ(folder.read(fileOf("a")), head + R"({"NameTemplate": "a", "900000011": 7}})");
+    EXPECT_EQ(folder.read(fileOf("b")), head + "{\n    \"NameTemplate\": \"b\" }}");
+}
