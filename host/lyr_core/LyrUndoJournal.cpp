@@ -2,6 +2,7 @@
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObject.h>
+#include <lyr_core/LyrObjectUnknownData_p.h>
 #include <lyr_core/LyrUndoJournal.h>
 
 #include <algorithm>
@@ -25,11 +26,22 @@ private:
     int& mReplays;
 };
 
+std::shared_ptr<const LyrObjectUnknownData> unknownDataOf(const LyrObject& object) {
+    const LyrObjectUnknownData* data = object.getUnknownData();
+    return data ? data->shared_from_this() : nullptr;
+}
+
 }  // namespace
 
 LyrUndoJournal::Sink::~Sink() = default;
 
 bool LyrUndoStep::swap(Entry& entry) noexcept {
+    if (!entry.other) {
+        auto present = unknownDataOf(*entry.object);
+        entry.object->setUnknownData(std::move(entry.unknown));
+        entry.unknown = std::move(present);
+        return true;
+    }
     LyrProperty* property = entry.object->getProperty(entry.propertyId);
     if (!property) {
         return true;  // taken out of its object since: there is nothing to bring back
@@ -66,7 +78,7 @@ bool LyrUndoStep::redo() noexcept {
 
 bool LyrUndoStep::has(const Entry& wanted) const {
     return std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
-        return entry.object == wanted.object && entry.propertyId == wanted.propertyId;
+        return entry.object == wanted.object && entry.propertyId == wanted.propertyId && !entry.other == !wanted.other;
     });
 }
 
@@ -94,7 +106,7 @@ bool LyrUndoStep::absorb(LyrUndoStep& later) noexcept {
 bool LyrUndoStep::holdsObjectsOf(const char* module) const noexcept {
     return module && std::any_of(mEntries.begin(), mEntries.end(), [&](const Entry& entry) {
                return std::strcmp(entry.object->getMetaClass().getModule(), module) == 0 ||
-                      entry.other->holdsObjectsOf(module);
+                      (entry.other && entry.other->holdsObjectsOf(module));
            });
 }
 
@@ -215,6 +227,19 @@ bool LyrUndoJournal::addSnapshot(LyrProperty& property) noexcept {
         return true;
     } catch (...) {
         return property.emitError(Lyr::AllocationFailed);
+    }
+}
+
+bool LyrUndoJournal::addSnapshotOfUnknownData(LyrObject& object) noexcept {
+    if (!isRecording() || object.isDying() || object.getRefCount() == 0) {
+        return false;
+    }
+    try {
+        mStep->mEntries.push_back({LyrObjectPtr(&object), Lyrenum(-1), nullptr, unknownDataOf(object)});
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(&object, Lyr::AllocationFailed));
+        return false;
     }
 }
 

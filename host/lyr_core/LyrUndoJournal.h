@@ -9,6 +9,9 @@
 #include <memory>
 #include <vector>
 
+class LyrObject;
+class LyrObjectUnknownData;
+
 /** One undo step: the writes of one outermost action, in their order. */
 class LYR_CORE_EXPORT LyrUndoStep {
 public:
@@ -42,6 +45,9 @@ private:
         LyrObjectPtr object;
         Lyrenum propertyId;
         std::unique_ptr<LyrProperty::State> other;  ///< the value that a swap brings back
+        /** What a swap brings back if `other` is null: the entry then stands for no property, but for what the object's
+         * file held and this version does not know. */
+        std::shared_ptr<const LyrObjectUnknownData> unknown = nullptr;
     };
     bool has(const Entry& wanted) const;
     static bool swap(Entry& entry) noexcept;
@@ -91,6 +97,8 @@ public:
     /** Adds the present value of a property to the open action, whatever the property's flags are: for commands whose
      * undo has to restore an object whole. False if no action is open, or nobody holds the property's object. */
     bool addSnapshot(LyrProperty& property) noexcept;
+    /** The same for what the file of an object held and this version does not know. */
+    bool addSnapshotOfUnknownData(LyrObject& object) noexcept;
 
     /** Makes room for one more write, so that record() cannot fail. */
     bool reserve() noexcept;

@@ -15,8 +15,9 @@ LyrString translated(const char* text) {
 
 /** Adds what a write does not record to the open step, so that undo restores the object whole. */
 bool addSnapshots(LyrObject& object) {
+    bool done = LyrUndoJournal::instance().addSnapshotOfUnknownData(object);
     // The name exists as a property only once it has been set; a preset may bring one.
-    bool done = object.getProperty(Lyr::NameTemplate) || object.setNameTemplate("");
+    done = (object.getProperty(Lyr::NameTemplate) || object.setNameTemplate("")) && done;
     for (std::int64_t i = 0; i < object.getPropertyCount(); ++i) {
         LyrProperty& property = *object.getPropertyAt(i);
         if (property.isStored() && !property.isRecorded()) {

@@ -80,6 +80,34 @@ TEST_F(LyqPresetHandlerTest, an_application_that_fails_late_is_taken_back_whole)
     EXPECT_EQ(history.count(), 0);
 }
 
+TEST_F(LyqPresetHandlerTest,
+       what_a_file_held_beyond_this_version_comes_back_when_an_application_fails_late_or_is_undone) {
+    ASSERT_TRUE(handler->savePresetAs("a"));
+    LyrObjectPtr read;
+    LyrObjectFile::Report report;
+    ASSERT_TRUE(LyrObjectFile::read(R"({"format":"lyr-object","version":1,"class":"PresetTestThing",
+        "properties":{"FromLater":[1,2],"900000011":3}})",
+                                    read, report))
+        << report.message.utf8();
+    const auto text = [&] {
+        std::string result;
+        EXPECT_TRUE(LyrObjectFile::write(*read, result));
+        return result;
+    };
+    ASSERT_THAT(text(), HasSubstr("FromLater"));
+    handler->setApplicationObject(read.get());
+    handler->failAfterCopy = true;
+    EXPECT_FALSE(handler->applyPreset("a", Lyr::UserPreset));
+    EXPECT_THAT(text(), HasSubstr("FromLater"));
+    handler->failAfterCopy = false;
+    ASSERT_TRUE(handler->applyPreset("a", Lyr::UserPreset));
+    EXPECT_EQ(text().find("FromLater"), std::string::npos);
+    ASSERT_TRUE(LyqApplication::instance().undo());
+    EXPECT_THAT(text(), HasSubstr("FromLater"));
+    handler->setApplicationObject(thing.thing);
+    history.clear();
+}
+
 TEST_F(LyqPresetHandlerTest, properties_that_a_file_lacks_are_taken_out_of_its_object) {
     HeldThing preset(5);
     ASSERT_TRUE(handler->savePreset(preset.handle, "a", Lyr::UserPreset));

@@ -194,6 +194,30 @@ TEST_F(LyqPresetColortableHandlerTest, undo_takes_back_a_name_that_a_preset_brou
     LyqApplication::instance().undoStack().clear();
 }
 
+TEST_F(LyqPresetColortableHandlerTest, undo_brings_back_what_the_file_of_the_table_held_beyond_this_version) {
+    std::string text = textOf(*table);
+    text.insert(text.find("\"properties\": {") + 15, "\"FromLater\": [1, 2],");
+    LyrObjectPtr read;
+    LyrObjectFile::Report report;
+    ASSERT_TRUE(LyrObjectFile::read(text, read, report)) << report.message.utf8();
+    const std::string before = textOf(*read);
+    ASSERT_THAT(before, HasSubstr("FromLater"));
+    ASSERT_TRUE(handler->savePresetAs("plain"));
+    handler->setApplicationObject(read.get());
+    LyqApplication::instance().undoStack().clear();
+    ASSERT_TRUE(handler->applyPreset("plain", Lyr::UserPreset));
+    const std::string after = textOf(*read);
+    EXPECT_EQ(after.find("FromLater"), std::string::npos);
+    ASSERT_TRUE(LyqApplication::instance().undo());
+    EXPECT_EQ(textOf(*read), before);
+    ASSERT_TRUE(LyqApplication::instance().redo());
+    EXPECT_EQ(textOf(*read), after);
+    ASSERT_TRUE(LyqApplication::instance().undo());
+    EXPECT_EQ(textOf(*read), before);
+    LyqApplication::instance().undoStack().clear();
+    handler->setApplicationObject(table.get());
+}
+
 TEST_F(LyqPresetColortableHandlerTest, without_a_table_nothing_is_saved_or_applied) {
     handler->setApplicationObject(nullptr);
     EXPECT_FALSE(handler->appToPreset("a", Lyr::UserPreset));
