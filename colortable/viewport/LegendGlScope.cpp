@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
 
 namespace {
@@ -50,10 +51,10 @@ bool isFull(GLenum depth, GLenum limit) {
 
 /** What can change or suppress the fragments of a rectangle, by the version of OpenGL that brought it. */
 void resetFragments(int version) {
-    for (const GLenum capability :
-         {GL_DEPTH_TEST, GL_LIGHTING, GL_ALPHA_TEST, GL_STENCIL_TEST, GL_FOG, GL_CULL_FACE, GL_COLOR_LOGIC_OP,
-          GL_INDEX_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH, GL_SAMPLE_ALPHA_TO_COVERAGE,
-          GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE}) {
+    for (const GLenum capability : std::initializer_list<GLenum>{
+             GL_DEPTH_TEST, GL_LIGHTING, GL_ALPHA_TEST, GL_STENCIL_TEST, GL_FOG, GL_CULL_FACE, GL_COLOR_LOGIC_OP,
+             GL_INDEX_LOGIC_OP, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH,
+             GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_COVERAGE}) {
         glDisable(capability);
     }
     if (version >= 30) {
@@ -96,14 +97,16 @@ void resetExtensions() {
 void resetTextures(bool rectangles) {
     for (GLint unit = integer(GL_MAX_TEXTURE_UNITS); unit-- > 0;) {
         glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-        for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP}) {
+        for (const GLenum target :
+             std::initializer_list<GLenum>{GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP}) {
             glDisable(target);
         }
         if (rectangles) {
             glDisable(GL_TEXTURE_RECTANGLE);
         }
     }
-    for (const GLenum generation : {GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R, GL_TEXTURE_GEN_Q}) {
+    for (const GLenum generation :
+         std::initializer_list<GLenum>{GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R, GL_TEXTURE_GEN_Q}) {
         glDisable(generation);
     }
     glEnable(GL_TEXTURE_2D);
@@ -112,14 +115,16 @@ void resetTextures(bool rectangles) {
 /** Bytes go to a texture as they are: rows without gaps, colours without scale, bias and maps. */
 void resetUpload() {
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-    for (const GLenum store : {GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_UNPACK_ROW_LENGTH, GL_UNPACK_IMAGE_HEIGHT,
-                               GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_IMAGES}) {
+    for (const GLenum store : std::initializer_list<GLenum>{
+             GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_UNPACK_ROW_LENGTH, GL_UNPACK_IMAGE_HEIGHT,
+             GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_IMAGES}) {
         glPixelStorei(store, 0);
     }
-    for (const GLenum scale : {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE}) {
+    for (const GLenum scale :
+         std::initializer_list<GLenum>{GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE}) {
         glPixelTransferf(scale, 1.0f);
     }
-    for (const GLenum bias : {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS}) {
+    for (const GLenum bias : std::initializer_list<GLenum>{GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS}) {
         glPixelTransferf(bias, 0.0f);
     }
     glPixelTransferi(GL_MAP_COLOR, GL_FALSE);
@@ -268,7 +273,7 @@ void LegendGlScope::restoreLoose() {
 }
 
 void LegendGlScope::pushMatrices() {
-    for (const GLenum mode : {GL_TEXTURE, GL_MODELVIEW, GL_PROJECTION}) {
+    for (const GLenum mode : std::initializer_list<GLenum>{GL_TEXTURE, GL_MODELVIEW, GL_PROJECTION}) {
         glMatrixMode(mode);
         glPushMatrix();
         glLoadIdentity();
@@ -283,7 +288,7 @@ void LegendGlScope::popMatrices() {
     }
     mMatricesPushed = false;
     glActiveTexture(GL_TEXTURE0);
-    for (const GLenum mode : {GL_PROJECTION, GL_MODELVIEW, GL_TEXTURE}) {
+    for (const GLenum mode : std::initializer_list<GLenum>{GL_PROJECTION, GL_MODELVIEW, GL_TEXTURE}) {
         glMatrixMode(mode);
         glPopMatrix();
     }

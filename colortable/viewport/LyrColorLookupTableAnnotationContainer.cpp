@@ -117,14 +117,14 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
                 return true;  // under construction
             }
             LyrObject* owner = getObject()->getParentLink().getOwner();
-            auto* workspaceWidget = dynamic_cast<LyqWorkspaceWidget*>(owner);
-            if (!workspaceWidget) {
+            auto* widget = dynamic_cast<LyqWorkspaceWidget*>(owner);
+            if (!widget) {
                 reportWrongType(owner ? owner : getObject());
                 return true;
             }
-            LyqAnnotationGroup* group = workspaceWidget->getAnnotationGroup(Lyr::ColorLookupTableAnnotationGroup);
+            LyqAnnotationGroup* group = widget->getAnnotationGroup(Lyr::ColorLookupTableAnnotationGroup);
             if (!group) {
-                group = workspaceWidget->addAnnotationGroup(Lyr::ColorLookupTableAnnotationGroup);
+                group = widget->addAnnotationGroup(Lyr::ColorLookupTableAnnotationGroup);
             }
             for (std::size_t i = 0; group && i < view().size(); ++i) {
                 if (LyqAnnotation* annotation = asAnnotation(view()[i])) {

@@ -41,7 +41,6 @@ struct CountingIterator {
         return before;
     }
     friend bool operator==(const CountingIterator& a, const CountingIterator& b) { return a.at == b.at; }
-    friend bool operator!=(const CountingIterator& a, const CountingIterator& b) { return a.at != b.at; }
 };
 
 /** Puts this thread into the C locale while it lives: the parser passes numbers through strtod() and hands them on with

@@ -2,6 +2,7 @@
 #include <lyr_opengl/LyrGlScope_p.h>
 
 #include <cmath>
+#include <initializer_list>
 
 namespace {
 
@@ -14,9 +15,10 @@ bool hasRoom(GLenum depth, GLenum limit) {
 }
 
 void disableAll() {
-    for (const GLenum what : {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_COLOR_MATERIAL, GL_CULL_FACE, GL_FOG,
-                              GL_LIGHTING, GL_LINE_STIPPLE, GL_NORMALIZE, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE,
-                              GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_TEXTURE_1D, GL_TEXTURE_2D}) {
+    for (const GLenum what : std::initializer_list<GLenum>{
+             GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_COLOR_MATERIAL, GL_CULL_FACE, GL_FOG, GL_LIGHTING,
+             GL_LINE_STIPPLE, GL_NORMALIZE, GL_POLYGON_OFFSET_FILL, GL_POLYGON_STIPPLE, GL_SCISSOR_TEST,
+             GL_STENCIL_TEST, GL_TEXTURE_1D, GL_TEXTURE_2D}) {
         glDisable(what);
     }
 }

@@ -33,13 +33,13 @@ std::string describe(const Node& node) {
     std::string text = std::to_string(node.weight.stored()) + "|" + node.title.stored().utf8() + "|" +
                        node.getNameTemplate() + "|" + std::to_string(node.getPropertyCount());
     for (const float item : node.numbers.view()) {
-        text += " " + std::to_string(item);
+        text.append(" ").append(std::to_string(item));
     }
     for (const LyrLinkListOP* list :
          {static_cast<const LyrLinkListOP*>(&node.children), static_cast<const LyrLinkListOP*>(&node.friends)}) {
         text += "|";
         for (const LyrObject* target : targetsOf(*list)) {
-            text += " " + std::to_string(reinterpret_cast<std::uintptr_t>(target));
+            text.append(" ").append(std::to_string(reinterpret_cast<std::uintptr_t>(target)));
         }
     }
     return text + "|" + std::to_string(reinterpret_cast<std::uintptr_t>(node.owned.getTarget()));
