@@ -32,15 +32,29 @@ bool parseSize(const std::string& text, QSize& out) {
     return true;
 }
 
-/** Reads a finite number, decimal point in every locale. */
+/** Reads a finite number, decimal point in every locale. One too small for a float is 0. */
 bool parseThreshold(const std::string& text, std::optional<float>& out) {
-    float value = 0.0f;
+    double value = 0.0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !std::isfinite(value)) {
+    const auto narrow = static_cast<float>(value);
+    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !std::isfinite(narrow)) {
         return false;
     }
-    out = value;
+    out = narrow;
     return true;
+}
+
+/** An empty value is an unset variable of a script rather than a wish. */
+std::string isThere(const std::string& text) {
+    return text.empty() ? "is empty; give it a value or leave it out" : std::string();
+}
+
+/** The kind of a report follows from its name. */
+std::string isReport(const std::string& path) {
+    const QString name = QFile::decodeName(path.c_str());
+    return name.endsWith(".csv", Qt::CaseInsensitive) || name.endsWith(".json", Qt::CaseInsensitive)
+               ? std::string()
+               : "'" + path + "' must end in .csv or .json, which says what kind of report it is";
 }
 
 }  // namespace
@@ -53,9 +67,14 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
     app.add_option("--threshold", threshold, "grey value from which on the analysis sees material (default: Otsu's)")
         ->needs(wanted);
     app.add_option("--preset", preset, "apply a preset to the table of the layer in front, after the analysis");
-    app.add_option("--report", report, "write the numbers of the analysis (.csv or .json) and end")->needs(wanted);
+    auto* written = app.add_option("--report", report, "write the numbers of the analysis (.csv or .json) and end");
+    written->needs(wanted);
     app.add_option("--screenshot", screenshot, "write a picture of the window (PNG) and end");
     app.add_option("--size", size, "size of the window in pixels, as in 1280x860");
+    for (CLI::Option* option : app.get_options([](const CLI::Option* each) { return each->get_expected_max() > 0; })) {
+        option->check(isThere);
+    }
+    written->check(isReport);
     app.set_version_flag("--version", LYS_VERSION);
     try {
         app.parse(argc, argv);

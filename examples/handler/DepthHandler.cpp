@@ -8,10 +8,26 @@
 #include <lyr_core/LyrVector2.h>
 #include <lyr_opengl/LyrSceneGraphObjectNode.h>
 
+#include <algorithm>
+
 namespace {
 
 bool isOn(const LyrObject* object) {
     return lyrGetValue<Lyrenum>(object, Lyr::Rendering, 1) == 1;
+}
+
+/** When the table or one of its sections changed last; a section that changes leaves the table's own time as it is. */
+LyrTimestamp lastChange(const LyrObject* table) {
+    LyrTimestamp latest = table->getModificationTimestamp();
+    LyrValueArrayOPCache<LyrObjectLink> sections;
+    if (sections.load(table, Lyr::SectionList)) {
+        for (const LyrObjectLink& link : sections.items()) {
+            if (const LyrObject* section = link.getLink()) {
+                latest = std::max(latest, section->getModificationTimestamp());
+            }
+        }
+    }
+    return latest;
 }
 
 }  // namespace
@@ -57,5 +73,5 @@ bool DepthHandler::update(LyrColorLookupTableRenderDriver*, const LyrSceneGraph:
     entry.annotation = mAnnotation;
     entry.visible = isOn(mSettings.get()) && isOn(container);
     entries.append(entry);
-    return mTable->getModificationTimestamp() > since || mSettings->getModificationTimestamp() > since;
+    return lastChange(mTable.get()) > since || mSettings->getModificationTimestamp() > since;
 }

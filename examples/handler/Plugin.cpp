@@ -10,9 +10,11 @@
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrObjectLink.h>
 #include <lyr_core/LyrPropertyPtr.h>
+#include <lyr_core/LyrVector2.h>
 
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -28,13 +30,37 @@ std::vector<LyrClass*> renderObjects() {
     return objects;
 }
 
-/** A table from 0 to 4 mm. Nobody else holds it yet, so that undo hears nothing of its making. */
+/** Replaces a list whole. False for a property that is missing, of another type of value, or refuses. */
+template <class T>
+bool setList(LyrObject* object, Lyrenum id, std::vector<T> values) {
+    LyrValueArrayOPCache<T> list;
+    list.items() = std::move(values);
+    return list.store(object, id);
+}
+
+/** A section of one colour: one control point, at the section's beginning, for each channel. */
+LyrObjectPtr makeSection(float red, float green, float blue) {
+    const LyrObjectRefPtr section("LyrColorLookupTable::Section", Lyr::TransientScope);
+    using Points = std::vector<LyrVector2<float>>;
+    lyrSetValue<Lyrenum>(section.get(), Lyr::Type, Lyr::Constant);
+    setList(section.get(), Lyr::PointListRed, Points{{0.0f, red}});
+    setList(section.get(), Lyr::PointListGreen, Points{{0.0f, green}});
+    setList(section.get(), Lyr::PointListBlue, Points{{0.0f, blue}});
+    setList(section.get(), Lyr::PointListAlpha, Points{{0.0f, 1.0f}});
+    return section;
+}
+
+/** Too shallow below 1 mm, good up to 3 mm, too deep above. Nobody listens yet, so that undo hears nothing of it. */
 LyrObject* makeTable() {
     auto* table = new LyrColorLookupTable;
-    const float positions[] = {0.0f, 4.0f};
-    if (const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> list(table, Lyr::PositionList); list) {
-        list->initArray(0, 1, positions);
+    const LyrObjectPtr sections[] = {makeSection(0.85f, 0.25f, 0.2f), makeSection(0.25f, 0.65f, 0.35f),
+                                     makeSection(0.2f, 0.45f, 0.85f)};
+    std::vector<LyrObjectLink> links;
+    for (const LyrObjectPtr& section : sections) {
+        links.emplace_back(section.get(), nullptr, -1);
     }
+    setList(table, Lyr::PositionList, std::vector<float>{1.0f, 3.0f});
+    setList(table, Lyr::SectionList, std::move(links));
     lyrSetValue<Lyrenum>(table, Lyr::Quantity, Lyr::Length);
     return table;
 }

@@ -14,6 +14,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLoggingCategory>
 #include <QMouseEvent>
 #include <QResizeEvent>
 #include <QSurfaceFormat>
@@ -75,12 +76,14 @@ bool contains(const std::vector<LyrObjectLink>& links, const LyrObjectLink& link
     return std::find(links.begin(), links.end(), link) != links.end();
 }
 
+Q_LOGGING_CATEGORY(sViews, "lys.views")
+
 /** Tells on the log, once for each text. */
 void logOnce(const QString& text) {
     static QString last;
     if (text != last) {
         last = text;
-        qWarning("%s", qUtf8Printable(text));
+        qCWarning(sViews, "%s", qUtf8Printable(text));
     }
 }
 

@@ -21,7 +21,8 @@ class ViewScene;
  *
  *  What a view shows is prepared in one posted event for all changes since the last one, and drawn only if something
  * has to be drawn anew. A preparation in which a driver reported a change is followed by another one, four at most.
- * Where there is no OpenGL with fixed functions, the view says so in words and makes no drivers. */
+ * Where there is no OpenGL with fixed functions, the view says so in words and makes no drivers. The log says it in
+ * the category "lys.views". */
 class LYS_CORE_EXPORT LyqCameraWidget : public LyqWorkspaceWidget {
     Q_OBJECT
 

@@ -94,6 +94,29 @@ QVariant total(const LyqReport& report, const QString& id) {
 
 }  // namespace
 
+TEST(AnalysisReport, a_name_that_says_no_kind_of_report_is_refused_before_anything_is_opened) {
+    for (const char* name : {"r.txt", "r", "csv", "r.json.gz"}) {
+        const Ended ended = run({"/there/is/no/volume.nrrd", "--analysis", "defect-volume", "--report", name}, false);
+        EXPECT_EQ(ended.status, 2) << name;
+        EXPECT_TRUE(ended.errors.contains("--report")) << ended.errors.toStdString();
+        EXPECT_FALSE(ended.errors.contains("volume.nrrd")) << ended.errors.toStdString();
+    }
+}
+
+TEST(AnalysisReport, numbers_alone_are_written_without_a_word) {
+    const QTemporaryDir folder;
+    const QString report = folder.filePath("r.csv");
+    const Ended ended =
+        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.5", "--report", report}, false);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_FALSE(ended.errors.contains("views")) << ended.errors.toStdString();
+    EXPECT_FALSE(content(report).isEmpty());
+    EXPECT_EQ(
+        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "1e-50", "--report", report}, false)
+            .status,
+        0);
+}
+
 TEST(AnalysisReport, every_pore_of_the_casting_is_in_the_report_with_its_volume_and_in_the_picture) {
     const QTemporaryDir folder;
     const QString report = folder.filePath("defects.json");

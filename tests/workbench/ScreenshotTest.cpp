@@ -78,6 +78,25 @@ TEST(Screenshot, wrong_usage_is_status_2_and_says_why) {
     EXPECT_EQ(run({"--help"}).status, 0);
 }
 
+TEST(Screenshot, a_value_that_is_empty_is_wrong_usage) {
+    for (const char* option : {"--analysis", "--preset", "--report", "--screenshot", "--size", "--threshold"}) {
+        const Ended ended =
+            run({"builtin:casting@16", "--analysis", "defect-volume", "--report", "/there/is/no/r.csv", option, ""});
+        EXPECT_EQ(ended.status, 2) << option;
+        EXPECT_TRUE(ended.errors.contains(option)) << ended.errors.toStdString();
+    }
+    EXPECT_EQ(run({""}, false).status, 2);
+}
+
+TEST(Screenshot, without_a_display_the_picture_is_drawn_under_a_virtual_one) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("a window.png");
+    const Ended ended = run({"builtin:casting@16", "--screenshot", file, "--size", "900x700"}, false);
+    EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
+    EXPECT_EQ(QImage(file).size(), QSize(900, 700));
+    EXPECT_EQ(run({"/there/is/no/volume.nrrd", "--screenshot", file}, false).status, 2);
+}
+
 TEST(Screenshot, without_a_display_it_says_how_to_have_one) {
     const Ended ended = run({}, false);
     EXPECT_EQ(ended.status, 2);

@@ -8,8 +8,14 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QLoggingCategory>
+
+#include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -20,6 +26,20 @@ void say(const QString& message) {
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+/** Starts the program once more under a virtual display, in the place of this process. Returns where there is none. */
+void continueUnderVirtualDisplay(char** argv, const workbench::Options& options) {
+    const QSize screen = options.size.expandedTo({1600, 1200});
+    const QByteArray arguments = QString("-screen 0 %1x%2x24").arg(screen.width()).arg(screen.height()).toLatin1();
+    std::error_code error;
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe", error).string();
+    std::vector<const char*> words = {"xvfb-run", "-a", "-s", arguments.constData(), program.c_str()};
+    for (char** each = argv + 1; *each; ++each) {
+        words.push_back(*each);
+    }
+    words.push_back(nullptr);
+    execvp(words[0], const_cast<char* const*>(words.data()));
 }
 
 int runWindow(const workbench::Options& options, const QStringList& problems) {
@@ -60,8 +80,12 @@ int main(int argc, char** argv) {
         return status;
     }
     if (!hasDisplay() && options.screenshot.isEmpty() && !options.report.isEmpty()) {
-        // Numbers need no display.
+        // Numbers need no display, and nobody sees the views.
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        QLoggingCategory::setFilterRules("lys.views.warning=false");
+    }
+    if (!hasDisplay() && !options.screenshot.isEmpty()) {
+        continueUnderVirtualDisplay(argv, options);
     }
     if (!hasDisplay()) {
         say("there is no display. Without one, run it under a virtual display:\n"

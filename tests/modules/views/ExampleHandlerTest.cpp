@@ -82,7 +82,7 @@ TEST_F(ExampleHandler, shows_its_legend_in_views_that_are_open_and_in_later_ones
         const LyrObject* table = lyrGetValue(legends[0], Lyr::Object, LyrObjectLink()).getLink();
         LyrValueArrayOPCache<float> positions;
         ASSERT_TRUE(positions.load(table, id("PositionList")));
-        EXPECT_EQ(positions.items(), (std::vector<float>{0.0f, 4.0f}));
+        EXPECT_EQ(positions.items(), (std::vector<float>{1.0f, 3.0f}));
         const LyrObject* settings =
             lyrGetValue(legends[0], id("ColorLookupTableRenderSettings"), LyrObjectLink()).getLink();
         EXPECT_EQ(lyrGetValue<Lyrenum>(settings, Lyr::Position, Lyr::Left), Lyr::Right);
@@ -102,6 +102,29 @@ TEST_F(ExampleHandler, takes_its_legend_back_from_a_view_that_stays_open) {
     EXPECT_FALSE(process::maps(EXAMPLE_MODULE));
     ASSERT_TRUE(loader.cleanup());
     ASSERT_TRUE(loader.unload()) << loader.message;
+}
+
+TEST_F(ExampleHandler, has_its_legend_drawn_anew_when_a_section_alone_is_changed) {
+    View slice = makeView("LyqSliceWidget");
+    ASSERT_TRUE(loader.init(EXAMPLE));
+    {
+        NoContext surface;
+        LyrSceneGraph::ViewScene scene(static_cast<const LyqCameraWidget&>(*slice).camera());
+        scene.setSurface(&surface);
+        EXPECT_TRUE(scene.prepare().changed);
+        EXPECT_FALSE(scene.prepare().changed);
+        const LyrObject* table = lyrGetValue(legendsIn(slice).at(0), Lyr::Object, LyrObjectLink()).getLink();
+        LyrValueArrayOPCache<LyrObjectLink> sections;
+        ASSERT_TRUE(sections.load(table, id("SectionList")));
+        ASSERT_EQ(sections.items().size(), 3u);
+        LyrValueArrayOPCache<LyrVector2<float>> red;
+        red.items().emplace_back(0.0f, 0.5f);
+        ASSERT_TRUE(red.store(sections.items()[1].getLink(), id("PointListRed")));
+        EXPECT_TRUE(scene.prepare().changed);
+        EXPECT_FALSE(scene.prepare().changed);
+    }
+    slice.reset();
+    unloadAll();
 }
 
 TEST_F(ExampleHandler, leaves_no_undo_step_behind) {
