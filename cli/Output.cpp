@@ -3,6 +3,8 @@
 #include "Failure.h"
 #include "Process.h"
 
+#include <lyr_core/LyrFileSaver.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,6 +39,11 @@ bool writeAll(int file, std::span<const std::byte> bytes) {
 std::string resolved(const std::string& path) {
     const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
     return real ? real.get() : path;
+}
+
+/** With its slash; empty for the working directory. */
+std::string folderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
 }
 
 /** The permissions that a new file gets by the user's setting. */
@@ -76,6 +83,7 @@ Output::Output(Output&& other) noexcept
     : mName(std::move(other.mName)),
       mTarget(std::move(other.mTarget)),
       mTemporary(std::exchange(other.mTemporary, {})),
+      mWork(std::move(other.mWork)),
       mFile(std::move(other.mFile)),
       mKind(other.mKind),
       mPlace(other.mPlace),
@@ -96,14 +104,17 @@ void Output::fail(const std::string& reason) const {
 }
 
 void Output::openBeside() {
-    const std::size_t slash = mTarget.rfind('/');
-    std::string name =
-        (slash == std::string::npos ? std::string() : mTarget.substr(0, slash + 1)) + ".colortable-XXXXXX";
-    mFile = Descriptor(mkostemp(name.data(), O_CLOEXEC));
+    LyrFileSaver::sweepBeside(mTarget);
+    mWork = WorkFolder::inside(folderOf(mTarget));
+    if (!mWork) {
+        failBecauseOfSystem();
+    }
+    std::string name = mWork->nextPath();
+    mFile = Descriptor(open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!mFile.isOpen()) {
         failBecauseOfSystem();
     }
-    mTemporary = name;
+    mTemporary = std::move(name);
     if (fchmod(mFile.number(), mMode) != 0) {
         fail(systemReason());
     }
@@ -116,6 +127,11 @@ void Output::openNameless() {
         if (folder.empty()) {
             continue;
         }
+        mFile = Descriptor(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+        if (mFile.isOpen()) {
+            return;
+        }
+        // Not every file system has files without a name.
         std::string name = folder + "/.colortable-XXXXXX";
         mFile = Descriptor(mkostemp(name.data(), O_CLOEXEC));
         if (mFile.isOpen()) {

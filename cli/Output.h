@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Descriptor.h"
+#include "WorkFolder.h"
 
 #include <sys/types.h>
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,9 +14,10 @@
 
 namespace lys::cli {
 
-/** The bytes of one output. Nothing is seen of them until commit(): they wait in a temporary file beside the target,
- * or, for standard output, devices and pipes, in a nameless one, so that any amount takes no memory. What was not
- * committed leaves no trace.
+/** The bytes of one output. Nothing is seen of them until commit(): they wait in a hidden folder beside the target, or,
+ * for standard output, devices and pipes, in a nameless file, so that any amount takes no memory. What was not
+ * committed leaves no trace; what a process that was killed has left goes when the next one opens an output in the same
+ * folder.
  *
  *  Every operation throws Failure (Failed) with the target and the reason. */
 class Output {
@@ -49,6 +52,7 @@ private:
     std::string mName;       // as the user gave it
     std::string mTarget;     // with links resolved
     std::string mTemporary;  // empty when there is none
+    std::shared_ptr<WorkFolder> mWork;
     Descriptor mFile;
     Kind mKind = Kind::File;
     Place mPlace = Place::Temporary;

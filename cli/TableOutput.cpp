@@ -2,7 +2,9 @@
 
 #include "Failure.h"
 #include "Output.h"
+#include "WorkFolder.h"
 
+#include <lyr_core/LyrFileSaver.h>
 #include <lyr_core/LyrObjectFile.h>
 
 namespace lys::cli {
@@ -17,6 +19,8 @@ void writeObject(const LyrObject& object, const std::string& path) {
         printText(text);
         return;
     }
+    LyrFileSaver::sweepBeside(path);
+    WorkFolder::sweep(path.substr(0, path.rfind('/') + 1));
     LyrObjectFile::Report report;
     if (!LyrObjectFile::save(object, path, report)) {
         throwFailed(report.message.utf8());

@@ -1,3 +1,4 @@
+#include <lyr_core/LyrFileSaver.h>
 #include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrUndoJournal.h>
 #include <lys_core/LyqApplication.h>
@@ -110,7 +111,9 @@ bool ContentFiles::open(const LyqLayer::Content& content, const QString& file, Q
 
 bool ContentFiles::save(const LyqLayer::Content& content, const QString& file, QString& message) {
     LyrObjectFile::Report report;
-    if (!LyrObjectFile::save(*content.object, QFile::encodeName(file).toStdString(), report)) {
+    const std::string path = QFile::encodeName(file).toStdString();
+    LyrFileSaver::sweepBeside(path);
+    if (!LyrObjectFile::save(*content.object, path, report)) {
         message = toQString(report.message);
         return false;
     }

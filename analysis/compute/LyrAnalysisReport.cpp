@@ -159,6 +159,7 @@ bool saveReport(const std::string& path, std::string& error, const Make& make) {
     try {
         const std::string content = asJson ? make().json() : make().csv();
         LyrString message;
+        LyrFileSaver::sweepBeside(path);
         if (!LyrFileSaver::replace(path, content, &message)) {
             error = message.utf8();
             return false;

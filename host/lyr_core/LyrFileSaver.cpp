@@ -67,6 +67,28 @@ bool flush(int file, bool isFolder) noexcept {
     return result == 0 || (isFolder && errno == EINVAL);
 }
 
+/** Follows symbolic links to the file that they lead to, which need not exist. Gives 0 or an error. */
+int followLinks(std::string& path) {
+    constexpr int mostLinks = 40;  // as the system itself allows
+    for (int i = 0; i <= mostLinks; ++i) {
+        std::string link(4096, '\0');
+        const ssize_t length = ::readlink(path.c_str(), link.data(), link.size());
+        if (length < 0) {
+            return errno == EINVAL || errno == ENOENT ? 0 : errno;
+        }
+        link.resize(static_cast<std::size_t>(length));
+        const auto slash = path.rfind('/');
+        const bool isRelative = !link.starts_with('/') && slash != std::string::npos;
+        path = isRelative ? path.substr(0, slash + 1) + link : link;
+    }
+    return ELOOP;
+}
+
+std::string folderOf(const std::string& path) {
+    const auto slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
 /** One replacement of one file. Whatever it has left behind when it ends is removed. */
 class Replacement {
 public:
@@ -95,32 +117,18 @@ private:
         return false;
     }
 
-    /** Follows symbolic links to the file that they lead to, which need not exist. */
     bool findTarget() {
         if (mPath.find('\0') != std::string::npos) {
             return fail("the path holds the character 0");
         }
         std::string target = mPath;
-        constexpr int mostLinks = 40;  // as the system itself allows
-        for (int i = 0; i <= mostLinks; ++i) {
-            std::string link(4096, '\0');
-            const ssize_t length = ::readlink(target.c_str(), link.data(), link.size());
-            if (length < 0) {
-                return errno == EINVAL || errno == ENOENT ? splitPath(target)
-                                                          : fail("the path cannot be followed", errno);
-            }
-            link.resize(static_cast<std::size_t>(length));
-            const auto slash = target.rfind('/');
-            const bool isRelative = !link.starts_with('/') && slash != std::string::npos;
-            target = isRelative ? target.substr(0, slash + 1) + link : link;
-        }
-        return fail("the path cannot be followed", ELOOP);
+        const int error = followLinks(target);
+        return error == 0 ? splitPath(target) : fail("the path cannot be followed", error);
     }
 
     bool splitPath(const std::string& target) {
-        const auto slash = target.rfind('/');
-        mFolderName = slash == std::string::npos ? "." : target.substr(0, slash + 1);
-        mName = slash == std::string::npos ? target : target.substr(slash + 1);
+        mFolderName = folderOf(target);
+        mName = target.substr(target.rfind('/') + 1);  // all of it where there is no slash
         return (!mName.empty() && mName != "." && mName != "..") || fail("the path names no file");
     }
 
@@ -328,4 +336,13 @@ int LyrFileSaver::sweepLeftovers(const std::string& folder) {
         }
     }
     return count;
+}
+
+int LyrFileSaver::sweepBeside(const std::string& path) {
+    try {
+        std::string target = path;
+        return followLinks(target) == 0 ? sweepLeftovers(folderOf(target)) : 0;
+    } catch (...) {
+        return 0;  // without memory: a later sweep finds them
+    }
 }

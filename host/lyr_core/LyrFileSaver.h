@@ -25,4 +25,6 @@ public:
      * lives, and never is a leftover put in the place of a file. For the start of a program. Returns how many files
      * were removed. */
     static int sweepLeftovers(const std::string& folder);
+    /** The same for the folder in which replace() would make a file: before one is saved. */
+    static int sweepBeside(const std::string& path);
 };

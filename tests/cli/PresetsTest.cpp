@@ -103,7 +103,9 @@ TEST_F(Presets, presets_are_renamed_deleted_exported_and_imported) {
     ASSERT_EQ(run({"presets", "export", "b", "-o", copy}).status, 0);
     EXPECT_EQ(readBytes(copy), readBytes(onlyFile()));
     EXPECT_EQ(run({"presets", "export", "b", "-o", "-"}).out, readBytes(copy));
-    EXPECT_EQ(run({"presets", "import", copy}).status, 1) << "the name is taken";
+    const ProgramRun taken = run({"presets", "import", copy});
+    EXPECT_EQ(taken.status, 1);
+    EXPECT_THAT(taken.error, HasSubstr(copy + ": There is a preset \"b\" already. --replace replaces it."));
     EXPECT_EQ(run({"presets", "import", "--replace", copy}).status, 0);
     EXPECT_EQ(run({"presets", "delete", "b"}).status, 0);
     EXPECT_EQ(run({"presets", "import", copy}).status, 0);

@@ -211,6 +211,21 @@ TEST(LyrFileSaver, sweeps_leftovers_of_the_dead_and_nothing_else) {
     EXPECT_EQ(LyrFileSaver::sweepLeftovers(folder.file("none")), 0);
 }
 
+TEST(LyrFileSaver, sweeps_beside_the_file_that_a_path_leads_to) {
+    const TemporaryFolder folder;
+    const TemporaryFolder target;
+    std::filesystem::create_symlink(target.file("a"), folder.file("link"));
+    for (const TemporaryFolder* one : {&folder, &target}) {
+        one->write(".lyr-save-1-2.tmp", "debris");
+    }
+    EXPECT_EQ(LyrFileSaver::sweepBeside(folder.file("link")), 1);
+    EXPECT_EQ(folder.names(), (Names{".lyr-save-1-2.tmp", "link"}));
+    EXPECT_EQ(target.names(), Names{});
+    EXPECT_EQ(LyrFileSaver::sweepBeside(folder.file("new")), 1);
+    EXPECT_EQ(LyrFileSaver::sweepBeside(folder.file("none/new")), 0);
+    EXPECT_EQ(folder.names(), Names{"link"});
+}
+
 TEST(LyrFileSaver, does_not_sweep_what_is_locked_nor_what_is_no_file) {
     const TemporaryFolder folder;
     folder.write("a", "content");

@@ -2,6 +2,7 @@
 
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
+#include <sys/uio.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,9 +10,10 @@
 #include <csignal>
 #include <functional>
 #include <set>
+#include <string>
 
 /** Runs an operation in a process of its own and stops it before and after each of its system calls, to kill it there
- * or to make the call fail. */
+ * or to make the call fail. An operation may become another program. */
 class TracedProcess {
 public:
     enum Outcome { Succeeded = 0, FailedWithMessage = 1, FailedSilently = 2, Killed = 3, NotTraced = 4, Broken = 5 };
@@ -21,6 +23,21 @@ public:
         long call = 0;  ///< the number of the system call (SYS_write, …)
         int index = 0;  ///< the how manieth it is
         bool isEntry = false;
+        unsigned long arguments[3] = {};
+        pid_t process = -1;
+
+        /** The text that an argument points to, as far as it can be read; empty if it is no pointer. */
+        std::string text(int argument) const {
+            std::string result(256, '\0');
+            iovec here{result.data(), result.size()};
+            iovec there{reinterpret_cast<void*>(arguments[argument]), result.size()};
+            // What lies before the end of a page may be all that can be read.
+            const auto room = 4096 - arguments[argument] % 4096;
+            there.iov_len = room < result.size() ? room : result.size();
+            const ssize_t count = arguments[argument] < 4096 ? -1 : ::process_vm_readv(process, &here, 1, &there, 1, 0);
+            result.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+            return result.substr(0, result.find('\0'));
+        }
     };
     /** What is to happen at a stop. */
     struct Action {
@@ -108,7 +125,8 @@ private:
         } else if (call == SYS_getppid) {
             mMarkers += isEntry ? 0 : 1;
         } else if (mMarkers == 1 && isFileCall(call)) {
-            const Action action = mDecide({call, mIndex, isEntry});
+            const Action action =
+                mDecide({call, mIndex, isEntry, {registers.rdi, registers.rsi, registers.rdx}, mChild});
             mIndex += isEntry ? 0 : 1;
             act(action, isEntry, registers);
         }

@@ -172,6 +172,14 @@ TEST(LyrAnalysisReport, is_saved_as_its_name_ends) {
     ASSERT_TRUE(LyrAnalysisReport::save(folder / "t.csv", thickness(), error)) << error;
 }
 
+TEST(LyrAnalysisReport, takes_away_what_a_program_that_was_killed_as_it_saved_has_left) {
+    const Folder folder;
+    std::ofstream(folder / ".lyr-save-1-2.tmp") << "debris";
+    std::string error;
+    ASSERT_TRUE(LyrAnalysisReport::save(folder / "r.csv", defects(), error)) << error;
+    EXPECT_FALSE(fs::exists(folder / ".lyr-save-1-2.tmp"));
+}
+
 TEST(LyrAnalysisReport, that_cannot_be_written_is_a_message) {
     const Folder folder;
     std::string error;
