@@ -151,21 +151,26 @@ void LyqPresetDefaultHandler::follow(const LyrString& from, const LyrString& to)
 
 bool LyqPresetDefaultHandler::renamePreset(const LyrString& from, const LyrString& to) {
     LyrString message;
-    const bool done = store(Lyr::UserPreset)->rename(from, to, message);
-    setMessage(message);
-    if (done) {
+    LyqPresetStore& presets = *store(Lyr::UserPreset);
+    const bool wasThere = presets.contains(from);
+    const bool done = presets.rename(from, to, message);
+    // The old name may be gone though that was not written down for good.
+    if (done || (wasThere && !presets.contains(from))) {
         follow(from, to);
     }
+    setMessage(message);
     return done;
 }
 
 bool LyqPresetDefaultHandler::removePreset(const LyrString& name) {
     LyrString message;
-    const bool done = store(Lyr::UserPreset)->remove(name, message);
-    setMessage(message);
-    if (done) {
+    LyqPresetStore& presets = *store(Lyr::UserPreset);
+    const bool wasThere = presets.contains(name);
+    const bool done = presets.remove(name, message);
+    if (done || (wasThere && !presets.contains(name))) {
         follow(name, LyrString());
     }
+    setMessage(message);
     return done;
 }
 

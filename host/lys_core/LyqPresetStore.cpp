@@ -10,22 +10,21 @@
 
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <map>
-#include <set>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 namespace {
 
 constexpr auto LOCK_PATIENCE = std::chrono::seconds(30);
-constexpr auto LOCK_PAUSE = std::chrono::microseconds(200);
+constexpr auto LOCK_PAUSE = std::chrono::milliseconds(1);
 /** Long enough for those who wait to see that it is their turn: one that saves again and again shuts nobody out. */
-constexpr auto TURN_OF_OTHERS = std::chrono::milliseconds(1);
+constexpr auto TURN_OF_OTHERS = std::chrono::milliseconds(2);
 
 LyrString translated(const char* text) {
     return QCoreApplication::translate("LyqPresetStore", text);
@@ -54,6 +53,10 @@ bool flushFolder(const std::string& path, LyrString& message) {
                                                                             "%1: the folder cannot be flushed to the "
                                                                             "disk: %2")),
                                                path, error));
+}
+
+LyqPresetStore::Entry entryOf(const std::string& path, const PresetHeader& header) {
+    return {header.name, path, header.problem, header.isNewer};
 }
 
 /** Makes bytes the content of a file, but not of one of a newer version. */
@@ -128,50 +131,49 @@ LyrString LyqPresetStore::checkName(const LyrString& name) {
     return lys::presets::checkName(name);
 }
 
-// Of several files with one name the first by file name counts that can be used; the others come to light when it goes.
 std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) const {
-    std::error_code error;
-    std::set<std::string> paths;
-    std::filesystem::directory_iterator entries(mFolder, error);
-    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
-        const std::string name = entries->path().filename().string();
-        if (name.ends_with(".json") && !name.starts_with('.')) {
-            paths.insert(entries->path().string());
-        }
-    }
+    const std::error_code error = mIndex->scan(mFolder, true);
     if (error && error != std::errc::no_such_file_or_directory && message) {
-        *message = translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be read: %2"))
-                       .arg({LyrString(mFolder), LyrString(error.message())});
+        *message = systemMessage(translated(QT_TRANSLATE_NOOP("LyqPresetStore", "%1: the folder cannot be read: %2")),
+                                 mFolder, error.value());
     }
-    std::map<LyrString, Entry> named;
-    for (const std::string& path : paths) {
-        const std::optional<PresetHeader> header = mIndex->headerOf(path);
-        if (!header || !header->isOf(mClass)) {
+    // The others of one name come to light when the first one goes.
+    std::map<LyrString, std::pair<int, Entry>> named;
+    for (const auto& [path, known] : mIndex->files) {
+        const PresetHeader& header = known.header;
+        if (!header.isOf(mClass)) {
             continue;
         }
-        const auto [twin, isFirst] =
-            named.try_emplace(header->name, Entry{header->name, path, header->problem, header->isNewer});
-        if (!isFirst && !twin->second.problem.isNull() && header->problem.isNull()) {
-            twin->second = {header->name, path, header->problem, header->isNewer};
+        const auto [twin, isFirst] = named.try_emplace(header.name, known.rank(), entryOf(path, header));
+        if (!isFirst && known.rank() < twin->second.first) {
+            twin->second = {known.rank(), entryOf(path, header)};
         }
     }
     std::vector<Entry> result;
-    for (auto& [name, entry] : named) {
-        result.push_back(std::move(entry));
+    for (auto& [name, ranked] : named) {
+        result.push_back(std::move(ranked.second));
     }
-    std::erase_if(mIndex->files, [&](const auto& known) { return !paths.contains(known.first); });
     return result;
 }
 
+// What list() would find, without a look at every file where that can be avoided.
 bool LyqPresetStore::find(const LyrString& name, Entry& entry) const {
-    const std::vector<Entry> entries = list();
-    const auto found = std::lower_bound(entries.begin(), entries.end(), name,
-                                        [](const Entry& e, const LyrString& n) { return e.name < n; });
-    if (found == entries.end() || found->name != name) {
-        return false;
+    const std::string usual = mFolder + '/' + lys::presets::fileNameOf(name);
+    const Index::Known* best = mIndex->examine(usual);
+    if (best && best->rank() == 0 && best->header.name == name && best->header.isOf(mClass)) {
+        entry = entryOf(usual, best->header);
+        return true;
     }
-    entry = *found;
-    return true;
+    best = nullptr;
+    mIndex->scan(mFolder, false);
+    for (const auto& [path, known] : mIndex->files) {
+        const bool isCandidate = known.header.name == name && known.header.isOf(mClass);
+        if (isCandidate && (!best || known.rank() < best->rank())) {
+            best = &known;
+            entry = entryOf(path, known.header);
+        }
+    }
+    return best;
 }
 
 bool LyqPresetStore::contains(const LyrString& name) const {
@@ -220,19 +222,19 @@ bool LyqPresetStore::mayChange(LyrString& message) const {
                                        .arg({LyrString(mFolder), LyrString(error.message())}));
 }
 
-/** The file that a preset is to be written to; empty, and a message, if it must not be. To be called under the lock. */
-std::string LyqPresetStore::targetFor(const LyrString& name, LyrString& message) const {
-    Entry present;
-    if (find(name, present)) {
+/** The file that a preset is to be written to, given the one that has its name (may be null); empty, and a message, if
+ * it must not be written. To be called under the lock. */
+std::string LyqPresetStore::targetFor(const LyrString& name, const Entry* present, LyrString& message) const {
+    if (present) {
         struct stat status {};
-        if (::lstat(present.path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) {
+        if (::lstat(present->path.c_str(), &status) == 0 && S_ISLNK(status.st_mode)) {
             message = translated(QT_TRANSLATE_NOOP("LyqPresetStore",
                                                    "%1: this is a link, which presets are not written through; delete "
                                                    "it first"))
-                          .arg(LyrString(present.path));
+                          .arg(LyrString(present->path));
             return {};
         }
-        return present.path;
+        return present->path;
     }
     const std::string path = mFolder + '/' + lys::presets::fileNameOf(name);
     struct stat status {};
@@ -256,10 +258,12 @@ bool LyqPresetStore::save(LyrObject& preset, const LyrString& name, LyrString& m
     if (!message.isNull() || !mayChange(message) || !lock.take(mFolder, message)) {
         return false;
     }
-    if (!replace && contains(name)) {
+    Entry present;
+    const bool isThere = find(name, present);
+    if (isThere && !replace) {
         return refuseTaken(name, message);
     }
-    const std::string path = targetFor(name, message);
+    const std::string path = targetFor(name, isThere ? &present : nullptr, message);
     if (path.empty() || !preset.setNameTemplate(name.utf8())) {
         return false;
     }
@@ -297,7 +301,7 @@ bool LyqPresetStore::rename(const LyrString& from, const LyrString& to, LyrStrin
     for (const Lyrenum missing : report.missing) {
         preset->removeProperty(missing);
     }
-    const std::string path = targetFor(to, message);
+    const std::string path = targetFor(to, nullptr, message);
     if (path.empty() || !preset->setNameTemplate(to.utf8())) {
         return false;
     }
@@ -387,10 +391,12 @@ bool LyqPresetStore::importFile(const std::string& path, bool replace, LyrString
     if (!isUsable || !mayChange(message) || !lock.take(mFolder, message)) {
         return false;
     }
-    if (!replace && contains(name)) {
+    Entry present;
+    const bool isThere = find(name, present);
+    if (isThere && !replace) {
         return refuseTaken(name, message);
     }
-    const std::string target = targetFor(name, message);
+    const std::string target = targetFor(name, isThere ? &present : nullptr, message);
     if (target.empty() || !replaceFile(target, incoming.bytes, message)) {
         return false;
     }
@@ -413,5 +419,6 @@ bool LyqPresetStore::contentOf(const LyrString& name, std::string& bytes, LyrStr
 
 bool LyqPresetStore::exportFile(const LyrString& name, const std::string& path, LyrString& message) const {
     std::string bytes;
+    LyrFileSaver::sweepBeside(path);
     return contentOf(name, bytes, message) && replaceFile(path, bytes, message);
 }

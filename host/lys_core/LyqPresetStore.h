@@ -10,8 +10,9 @@
 #include <vector>
 
 /** The presets of one class in one folder, an object file each. A preset's name is the naming template of its object;
- * a file without one is named after itself. Any number of processes may use a folder at once: changes are made under a
- * lock on the folder, which ends with its process.
+ * a file without one is named after itself. Of several files with one name the one that a store would make counts,
+ * then the first by file name, but those that can be used before all others. Any number of processes may use a folder
+ * at once: changes are made under a lock on the folder, which ends with its process.
  *
  *  Symbolic links in the folder are neither read nor written through, and files of other classes are left alone. What
  * cannot be read stays as it is until somebody deletes it, or saves under its name. */
@@ -81,7 +82,7 @@ private:
     bool refuseTaken(const LyrString& name, LyrString& message);
     bool mayChange(LyrString& message) const;
     bool find(const LyrString& name, Entry& entry) const;
-    std::string targetFor(const LyrString& name, LyrString& message) const;
+    std::string targetFor(const LyrString& name, const Entry* present, LyrString& message) const;
     LyrObjectPtr loadEntry(const Entry& entry, LyrObjectFile::Report& report, Lyrenum scope) const;
 
     std::string mFolder;

@@ -2,6 +2,7 @@
 #include <lys_core/PresetFileName_p.h>
 #include <lys_core/PresetIndex_p.h>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -15,6 +16,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 
 namespace {
@@ -46,6 +48,10 @@ bool drain(int file, std::string& bytes) {
         }
     }
 }
+
+struct CloseFolder {
+    void operator()(DIR* folder) const noexcept { ::closedir(folder); }
+};
 
 /** Finds its way in a text that is known to be JSON. */
 class JsonText {
@@ -201,17 +207,58 @@ bool LyqPresetStore::Index::Known::isStillTrue(const struct stat& now) const {
     return inode == now.st_ino && size == now.st_size && isSame(modified, now.st_mtim) && isSame(changed, now.st_ctim);
 }
 
-std::optional<PresetHeader> LyqPresetStore::Index::headerOf(const std::string& path) {
+int LyqPresetStore::Index::Known::rank() const {
+    return !header.problem.isNull() ? 2 : isNamedAfterPreset ? 0 : 1;
+}
+
+const LyqPresetStore::Index::Known* LyqPresetStore::Index::examine(const std::string& path) {
     struct stat now {};
     if (::lstat(path.c_str(), &now) != 0) {
         files.erase(path);
-        return std::nullopt;
-    }
-    const auto found = files.find(path);
-    if (found != files.end() && found->second.isStillTrue(now)) {
-        return found->second.header;
+        return nullptr;
     }
     Known& known = files[path];
-    known = {now.st_ino, now.st_size, now.st_mtim, now.st_ctim, PresetHeader::read(path)};
-    return known.header;
+    if (!known.isStillTrue(now)) {
+        known.inode = now.st_ino;
+        known.size = now.st_size;
+        known.modified = now.st_mtim;
+        known.changed = now.st_ctim;
+        known.header = PresetHeader::read(path);
+        known.isNamedAfterPreset =
+            known.header.carriesName && path.ends_with('/' + lys::presets::fileNameOf(known.header.name));
+    }
+    return &known;
+}
+
+std::error_code LyqPresetStore::Index::scan(const std::string& folder, bool thorough) {
+    ++mScan;
+    errno = 0;
+    const std::unique_ptr<DIR, CloseFolder> open(::opendir(folder.c_str()));
+    int error = errno;
+    while (open) {
+        errno = 0;
+        const dirent* entry = ::readdir(open.get());
+        if (!entry) {
+            error = errno;
+            break;
+        }
+        const std::string_view name = entry->d_name;
+        if (!name.ends_with(".json") || name.starts_with('.')) {
+            continue;
+        }
+        std::string path = folder;
+        path.append("/").append(name);
+        const auto found = files.find(path);
+        Known* known = found == files.end() ? nullptr : &found->second;
+        const bool isTrusted = known && known->isNamedAfterPreset && known->listedInode == entry->d_ino;
+        if (thorough || !isTrusted) {
+            known = examine(path) ? &files[path] : nullptr;
+        }
+        if (known) {
+            known->listedInode = entry->d_ino;
+            known->scan = mScan;
+        }
+    }
+    std::erase_if(files, [this](const auto& known) { return known.second.scan != mScan; });
+    return std::error_code(error, std::generic_category());
 }

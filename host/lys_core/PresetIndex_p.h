@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 
 #include <map>
-#include <optional>
 #include <string>
+#include <system_error>
 
 /** What a preset's file says about itself: read without making objects. */
 struct PresetHeader {
@@ -39,11 +39,25 @@ struct LyqPresetStore::Index {
         timespec modified{};
         timespec changed{};
         PresetHeader header;
+        /** The file has the name that a store gives to the preset in it. */
+        bool isNamedAfterPreset = false;
+        ino_t listedInode = 0;  ///< as the folder tells it, which need not be that of the file
+        unsigned scan = 0;      ///< the last one that met the file
 
         bool isStillTrue(const struct stat& now) const;
+        /** Of several files with one name the least rank counts, then the first by file name. */
+        int rank() const;
     };
     std::map<std::string, Known> files;
 
-    /** The header of a file that is there; nothing if it is not. */
-    std::optional<PresetHeader> headerOf(const std::string& path);
+    /** What is known of a file that is there; null if it is not. */
+    const Known* examine(const std::string& path);
+
+    /** Brings `files` up to date with a folder. A `thorough` scan examines each file. Any other trusts files of the
+     * store's own naming until something else has taken their place: a folder of thousands is scanned for each new
+     * name. The error is that of reading the folder. */
+    std::error_code scan(const std::string& folder, bool thorough);
+
+private:
+    unsigned mScan = 0;
 };

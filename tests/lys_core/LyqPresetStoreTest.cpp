@@ -289,21 +289,46 @@ TEST_F(LyqPresetStoreTest, what_killed_savers_left_is_swept_at_the_start_and_nev
     EXPECT_TRUE(folder.names().empty());
 }
 
-TEST_F(LyqPresetStoreTest, a_folder_that_cannot_be_written_gives_a_message_and_still_lists) {
+TEST_F(LyqPresetStoreTest, a_folder_that_cannot_be_made_gives_a_message) {
+    folder.write("file", "");
+    LyqPresetStore inFile(folder.file("file/presets"), true, "PresetTestThing");
+    HeldThing thing(2);
+    EXPECT_FALSE(inFile.save(*thing, "b", message));
+    EXPECT_THAT(message.utf8(), HasSubstr("cannot be made"));
+}
+
+TEST_F(LyqPresetStoreTest, of_two_files_with_one_name_the_one_that_a_store_would_make_counts) {
+    ASSERT_TRUE(save("x", 3));
+    std::string other = folder.read(fileOf("x"));
+    other.replace(other.find("\"900000011\": 3"), 14, "\"900000011\": 4");
+    folder.write("0.json", other);
+    EXPECT_EQ(valueOf("x"), 3);
+    EXPECT_EQ(fileOf("x").substr(0, 2), "x-");
+    ASSERT_TRUE(store.remove("x", message)) << message.utf8();
+    EXPECT_EQ(valueOf("x"), 4) << "the other one comes to light";
+    EXPECT_EQ(fileOf("x"), "0.json");
+}
+
+TEST_F(LyqPresetStoreTest, a_name_in_a_file_of_any_name_is_found_as_soon_as_it_is_there) {
     ASSERT_TRUE(save("a", 1));
-    if (::geteuid() == 0) {
-        folder.write("file", "");
-        LyqPresetStore inFile(folder.file("file/presets"), true, "PresetTestThing");
-        HeldThing thing(2);
-        EXPECT_FALSE(inFile.save(*thing, "b", message));
-        EXPECT_THAT(message.utf8(), HasSubstr("cannot be made"));
-        return;
-    }
-    ::chmod(folder.path().c_str(), 0500);
-    EXPECT_FALSE(save("b", 1));
-    EXPECT_FALSE(message.isEmpty());
-    EXPECT_THAT(names(), ElementsAre("a"));
-    ::chmod(folder.path().c_str(), 0700);
+    const std::string text = folder.read(fileOf("a"));
+    const auto named = [&](const std::string& name) {
+        std::string result = text;
+        return result.replace(result.find("\"NameTemplate\": \"a\""), 19, "\"NameTemplate\": \"" + name + '"');
+    };
+    EXPECT_FALSE(store.contains("b"));
+    folder.write("1.json", named("b"));
+    EXPECT_TRUE(store.contains("b"));
+    folder.write("1.json", named("c"));
+    EXPECT_FALSE(store.contains("b"));
+    EXPECT_TRUE(store.contains("c"));
+    // In the place of a file that a store made.
+    folder.write("2.json", named("d"));
+    std::filesystem::rename(folder.file("2.json"), pathOf("a"));
+    EXPECT_FALSE(store.contains("a"));
+    EXPECT_TRUE(store.contains("d"));
+    std::filesystem::remove(folder.file("1.json"));
+    EXPECT_FALSE(store.contains("c"));
 }
 
 TEST_F(LyqPresetStoreTest, a_file_that_another_program_replaced_is_read_anew) {

@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
@@ -205,6 +206,36 @@ TEST_F(PresetDialogs, a_name_with_blanks_around_it_is_replaced_under_its_own_nam
     EXPECT_EQ(dialog.presetName(), QStringLiteral(" a "));
     dialog.setPresetName(QStringLiteral(" b "));
     EXPECT_EQ(dialog.presetName(), QStringLiteral("b"));
+}
+
+TEST_F(PresetDialogs, the_manager_renames_to_what_is_typed_and_leaves_a_name_that_nobody_changed) {
+    ASSERT_TRUE(handler->savePresetAs(" a "));
+    LyqPresetManageDialog dialog(handler);
+    const auto renameTo = [&](const char* typed) {
+        QTimer::singleShot(0, qApp, [this, typed] {
+            auto* question = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(question);
+            asked = question->textValue().toStdString();
+            if (typed) {
+                question->setTextValue(QString::fromUtf8(typed));
+            }
+            question->accept();
+        });
+        button(dialog, "Rename...")->click();
+    };
+    ASSERT_TRUE(dialog.select(" a ", Lyr::UserPreset));
+    renameTo(nullptr);
+    EXPECT_EQ(asked, " a ");
+    EXPECT_TRUE(dialog.select(" a ", Lyr::UserPreset)) << "the blanks are part of its name";
+    renameTo(" b\t");
+    EXPECT_TRUE(dialog.select("b", Lyr::UserPreset)) << "as a new preset is named";
+    renameTo(" b ");
+    EXPECT_TRUE(dialog.select("b", Lyr::UserPreset));
+    EXPECT_EQ(dialog.message(), QString());
+    renameTo("  ");
+    EXPECT_THAT(dialog.message().toStdString(), HasSubstr("needs a name"));
+    EXPECT_TRUE(dialog.select("b", Lyr::UserPreset));
+    EXPECT_EQ(folder.names().size(), 1u);
 }
 
 TEST_F(PresetDialogs, dialogs_close_when_their_handler_goes) {
