@@ -22,12 +22,14 @@ protected:
         before = textOf(*table);
         LyqApplication::instance().undoStack().clear();
     }
-    /** The preset cannot be applied: a message, the table and the file as they were, no undo step. */
-    void expectRefused(const std::string& content) {
+    /** The preset cannot be applied: a message, the table and the file as they were, no undo step. The mode of the next
+     * save follows a file that was read, even if its table could not be copied. */
+    void expectRefused(const std::string& content, bool isRead = false) {
         folder.write(file, content);
         handler->setAbsolutePreset(true);
         EXPECT_FALSE(handler->applyPreset("mine", Lyr::UserPreset));
         EXPECT_FALSE(handler->getMessage().isEmpty());
+        EXPECT_EQ(handler->isAbsolutePreset(), !isRead) << content;
         EXPECT_EQ(textOf(*table), before);
         EXPECT_EQ(folder.read(file), content);
         EXPECT_EQ(folder.names(), std::set<std::string>{file});
@@ -56,8 +58,8 @@ TEST_F(BadPresetFiles, every_cut_of_a_preset_is_refused) {
 
 TEST_F(BadPresetFiles, other_classes_are_refused_at_the_top_for_the_table_and_among_the_sections) {
     expectRefused(replaced("LyrPresetColortableProxyObject", "LyrColorLookupTable"));
-    expectRefused(replaced("\"LyrColorLookupTable\"", "\"LyrColorLookupTable::Section\""));
-    expectRefused(replaced("\"LyrColorLookupTable::Section\"", "\"LyrColorLookupTableRenderSettings\""));
+    expectRefused(replaced("\"LyrColorLookupTable\"", "\"LyrColorLookupTable::Section\""), true);
+    expectRefused(replaced("\"LyrColorLookupTable::Section\"", "\"LyrColorLookupTableRenderSettings\""), true);
     expectRefused(replaced("\"LyrColorLookupTable::Section\"", "\"LyqPresetColortableHandler\""));
     expectRefused(replaced("\"LyrColorLookupTable::Section\"", "\"LyqColorLookupTableAnnotation\""));
     expectRefused(replaced("\"LyrColorLookupTable::Section\"", "\"LyqSliceWidget\""));

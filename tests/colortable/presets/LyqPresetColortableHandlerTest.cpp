@@ -3,6 +3,8 @@
 #include <lyr_core/LyrClassManager.h>
 #include <lys_core/LyqApplication.h>
 
+#include <QCoreApplication>
+#include <QTranslator>
 #include <QUndoStack>
 
 #include <gmock/gmock.h>
@@ -10,6 +12,8 @@
 
 #include <bit>
 #include <cstdint>
+#include <map>
+#include <string>
 
 using namespace presets;
 using testing::ElementsAre;
@@ -27,6 +31,56 @@ Lyrenum middleType(const LyrObject& table) {
     const auto sections = model::listOf<LyrObjectLink>(table, Lyr::SectionList);
     return sections.size() == 3 ? lyrGetValue(sections[1].getLink(), Lyr::Type, Lyrenum(-1)) : Lyrenum(-1);
 }
+
+/** Texts as a translation has them, as long as this lives. */
+class GermanTexts : public QTranslator {
+public:
+    GermanTexts() { QCoreApplication::installTranslator(this); }
+    bool isEmpty() const override { return false; }
+    QString translate(const char* context, const char* text, const char*, int) const override {
+        const std::map<std::string, QString> texts{
+            {"Rainbow", "Regenbogen"}, {"Reverse Rainbow", "Umgekehrter Regenbogen"}, {"Colortable", "Farbtabelle"}};
+        const auto found = texts.find(text);
+        return std::string(context) == "QObject" && found != texts.end() ? found->second : QString();
+    }
+};
+
+/** What comes of cloning an Odd. */
+class NoObject : public LyrClass {
+public:
+    NoObject() {
+        ++made;
+        ++alive;
+    }
+    ~NoObject() override { --alive; }
+    static const LyrMetaClass& metaClass() {
+        static const LyrMetaClass meta("PresetTestNoObject", sizeof(NoObject), nullptr, nullptr, "test", 0, nullptr, 0,
+                                       0, 0, false);
+        return meta;
+    }
+    const LyrMetaClass& getMetaClass() const override { return metaClass(); }
+    static inline int made = 0;
+    static inline int alive = 0;
+};
+
+class OddFactory : public LyrMetaClass::Factory {
+public:
+    LyrClass* create(void*) const override { return nullptr; }
+    LyrClass* createCopy(const LyrClass*, void*) const override { return new NoObject; }
+    bool assign(LyrClass*, const LyrClass*) const override { return false; }
+    bool isStorable() const override { return false; }
+};
+
+/** An object whose clones are none. */
+class Odd : public LyrObject {
+public:
+    static const LyrMetaClass& metaClass() {
+        static const LyrMetaClass meta("PresetTestOdd", sizeof(Odd), &LyrObject::metaClass(), new OddFactory, "test", 0,
+                                       nullptr, 0, 0, 0, false);
+        return meta;
+    }
+    const LyrMetaClass& getMetaClass() const override { return metaClass(); }
+};
 
 }  // namespace
 
@@ -61,8 +115,9 @@ TEST_F(LyqPresetColortableHandlerTest, the_built_in_list_has_two_names_and_does_
 TEST_F(LyqPresetColortableHandlerTest, rainbow_is_the_default_table_and_reverse_rainbow_has_its_middle_reversed) {
     makeUnusual(*table);
     ASSERT_TRUE(handler->applyPreset("Rainbow", Lyr::DefaultPreset));
+    // A default table has no name that could take the place of the present one.
     const auto fresh = model::newTable();
-    table->setNameTemplate("");
+    fresh->setNameTemplate("A table with ümläuts");
     EXPECT_EQ(textOf(*table), textOf(*fresh));
     ASSERT_TRUE(handler->applyPreset("Reverse Rainbow", Lyr::DefaultPreset));
     EXPECT_EQ(middleType(*table), Lyr::InvertedRainbow);
@@ -251,9 +306,29 @@ TEST_F(LyqPresetColortableHandlerTest, only_own_presets_are_written) {
 }
 
 TEST_F(LyqPresetColortableHandlerTest, texts_of_built_in_presets_are_translated_and_others_are_their_names) {
-    EXPECT_EQ(handler->getPresetText("Rainbow", Lyr::DefaultPreset), LyrString("Rainbow"));
+    const GermanTexts german;
+    EXPECT_EQ(handler->getPresetText("Rainbow", Lyr::DefaultPreset), LyrString("Regenbogen"));
+    EXPECT_EQ(handler->getPresetText("Reverse Rainbow", Lyr::DefaultPreset), LyrString("Umgekehrter Regenbogen"));
     EXPECT_EQ(handler->getPresetText("Rainbow", Lyr::UserPreset), LyrString("Rainbow"));
-    EXPECT_EQ(handler->getPresetText("x", Lyr::DefaultPreset), LyrString("x"));
-    EXPECT_EQ(handler->getDescription(), LyrString("Colortable"));
+    EXPECT_EQ(handler->getPresetText("Rainbow", Lyr::InstalledPreset), LyrString("Rainbow"));
+    EXPECT_EQ(handler->getPresetText("Colortable", Lyr::DefaultPreset), LyrString("Colortable")) << "is none of them";
+    EXPECT_EQ(handler->getDescription(), LyrString("Farbtabelle"));
+    LyrStringList names;
+    EXPECT_TRUE(handler->getPresetList(names, Lyr::DefaultPreset));
+    EXPECT_THAT(names, ElementsAre(LyrString("Rainbow"), LyrString("Reverse Rainbow"))) << "names are no texts";
+    handler->setApplicationObject(nullptr);
+    EXPECT_EQ(handler->getPresetText("Rainbow", Lyr::DefaultPreset), LyrString("Rainbow"));
     EXPECT_TRUE(handler->getPresetPixmap("Rainbow", Lyr::DefaultPreset).isNull());
+}
+
+TEST_F(LyqPresetColortableHandlerTest, a_clone_that_is_no_object_is_reported_and_destroyed_and_nothing_is_saved) {
+    const LyrObjectPtr odd(new Odd);
+    handler->setApplicationObject(odd.get());
+    EXPECT_FALSE(handler->appToPreset("mine", Lyr::UserPreset));
+    EXPECT_EQ(errors.take(), (std::vector<Errors::Entry>{{handler, static_cast<int>(0xF3CB0005)}}));
+    EXPECT_EQ(NoObject::made, 1);
+    EXPECT_EQ(NoObject::alive, 0);
+    EXPECT_TRUE(folder.names().empty());
+    EXPECT_EQ(liveCount("LyrPresetColortableProxyObject"), 0);
+    handler->setApplicationObject(table.get());
 }
