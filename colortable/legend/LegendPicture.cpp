@@ -129,8 +129,9 @@ bool isFontDescription(const QStringList& fields) {
     }
     const double points = fields.at(1).toDouble();
     const int pixels = fields.at(2).toInt();
-    return (points > 0.0 && points <= LARGEST_POINT_SIZE) ||
-           (points == -1.0 && pixels >= 1 && pixels <= LARGEST_PIXEL_SIZE);
+    const bool hasPoints = points > 0.0 && points <= LARGEST_POINT_SIZE;
+    // The toolkit takes the pixels where there are some, whatever the points are.
+    return pixels > 0 ? pixels <= LARGEST_PIXEL_SIZE && (hasPoints || points == -1.0) : hasPoints;
 }
 
 /** Draws a text somewhere, moved by an offset. */

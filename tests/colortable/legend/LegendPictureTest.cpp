@@ -170,8 +170,11 @@ TEST_F(LegendPicture, fonts_are_read_in_both_forms_of_the_toolkit) {
     const QFont back = fontFromString(now.toString(), &valid);
     EXPECT_TRUE(valid);
     EXPECT_EQ(back.toString(), now.toString());
-    EXPECT_EQ(fontFromString(QStringLiteral("Arial,-1,22,5,50,0,0,0,0,0"), &valid).pixelSize(), 22);
-    EXPECT_TRUE(valid);
+    for (const QString& withPixels :
+         {QStringLiteral("Arial,-1,22,5,50,0,0,0,0,0"), QStringLiteral("Arial,10,22,5,50,0,0,0,0,0")}) {
+        EXPECT_EQ(fontFromString(withPixels, &valid).pixelSize(), 22);
+        EXPECT_TRUE(valid);
+    }
 }
 
 TEST_F(LegendPicture, fonts_are_read_with_every_style_strategy_that_the_toolkit_writes) {
@@ -191,6 +194,7 @@ TEST_F(LegendPicture, what_is_no_font_gives_the_applications) {
          {QString(), QStringLiteral("Default"), QStringLiteral("junk"), QStringLiteral("Arial,x"),
           QStringLiteral("Arial,0,-1,5,50,0,0,0,0,0"), QStringLiteral("Arial,-1,-1,5,50,0,0,0,0,0"),
           QStringLiteral("Arial,1e9,-1,5,50,0,0,0,0,0"), QStringLiteral("Arial,nan,-1,5,50,0,0,0,0,0"),
+          QStringLiteral("Arial,10,4001,5,50,0,0,0,0,0"), QStringLiteral("Arial,1e9,22,5,50,0,0,0,0,0"),
           QStringLiteral(",10,-1,5,50,0,0,0,0,0"), QStringLiteral("Arial,10,-1,5,bold,0,0,0,0,0"),
           QStringLiteral("Arial,10,-1") + numbers.arg(QStringLiteral("inf"), QStringLiteral("0")),
           QStringLiteral("Arial,10,-1") + numbers.arg(QStringLiteral("0"), QStringLiteral("1e300"))}) {
