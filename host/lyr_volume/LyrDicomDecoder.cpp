@@ -224,7 +224,7 @@ bool DicomDecoder::exchange(const std::string& file, const DicomPixelLayout& lay
 bool DicomDecoder::decode(std::span<const unsigned char> codestream, const DicomPixelLayout& layout,
                           const std::string& transferSyntax, DicomFrame& frame, std::string& problem) {
     problem.clear();
-    if (process_ < 0 && !start(problem)) {
+    if (socket_ < 0 && !start(problem)) {
         return false;
     }
     if (!exchange(cleanFile(codestream, layout, transferSyntax), layout, frame, problem)) {

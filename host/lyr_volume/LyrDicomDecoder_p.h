@@ -23,6 +23,8 @@ struct DicomFrame {
 class DicomDecoder {
 public:
     DicomDecoder() = default;
+    /** Asks who is at the other end of this socket, which is closed in the end, instead of a process of its own. */
+    explicit DicomDecoder(int socket) : socket_(socket) {}
     ~DicomDecoder();
     DicomDecoder(const DicomDecoder&) = delete;
     DicomDecoder& operator=(const DicomDecoder&) = delete;

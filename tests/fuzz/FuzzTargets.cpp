@@ -5,10 +5,13 @@ namespace fuzz {
 namespace {
 
 constexpr Target TARGETS[] = {
-    {"font_string", fontString},           {"legend_settings", legendSettings}, {"number", number},
-    {"object_file", objectFile},           {"placeholders", placeholders},      {"volume_dicom", volumeDicom},
-    {"volume_metaimage", volumeMetaImage}, {"volume_nifti", volumeNifti},       {"volume_nrrd", volumeNrrd},
-    {"volume_tiff", volumeTiff},
+    {"dicom_frame", dicomFrame, 512},         {"font_string", fontString, 128},
+    {"legend_settings", legendSettings, 512}, {"number", number, 128},
+    {"object_file", objectFile, 2048},        {"placeholders", placeholders, 256},
+    {"preset_file", presetFile, 1024},        {"preset_names", presetNames, 512},
+    {"volume_dicom", volumeDicom, 1024},      {"volume_metaimage", volumeMetaImage, 512},
+    {"volume_nifti", volumeNifti, 1024},      {"volume_nrrd", volumeNrrd, 512},
+    {"volume_tiff", volumeTiff, 512},
 };
 
 }  // namespace

@@ -10,11 +10,14 @@ namespace fuzz {
 
 using Bytes = std::span<const unsigned char>;
 
+void dicomFrame(Bytes bytes);
 void fontString(Bytes bytes);
 void legendSettings(Bytes bytes);
 void number(Bytes bytes);
 void objectFile(Bytes bytes);
 void placeholders(Bytes bytes);
+void presetFile(Bytes bytes);
+void presetNames(Bytes bytes);
 void volumeDicom(Bytes bytes);
 void volumeMetaImage(Bytes bytes);
 void volumeNifti(Bytes bytes);
@@ -24,6 +27,7 @@ void volumeTiff(Bytes bytes);
 struct Target {
     const char* name;  ///< also the folder of its corpus
     void (*run)(Bytes);
+    int longest;  ///< bytes of an input, where the fuzzer is not told otherwise
 };
 
 std::span<const Target> targets();

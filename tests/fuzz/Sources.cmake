@@ -1,3 +1,7 @@
-# Sources of the command line that fuzz targets call; they belong to no library.
+# Sources that fuzz targets call and no library exports.
 set(LYS_FUZZED_SOURCES
-  "${CMAKE_SOURCE_DIR}/cli/LegendSettings.cpp" "${CMAKE_SOURCE_DIR}/cli/Messages.cpp" "${CMAKE_SOURCE_DIR}/cli/Numbers.cpp")
+  cli/LegendSettings.cpp cli/Messages.cpp cli/Numbers.cpp
+  host/lyr_volume/LyrDicomCodestream.cpp host/lyr_volume/LyrDicomDecoder.cpp host/lyr_volume/LyrDicomRunLength.cpp
+  host/lyr_volume/LyrSampleType.cpp
+  host/lys_core/PresetFileName.cpp host/lys_core/PresetIndex.cpp)
+list(TRANSFORM LYS_FUZZED_SOURCES PREPEND "${CMAKE_SOURCE_DIR}/")

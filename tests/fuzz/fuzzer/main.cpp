@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <string_view>
+#include <vector>
 
 // lys_fuzz --target=NAME [the fuzzing library's options] CORPUS…
 
@@ -18,6 +20,16 @@ public:
 };
 
 const fuzz::Target* sTarget = nullptr;
+
+/** Short inputs are run more often; an option of the caller comes later and counts. */
+void limitLength(int* count, char*** arguments) {
+    static std::string limit = "-max_len=" + std::to_string(sTarget->longest);
+    static std::vector<char*> all(*arguments, *arguments + *count);
+    all.insert(all.begin() + 1, limit.data());
+    all.push_back(nullptr);
+    ++*count;
+    *arguments = all.data();
+}
 
 void chooseTarget(int count, char** arguments) {
     constexpr std::string_view option = "--target=";
@@ -47,6 +59,7 @@ extern "C" int LLVMFuzzerInitialize(int* count, char*** arguments) {
         }
         std::exit(2);
     }
+    limitLength(count, arguments);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const ToolkitApplication application;
     static Silence silence;
