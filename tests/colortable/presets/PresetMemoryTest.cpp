@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <new>
 
 using namespace presets;
@@ -66,4 +67,27 @@ TEST_F(PresetMemory, a_handler_made_by_name_without_memory_is_none_or_there_and_
         EXPECT_TRUE(made || (told.size() == 1 && told[0].code == ALLOCATION_FAILED)) << n;
     }
     EXPECT_FALSE(hasFailed);
+}
+
+TEST_F(PresetMemory, a_proxy_that_cannot_register_its_properties_says_so) {
+    constexpr int failed = static_cast<int>(0xF3CB0001u);
+    int reported = 0;
+    bool hasFailed = true;
+    for (int n = 0; n < 1000 && hasFailed; ++n) {
+        LyrClass* made = nullptr;
+        {
+            const ScarceMemory scarce(n);
+            EXPECT_NO_THROW(made = LyrMetaClass::create("LyrPresetColortableProxyObject"));
+            hasFailed = scarce.hasFailed();
+        }
+        const LyrObjectPtr handle(static_cast<LyrObject*>(made));
+        const auto told = errors.take();
+        EXPECT_TRUE(!told.empty() || (handle && handle->getPropertyCount() == 3)) << "silently, " << n;
+        if (handle && std::count(told.begin(), told.end(), Errors::Entry{made, failed}) > 0) {
+            EXPECT_LT(handle->getPropertyCount(), 3) << n;
+            ++reported;
+        }
+    }
+    EXPECT_FALSE(hasFailed);
+    EXPECT_GE(reported, 1);
 }
