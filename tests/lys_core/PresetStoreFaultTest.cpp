@@ -12,6 +12,10 @@
 #include <lys_core/LyqPresetSaveDialog.h>
 #include <lys_core/LyqPresetStore.h>
 
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -103,6 +107,12 @@ Action refusingChanges(const Stop& stop, int error) {
     Action action;
     action.error = stop.isEntry && (opensForWriting || changesNames) ? error : 0;
     return action;
+}
+
+/// Calls that only the saving of a file makes; an event loop writes eight bytes at a time.
+bool isWritingFiles(const Stop& stop) {
+    return stop.call == SYS_fsync || stop.call == SYS_renameat || stop.call == SYS_linkat || stop.call == SYS_fchmod ||
+           stop.call == SYS_pread64 || (stop.call == SYS_write && stop.arguments[0] > 2 && stop.arguments[2] > 8);
 }
 
 }  // namespace
@@ -262,6 +272,62 @@ TEST_F(PresetStoreFault, an_error_of_any_call_of_a_save_is_shown_in_the_dialog_w
             EXPECT_EQ(folder.names().size(), 2u) << call << " error " << error;
         }
         EXPECT_GT(call, 20);
+    }
+}
+
+TEST_F(PresetStoreFault, an_error_while_the_dialog_replaces_a_preset_is_shown_and_leaves_the_old_one) {
+    auto* const handler = new ThingHandler(folder.path());
+    const LyrObjectPtr held(handler);
+    HeldThing thing(7);
+    handler->setApplicationObject(thing.thing);
+    LyqPresetSaveDialog dialog(handler);
+    dialog.setPresetName(QStringLiteral("a"));
+    dialog.show();
+    const auto acceptAndReplace = [&] {
+        bool wasAsked = false;
+        QTimer::singleShot(0, qApp, [&] {
+            auto* const question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            wasAsked = question && question->buttons().size() == 2;
+            for (QAbstractButton* button : question ? question->buttons() : QList<QAbstractButton*>()) {
+                if (question->buttonRole(button) == QMessageBox::AcceptRole) {
+                    button->click();
+                }
+            }
+        });
+        dialog.accept();
+        const bool isOpen = dialog.isVisible() && dialog.result() != QDialog::Accepted;
+        const bool isTold = isOpen && !dialog.message().isEmpty() && handler->isCurrentPresetModified();
+        return !wasAsked ? TracedProcess::Broken
+               : isTold  ? TracedProcess::FailedWithMessage
+               : isOpen  ? TracedProcess::FailedSilently
+                         : TracedProcess::Succeeded;
+    };
+    for (const int error : {EIO, ENOSPC, EPERM, EXDEV}) {
+        bool wasTouched = true;
+        int call = 0;
+        for (; wasTouched; ++call) {
+            handler->setCurrentPresetModified(true);
+            wasTouched = false;
+            long touched = -1;
+            int met = 0;
+            const auto outcome = TracedProcess::run(acceptAndReplace, [&](const Stop& stop) {
+                Action action;
+                if (stop.isEntry && isWritingFiles(stop) && met++ == call) {
+                    wasTouched = true;
+                    touched = stop.call;
+                    action.error = error;
+                }
+                return action;
+            });
+            // Without a second name for the old file there is no way back, but all is well.
+            const bool isDone = !wasTouched || (touched == SYS_linkat && error == EPERM);
+            EXPECT_EQ(outcome, isDone ? TracedProcess::Succeeded : TracedProcess::FailedWithMessage)
+                << call << " error " << error;
+            EXPECT_EQ(valueOf("a"), isDone ? 7 : 1) << call << " error " << error;
+            EXPECT_EQ(folder.names().size(), 2u) << call << " error " << error;
+            ASSERT_TRUE(save("a", 1)) << message.utf8();
+        }
+        EXPECT_GT(call, 6);
     }
 }
 
