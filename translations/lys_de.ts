@@ -1034,6 +1034,10 @@ Die angegebenen Parameter sind ungültig.</translation>
         <translation>Der Name einer Vorlage darf nicht länger als %1 Bytes sein.</translation>
     </message>
     <message>
+        <source>The name of a preset cannot begin with an invisible byte order mark (U+FEFF).</source>
+        <translation>Der Name einer Vorlage darf nicht mit einer unsichtbaren Bytereihenfolge-Marke (U+FEFF) beginnen.</translation>
+    </message>
+    <message>
         <source>The name of a preset must be text in UTF-8.</source>
         <translation>Der Name einer Vorlage muss Text in UTF-8 sein.</translation>
     </message>

@@ -80,6 +80,11 @@ LyrString checkName(const LyrString& name) {
         return translated(QT_TRANSLATE_NOOP("LyqPresetStore", "The name of a preset cannot be longer than %1 bytes."))
             .arg(MAXIMUM_NAME);
     }
+    // Texts of the toolkit lose it, and a name must be the same wherever it is shown.
+    if (name.view().starts_with("\xEF\xBB\xBF")) {
+        return translated(QT_TRANSLATE_NOOP(
+            "LyqPresetStore", "The name of a preset cannot begin with an invisible byte order mark (U+FEFF)."));
+    }
     if (!isUtf8(name.view())) {
         return translated(QT_TRANSLATE_NOOP("LyqPresetStore", "The name of a preset must be text in UTF-8."));
     }

@@ -45,7 +45,8 @@ bool isWellFormed(std::string_view text) {
 }
 
 bool mayBeName(std::string_view name) {
-    return !name.empty() && name.size() <= 4096 && name.find('\0') == std::string_view::npos && isWellFormed(name);
+    return !name.empty() && name.size() <= 4096 && name.find('\0') == std::string_view::npos && isWellFormed(name) &&
+           !name.starts_with("\xEF\xBB\xBF");
 }
 
 std::string lowered(std::string text) {

@@ -106,6 +106,10 @@ TEST_F(LyqPresetStoreTest, names_that_no_file_can_carry_are_refused_with_the_rea
     EXPECT_THAT(message.utf8(), HasSubstr("character 0"));
     EXPECT_FALSE(save("\xff\xfe", 1));
     EXPECT_THAT(message.utf8(), HasSubstr("UTF-8"));
+    EXPECT_FALSE(save("\xef\xbb\xbfMark", 1));
+    EXPECT_THAT(message.utf8(), HasSubstr("U+FEFF"));
+    EXPECT_TRUE(save("M\xef\xbb\xbf.", 1)) << message.utf8();
+    EXPECT_TRUE(store.remove("M\xef\xbb\xbf.", message)) << message.utf8();
     EXPECT_FALSE(save(LyrString(std::string(4097, 'x')), 1));
     EXPECT_THAT(message.utf8(), HasSubstr("4096"));
     EXPECT_TRUE(save(LyrString(std::string(4096, 'x')), 1)) << message.utf8();
