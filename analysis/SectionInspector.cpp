@@ -2,6 +2,7 @@
 #include <analysis/LyrColoredLayer.h>
 #include <analysis/SectionInspector.h>
 #include <analysis/SectionShareModel.h>
+#include <analysis/TableBoundaries.h>
 #include <analysis/ValueOrder.h>
 #include <analysis/compute/LyrSortedValues.h>
 #include <colortable/ColortableIdentifiers.h>
@@ -24,18 +25,6 @@ namespace {
 
 /** Rows of the list that are seen at once. */
 constexpr int ROWS = 4;
-
-/** The boundaries of a table; none if it colours nothing or they are no boundaries. */
-std::vector<float> boundariesOf(const LyrColorLookupTable* table) {
-    LyrValueArrayOPCache<float> list;
-    constexpr std::size_t LEAST = 2;
-    if (!table || !list.load(table, Lyr::PositionList) || list.items().size() < LEAST ||
-        !std::all_of(list.items().begin(), list.items().end(), [](float value) { return std::isfinite(value); }) ||
-        !std::is_sorted(list.items().begin(), list.items().end())) {
-        return {};
-    }
-    return list.items();
-}
 
 QColor colorOf(const LyrColorLookupTable* table, float value) {
     LyrRGBA<float> color;
@@ -108,7 +97,7 @@ void SectionInspector::refresh() {
     }
     const std::shared_ptr<const LyrSortedValues> values = mOrder ? mOrder->values() : nullptr;
     const auto* table = dynamic_cast<const LyrColorLookupTable*>(mTable.get());
-    const std::vector<float> boundaries = boundariesOf(table);
+    const std::vector<float> boundaries = lysBoundaries(table);
     auto shares = std::make_shared<LyrSectionShares>();
     if (!values || !values->shares(boundaries, *shares)) {
         shares.reset();
@@ -147,7 +136,7 @@ void SectionInspector::highlight(int section) {
 
 /** The section at a height of the bar, which stands upright; -1 above and below it. */
 int SectionInspector::sectionOfBar(int y) const {
-    const std::vector<float> boundaries = boundariesOf(dynamic_cast<const LyrColorLookupTable*>(mTable.get()));
+    const std::vector<float> boundaries = lysBoundaries(dynamic_cast<const LyrColorLookupTable*>(mTable.get()));
     if (boundaries.empty()) {
         return -1;
     }

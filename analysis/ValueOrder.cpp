@@ -21,9 +21,11 @@ std::shared_ptr<ValueOrder> ValueOrder::of(const std::shared_ptr<const LyrVolume
 ValueOrder::ValueOrder(std::shared_ptr<const LyrVolume> volume) : mVolume(std::move(volume)) {
     const auto result = std::make_shared<LyrSortedValues>();
     mJob = std::make_unique<LyqBackgroundJob>(
-        [source = mVolume, result](const LyqBackgroundJob::Progress& progress, QString& message) {
+        [source = mVolume, result, cancelled = mCancelled](const LyqBackgroundJob::Progress& progress,
+                                                           QString& message) {
             LyrAnalysisControl control;
             control.progress = progress;
+            control.cancel = cancelled.get();
             LyrAnalysisOutcome outcome;
             const bool made = LyrSortedValues::make(*source, *result, outcome, control);
             message = QString::fromStdString(outcome.error);
@@ -40,7 +42,10 @@ ValueOrder::ValueOrder(std::shared_ptr<const LyrVolume> volume) : mVolume(std::m
     mJob->start();
 }
 
-ValueOrder::~ValueOrder() = default;
+ValueOrder::~ValueOrder() {
+    // The job's end is waited for: all its threads are to hear of it at once.
+    *mCancelled = true;
+}
 
 bool ValueOrder::isFinished() const {
     return !mJob->isRunning();

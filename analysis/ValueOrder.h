@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 
+#include <atomic>
 #include <memory>
 
 class LyqBackgroundJob;
@@ -36,6 +37,7 @@ private:
 
     std::shared_ptr<const LyrVolume> mVolume;
     std::shared_ptr<const LyrSortedValues> mValues;
+    std::shared_ptr<std::atomic<bool>> mCancelled = std::make_shared<std::atomic<bool>>(false);
     std::unique_ptr<LyqBackgroundJob> mJob;
     QString mError;
 };

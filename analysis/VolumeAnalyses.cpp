@@ -2,6 +2,7 @@
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/LyrThicknessLayer.h>
 #include <analysis/LyrValueLayer.h>
+#include <analysis/TableBoundaries.h>
 #include <analysis/VolumeAnalyses_p.h>
 #include <analysis/compute/LyrAnalysisReport.h>
 #include <analysis/compute/LyrDefectAnalysis.h>
@@ -39,9 +40,10 @@ public:
         if (!layer) {
             return {};
         }
-        // The values in colour would hide what they lie beneath: they step back, a click brings them again.
+        // The values in colour would hide what they lie beneath, and an earlier result of the same analysis would have
+        // its legend in the same place: they step back, a click brings them again.
         for (LyqLayer* shown : LyqSession::instance().layers()) {
-            if (dynamic_cast<LyrValueLayer*>(shown)) {
+            if (dynamic_cast<LyrValueLayer*>(shown) || &shown->getMetaClass() == &layer->getMetaClass()) {
                 shown->setRendering(false);
             }
         }
@@ -81,11 +83,17 @@ public:
         // What the surfaces in the 3D view take of the time, about.
         constexpr double SURFACE = 0.1;
         LyrAnalysisControl control;
-        control.progress = [&](double part) { return progress(part * (1.0 - SURFACE)); };
+        control.progress = [&](double part) { return progress(part * (numbersOnly() ? 1.0 : 1.0 - SURFACE)); };
+        control.cancel = &cancelFlag();
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrDefectResult>();
         if (!LyrDefectAnalysis::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
             return tell(outcome, message);
+        }
+        if (numbersOnly()) {
+            mSurface = {std::make_shared<LyrRendering::SurfaceMesh>(), {}};
+            mResult = std::move(result);
+            return true;
         }
         std::string error;
         const auto further = [&](double part) { return progress(1.0 - SURFACE + part * SURFACE); };
@@ -150,6 +158,7 @@ public:
     bool compute(const Progress& progress, QString& message) override {
         LyrAnalysisControl control;
         control.progress = progress;
+        control.cancel = &cancelFlag();
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrThicknessResult>();
         if (!LyrWallThickness::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
@@ -172,15 +181,28 @@ public:
         return report;
     }
 
-    bool saveReport(const QString& file, QString& message) const override { return save(file, *mResult, message); }
+    bool saveReport(const QString& file, QString& message) const override {
+        const auto* layer = static_cast<const LyrThicknessLayer*>(mLayer.get());
+        return save(file, *mResult, message, layer ? dividingBoundaries(*layer) : std::vector<float>());
+    }
 
 protected:
     LyrColoredLayer* createLayer(LyrVolumeObject* document) override {
-        return LyrThicknessLayer::create(document, mResult);
+        LyrThicknessLayer* layer = LyrThicknessLayer::create(document, mResult);
+        mLayer = LyrObjectPtr(layer);
+        return layer;
     }
 
 private:
+    /** The boundaries of the layer's table; none if they are the ends of all values, and so divide nothing. */
+    static std::vector<float> dividingBoundaries(const LyrThicknessLayer& layer) {
+        const LyrVolume::ValueRange range = layer.values()->valueRange();
+        std::vector<float> boundaries = lysBoundaries(layer.table());
+        return boundaries == std::vector<float>{range.low, range.high} ? std::vector<float>() : boundaries;
+    }
+
     std::shared_ptr<const LyrThicknessResult> mResult;
+    LyrObjectPtr mLayer;  ///< whose table divides
 };
 
 template <class Run>

@@ -10,7 +10,9 @@ namespace workbench {
 
 AnalysisRunner::AnalysisRunner(QObject* parent) : QObject(parent) {}
 
-AnalysisRunner::~AnalysisRunner() = default;
+AnalysisRunner::~AnalysisRunner() {
+    cancel();
+}
 
 bool AnalysisRunner::isRunning() const {
     return mJob && mJob->isRunning();
@@ -34,7 +36,9 @@ bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
         message = tr("\"%1\" goes by no threshold. Start it without one.").arg(analysis.title());
         return false;
     }
+    run->setNumbersOnly(mNumbersOnly);
     mTitle = analysis.title();
+    mRun = run;
     mJob = new LyqBackgroundJob(
         [run](const LyqBackgroundJob::Progress& progress, QString& text) { return run->compute(progress, text); },
         analysis.module(), this);
@@ -42,6 +46,7 @@ bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
     connect(job, &LyqBackgroundJob::progressChanged, this, &AnalysisRunner::progressChanged);
     connect(job, &LyqBackgroundJob::finished, this, [this, job, run](bool done, const QString& text) {
         job->deleteLater();
+        mRun.reset();
         if (done) {
             for (const LyrObjectPtr& object : run->createLayers()) {
                 LyqSession::instance().addLayer(dynamic_cast<LyqLayer*>(object.get()));
@@ -57,12 +62,19 @@ bool AnalysisRunner::start(LyqAnalysisExtension& analysis, QString& message) {
 }
 
 void AnalysisRunner::cancel() {
-    if (mJob) {
-        // Waits: the work's code may be about to be unloaded, its document to be closed.
-        disconnect(mJob, nullptr, this, nullptr);
-        delete mJob;
-        Q_EMIT finished(false, QString());
+    if (!mJob) {
+        return;
     }
+    // It ends by itself, and is deleted then, so that nobody waits for it here. Until then its module stays loaded, and
+    // what it reads is kept by the run.
+    LyqBackgroundJob* const job = mJob;
+    mJob = nullptr;
+    mRun->cancel();
+    mRun.reset();
+    job->cancel();
+    disconnect(job, nullptr, this, nullptr);
+    connect(job, &LyqBackgroundJob::finished, job, &QObject::deleteLater);
+    Q_EMIT finished(false, QString());
 }
 
 }  // namespace workbench

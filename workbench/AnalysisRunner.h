@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 class LyqAnalysisExtension;
@@ -24,9 +25,12 @@ public:
     void setThreshold(std::optional<float> threshold) { mThreshold = threshold; }
     std::optional<float> threshold() const { return mThreshold; }
 
+    /** Whether of the runs to come only reports are wanted, no pictures. */
+    void setNumbersOnly(bool numbersOnly) { mNumbersOnly = numbersOnly; }
+
     /** False, and a message, if it cannot begin. */
     bool start(LyqAnalysisExtension& analysis, QString& message);
-    /** Nothing comes of the run any more. */
+    /** Nothing comes of the run any more. It ends in the background, soon; another one may begin at once. */
     void cancel();
     bool isRunning() const;
     QString title() const { return mTitle; }
@@ -41,8 +45,10 @@ Q_SIGNALS:
 
 private:
     QPointer<LyqBackgroundJob> mJob;
+    std::shared_ptr<LyqAnalysisRun> mRun;
     QString mTitle;
     std::optional<float> mThreshold;
+    bool mNumbersOnly = false;
 };
 
 }  // namespace workbench

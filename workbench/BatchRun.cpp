@@ -88,6 +88,7 @@ void BatchRun::begin() {
     }
     AnalysisRunner& runner = mWindow.analyses();
     runner.setThreshold(mOptions.threshold);
+    runner.setNumbersOnly(endsByItself(mOptions) && mOptions.screenshot.isEmpty());
     connect(&runner, &AnalysisRunner::succeeded, this, &BatchRun::save, Qt::SingleShotConnection);
     connect(&runner, &AnalysisRunner::finished, this, &BatchRun::analysed, Qt::SingleShotConnection);
     QString message;

@@ -51,6 +51,7 @@ AnalysisTask::AnalysisTask(const char* name, double weight, const LyrAnalysisCon
     constexpr int kMostThreads = 64;
     const int wanted = control.threads > 0 ? control.threads : static_cast<int>(std::thread::hardware_concurrency());
     threads_ = static_cast<std::size_t>(std::clamp(wanted, 1, kMostThreads));
+    memory_ = control.memoryLimit > 0 ? control.memoryLimit : freeMemory();
     outcome_ = {};
 }
 
@@ -121,12 +122,13 @@ bool AnalysisTask::stage(double weight, std::size_t count, const Work& work) {
     return !isStopped();
 }
 
-bool AnalysisTask::hasMemory(std::uint64_t bytes) {
-    const std::uint64_t limit = control_.memoryLimit > 0 ? control_.memoryLimit : freeMemory();
-    if (bytes <= limit) {
+bool AnalysisTask::claim(std::uint64_t bytes) {
+    const std::uint64_t left = memory_ - std::min(claimed_, memory_);
+    if (bytes <= left) {
+        claimed_ += bytes;
         return true;
     }
-    return fail("needs " + gibibytes(bytes) + " GiB of memory, and " + gibibytes(limit) +
+    return fail("needs " + gibibytes(bytes + claimed_) + " GiB of memory, and " + gibibytes(memory_) +
                 " GiB are free; close other programs or analyse a smaller part of the volume");
 }
 

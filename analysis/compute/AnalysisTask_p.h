@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -31,8 +32,11 @@ public:
 
     std::size_t threads() const { return threads_; }
 
-    /** False, with a message, when `bytes` are more than there is. */
-    bool hasMemory(std::uint64_t bytes);
+    /** Counts `bytes` as taken from here on; false, with a message, when they are more than there is left of what the
+     *  task may take. To be asked before they are taken. */
+    bool claim(std::uint64_t bytes);
+    /** Counts them as free again. */
+    void release(std::uint64_t bytes) { claimed_ -= std::min(bytes, claimed_); }
 
     /** Sets the message and returns false. */
     bool fail(const std::string& reason);
@@ -51,6 +55,8 @@ private:
     const LyrAnalysisControl& control_;
     LyrAnalysisOutcome& outcome_;
     std::size_t threads_;
+    std::uint64_t memory_;  ///< bytes that the task may take
+    std::uint64_t claimed_ = 0;
     double done_ = 0.0;
     double told_ = -1.0;
     std::atomic<bool> stopped_{false};

@@ -5,6 +5,8 @@
 #include <numeric>
 #include <utility>
 
+#include <analysis/compute/PiecewiseSort_p.h>
+
 namespace lyranalysis {
 
 namespace {
@@ -12,7 +14,9 @@ namespace {
 using RunIndex = std::uint32_t;
 constexpr RunIndex kNone = std::numeric_limits<RunIndex>::max();
 // Sequential loops look for a cancelled task once in this many steps.
-constexpr std::size_t kPatience = std::size_t{1} << 20U;
+constexpr std::size_t kPatience = std::size_t{1} << 16U;
+// A run, its parent, its size with a bit for outside, and its gathered copy.
+constexpr std::uint64_t kBytesOfRun = 2 * sizeof(Run) + sizeof(RunIndex) + sizeof(std::uint64_t) + 1;
 
 class Labeller {
 public:
@@ -26,7 +30,7 @@ public:
 private:
     bool countRuns() {
         const std::size_t rows = grid_.height() * grid_.depth();
-        if (!task_.hasMemory((rows + 1) * sizeof(std::size_t))) {
+        if (!task_.claim((rows + 1) * sizeof(std::size_t))) {
             return false;
         }
         rowStarts_.assign(rows + 1, 0);
@@ -57,14 +61,14 @@ private:
                 "the volume falls into too many pieces at this threshold; choose another threshold or "
                 "analyse a smaller part of the volume");
         }
-        // Runs, parents, sizes and the gathered copy of the runs.
-        return task_.hasMemory(total * (2 * sizeof(Run) + sizeof(RunIndex) + sizeof(std::uint64_t)));
+        return task_.claim(total * kBytesOfRun);
     }
 
     bool collectRuns() {
-        runs_.resize(rowStarts_.back());
-        parents_.resize(rowStarts_.back());
-        std::iota(parents_.begin(), parents_.end(), RunIndex{0});
+        if (!resizeInSteps(runs_, rowStarts_.back(), Run{}, task_) ||
+            !resizeInSteps(parents_, rowStarts_.back(), RunIndex{0}, task_)) {
+            return false;
+        }
         return task_.stage(1.0, grid_.depth(), [&](std::size_t slice, std::size_t) {
             for (std::size_t y = 0; y < grid_.height(); ++y) {
                 collectRow(y + grid_.height() * slice);
@@ -85,6 +89,7 @@ private:
             while (x < grid_.width() && !grid_.isMaterial(begin + x)) {
                 ++x;
             }
+            parents_[at] = static_cast<RunIndex>(at);
             runs_[at++] = {static_cast<std::uint32_t>(row), static_cast<std::int32_t>(first),
                            static_cast<std::int32_t>(x - first)};
         }
@@ -151,25 +156,34 @@ private:
                (grid_.depth() > 1 && (z == 0 || z + 1 == grid_.depth()));
     }
 
-    /** Points every run at its root and counts the voxels of each; those of regions outside are set to 0. A parent is
-     *  never behind its child, so one walk forward is enough. */
-    bool settle() {
-        sizes_.assign(runs_.size(), 0);
-        std::vector<bool> outside(runs_.size());
+    /** Calls visit(run) for all runs in their order. False when stopped. */
+    template <typename Visit>
+    bool forRuns(const Visit& visit) const {
         for (std::size_t i = 0; i < runs_.size(); ++i) {
             if (i % kPatience == 0 && task_.isStopped()) {
                 return false;
             }
+            visit(i);
+        }
+        return true;
+    }
+
+    /** Points every run at its root and counts the voxels of each; those of regions outside are set to 0. A parent is
+     *  never behind its child, so one walk forward is enough. */
+    bool settle() {
+        std::vector<bool> outside;
+        if (!resizeInSteps(sizes_, runs_.size(), std::uint64_t{0}, task_)) {
+            return false;
+        }
+        outside.resize(runs_.size());
+        const bool counted = forRuns([&](std::size_t i) {
             parents_[i] = parents_[parents_[i]];
             sizes_[parents_[i]] += static_cast<std::uint64_t>(runs_[i].length);
             if (touchesEdge(runs_[i])) {
                 outside[parents_[i]] = true;
             }
-        }
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            sizes_[i] = outside[i] ? 0 : sizes_[i];
-        }
-        return true;
+        });
+        return counted && forRuns([&](std::size_t i) { sizes_[i] = outside[i] ? 0 : sizes_[i]; });
     }
 
     /** Sorts the runs of the regions that count by region. */
@@ -177,31 +191,40 @@ private:
         const auto smallest = static_cast<std::uint64_t>(std::max<std::int64_t>(minimumVoxels, 1));
         out.materialVoxels = materialVoxels_;
         std::size_t regions = 0;
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            const bool counts = parents_[i] == i && sizes_[i] >= smallest;
-            if (parents_[i] == i && sizes_[i] > 0 && !counts) {
-                ++out.suppressed;
-                out.suppressedVoxels += sizes_[i];
-            }
-            // From here on the size of a root is the number of its region, counted from 1.
-            sizes_[i] = counts ? ++regions : 0;
+        if (!forRuns([&](std::size_t i) {
+                const bool counts = parents_[i] == i && sizes_[i] >= smallest;
+                if (parents_[i] == i && sizes_[i] > 0 && !counts) {
+                    ++out.suppressed;
+                    out.suppressedVoxels += sizes_[i];
+                }
+                // From here on the size of a root is the number of its region, counted from 1.
+                sizes_[i] = counts ? ++regions : 0;
+            })) {
+            return false;
+        }
+        if (!task_.claim(2 * (regions + 1) * sizeof(std::size_t))) {
+            return false;
         }
         out.starts.assign(regions + 1, 0);
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            out.starts[sizes_[parents_[i]]] += sizes_[parents_[i]] > 0 ? 1 : 0;
+        if (!forRuns([&](std::size_t i) { out.starts[sizes_[parents_[i]]] += sizes_[parents_[i]] > 0 ? 1 : 0; })) {
+            return false;
         }
         std::partial_sum(out.starts.begin(), out.starts.end(), out.starts.begin());
-        out.runs.resize(out.starts.back());
-        std::vector<std::size_t> next(out.starts.begin(), out.starts.end() - 1);
-        for (std::size_t i = 0; i < runs_.size(); ++i) {
-            if (i % kPatience == 0 && task_.isStopped()) {
-                return false;
-            }
-            const std::uint64_t region = sizes_[parents_[i]];
-            if (region > 0) {
-                out.runs[next[region - 1]++] = runs_[i];
-            }
+        if (!resizeInSteps(out.runs, out.starts.back(), Run{}, task_)) {
+            return false;
         }
+        std::vector<std::size_t> next(out.starts.begin(), out.starts.end() - 1);
+        if (!forRuns([&](std::size_t i) {
+                const std::uint64_t region = sizes_[parents_[i]];
+                if (region > 0) {
+                    out.runs[next[region - 1]++] = runs_[i];
+                }
+            })) {
+            return false;
+        }
+        // All but the gathered runs and their starts is given back with the labeller.
+        task_.release(rowStarts_.size() * sizeof(std::size_t) + runs_.size() * kBytesOfRun -
+                      out.runs.size() * sizeof(Run) + out.starts.size() * sizeof(std::size_t));
         return task_.stage(1.0, 0, {});
     }
 

@@ -167,14 +167,19 @@ void DefectMeter::makeExtentDirections() {
 
 template <typename Visit>
 void DefectMeter::forEachVoxel(std::size_t region, const AnalysisTask& task, const Visit& visit) const {
-    constexpr std::size_t kPatience = 256;
+    constexpr std::int64_t kPatience = 4096;
     const auto height = static_cast<std::int64_t>(grid_.height());
+    std::int64_t unasked = kPatience;
     for (std::size_t i = components_.starts[region]; i < components_.starts[region + 1]; ++i) {
-        if (i % kPatience == 0 && task.isStopped()) {
-            return;
+        if (unasked >= kPatience) {
+            if (task.isStopped()) {
+                return;
+            }
+            unasked = 0;
         }
         const Run& run = components_.runs[i];
         const auto row = static_cast<std::int64_t>(run.row);
+        unasked += run.length;
         for (std::int64_t x = run.first; x < run.first + run.length; ++x) {
             visit(spotAt({x, row % height, row / height}));
         }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numeric>
 
+#include <analysis/compute/PiecewiseSort_p.h>
+
 namespace lyranalysis {
 
 namespace {
@@ -170,8 +172,8 @@ bool MaterialNeighbours::count(const Grid& grid, int radius, AnalysisTask& task)
     const std::size_t nx = grid.width();
     const std::size_t ny = grid.height();
     const std::size_t nz = grid.depth();
-    counts_.resize(grid.voxels());
-    if (!task.stage(kWeight / 2.0, nz, [&](std::size_t z, std::size_t) {
+    if (!resizeInSteps(counts_, grid.voxels(), std::uint8_t{0}, task) ||
+        !task.stage(kWeight / 2.0, nz, [&](std::size_t z, std::size_t) {
             Bytes bits(nx);
             Bytes rows(nx * ny);
             for (std::size_t y = 0; y < ny; ++y) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -9,6 +10,13 @@
 #include <lyr_volume/LyrVolume.h>
 
 namespace lyranalysis {
+
+/** Where the surface lies between two neighbours, from the material one on: 0 at its centre, 1 at the other's. */
+inline double surfacePart(float material, float air, float threshold) {
+    const double step = static_cast<double>(material) - static_cast<double>(air);
+    const double part = (static_cast<double>(material) - static_cast<double>(threshold)) / step;
+    return std::isfinite(part) ? std::clamp(part, 0.0, 1.0) : 0.5;
+}
 
 /** The shape of a volume with its samples, and which of them are material: those that are not below the threshold.
  *  A sample that is no number is none. */

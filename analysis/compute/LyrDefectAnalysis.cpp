@@ -9,6 +9,7 @@
 #include <analysis/compute/DefectMeter_p.h>
 #include <analysis/compute/GreyLevels_p.h>
 #include <analysis/compute/OtsuStage_p.h>
+#include <analysis/compute/PiecewiseSort_p.h>
 
 namespace {
 
@@ -18,11 +19,19 @@ using lyranalysis::GreyLevels;
 using lyranalysis::Grid;
 using lyranalysis::MaterialNeighbours;
 
+// Labels and values of four bytes, and a byte for the neighbours near and far each.
+constexpr std::uint64_t kBytesOfVoxel = 2 * sizeof(float) + 2;
+// The defect, its place in the order by volume, what sorts it and the block that it is measured with.
+constexpr std::uint64_t kBytesOfRegion = sizeof(LyrDefect) + 3 * sizeof(std::uint32_t) + sizeof(std::size_t);
+// Regions that are looked through between two looks for a cancelled task.
+constexpr std::size_t kPatience = 65536;
+
 constexpr double kFillWeight = 1.0;
 constexpr double kMeasureWeight = 2.0;
+constexpr double kOrderWeight = 0.2;
 constexpr double kWeight = lyranalysis::kOtsuWeight + lyranalysis::kComponentsWeight + lyranalysis::kLevelsWeight +
                            lyranalysis::kMaterialWeight + 2.0 * MaterialNeighbours::kWeight + 2.0 * kFillWeight +
-                           kMeasureWeight;
+                           kMeasureWeight + kOrderWeight;
 
 double percent(double part, double rest) {
     return part + rest > 0.0 ? 100.0 * part / (part + rest) : 0.0;
@@ -38,8 +47,7 @@ public:
     }
 
     bool run() {
-        // Labels and values of four bytes, and a byte for the neighbours.
-        if (!task_.hasMemory(grid_.voxels() * 9) ||
+        if (!task_.claim(grid_.voxels() * kBytesOfVoxel) ||
             !lyranalysis::findComponents(grid_, out_.minimumVoxels, task_, regions_)) {
             return false;
         }
@@ -47,14 +55,7 @@ public:
             return task_.fail(
                 "there is no material, because no sample reaches the threshold; choose a lower threshold");
         }
-        if (!task_.hasMemory(grid_.voxels() * 9 + regions_.count() * sizeof(LyrDefect))) {
-            return false;
-        }
-        if (!measure()) {
-            return false;
-        }
-        sumUp();
-        return fillField();
+        return task_.claim(regions_.count() * kBytesOfRegion) && measure() && sumUp() && fillField();
     }
 
 private:
@@ -100,10 +101,10 @@ private:
     }
 
     bool fillLabels() {
-        out_.labels.assign(grid_.voxels(), 0);
-        return writeRegions([&](std::size_t region, std::size_t begin, std::size_t length) {
-            std::fill_n(out_.labels.data() + begin, length, static_cast<std::uint32_t>(region + 1));
-        });
+        return lyranalysis::resizeInSteps(out_.labels, grid_.voxels(), std::uint32_t{0}, task_) &&
+               writeRegions([&](std::size_t region, std::size_t begin, std::size_t length) {
+                   std::fill_n(out_.labels.data() + begin, length, static_cast<std::uint32_t>(region + 1));
+               });
     }
 
     bool measureRegions(const lyranalysis::DefectMeter& meter) {
@@ -116,7 +117,9 @@ private:
                 blocks.push_back(region + 1);
             }
         }
-        out_.defects.resize(regions_.count());
+        if (!lyranalysis::resizeInSteps(out_.defects, regions_.count(), LyrDefect{}, task_)) {
+            return false;
+        }
         return task_.stage(kMeasureWeight, blocks.size() - 1, [&](std::size_t block, std::size_t) {
             for (std::size_t region = blocks[block]; region < blocks[block + 1]; ++region) {
                 out_.defects[region] = meter.measure(region, task_);
@@ -124,20 +127,24 @@ private:
         });
     }
 
-    /** Numbers the defects by volume, the largest first. */
+    /** Numbers the defects by volume, the largest first; of equal ones the first in the volume. */
     bool number() {
         std::vector<std::uint32_t> order(regions_.count());
         std::iota(order.begin(), order.end(), 0U);
-        std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-            return out_.defects[a].volume > out_.defects[b].volume;
-        });
+        if (!lyranalysis::sortInPieces(order, task_, kOrderWeight, [&](std::uint32_t a, std::uint32_t b) {
+                const double left = out_.defects[a].volume;
+                const double right = out_.defects[b].volume;
+                return left != right ? left > right : a < b;
+            })) {
+            return false;
+        }
         for (std::size_t i = 0; i < order.size(); ++i) {
             out_.defects[order[i]].number = static_cast<std::uint32_t>(i + 1);
         }
         return !task_.isStopped();
     }
 
-    void sumUp() {
+    bool sumUp() {
         for (const LyrDefect& defect : out_.defects) {
             out_.defectVoxels += defect.voxels;
         }
@@ -146,19 +153,20 @@ private:
         out_.countedDefectVolume = static_cast<double>(out_.defectVoxels) * out_.voxelVolume;
         out_.countedMaterialVolume = static_cast<double>(out_.materialVoxels) * out_.voxelVolume;
         out_.countedPorosity = percent(out_.countedDefectVolume, out_.countedMaterialVolume);
+        return !task_.isStopped();
     }
 
     bool fillField() {
-        std::vector<float> values(grid_.voxels(), std::numeric_limits<float>::quiet_NaN());
-        if (!writeRegions([&](std::size_t region, std::size_t begin, std::size_t length) {
+        std::vector<float> values;
+        if (!lyranalysis::resizeInSteps(values, grid_.voxels(), std::numeric_limits<float>::quiet_NaN(), task_) ||
+            !writeRegions([&](std::size_t region, std::size_t begin, std::size_t length) {
                 const LyrDefect& defect = out_.defects[region];
                 std::fill_n(out_.labels.data() + begin, length, defect.number);
                 std::fill_n(values.data() + begin, length, static_cast<float>(defect.volume));
-            })) {
+            }) ||
+            !putInOrder()) {
             return false;
         }
-        std::sort(out_.defects.begin(), out_.defects.end(),
-                  [](const LyrDefect& a, const LyrDefect& b) { return a.number < b.number; });
         for (const LyrDefect& defect : out_.defects) {
             out_.defectVolume += defect.volume;
         }
@@ -167,6 +175,19 @@ private:
         description.format = "defect volume in mm3";
         out_.values = LyrVolume::create(std::move(description), std::move(values));
         return out_.values != nullptr;
+    }
+
+    /** Puts each defect at the place that its number says, by swaps along the cycles of the order. */
+    bool putInOrder() {
+        for (std::size_t i = 0; i < out_.defects.size(); ++i) {
+            if (i % kPatience == 0 && task_.isStopped()) {
+                return false;
+            }
+            while (out_.defects[i].number != i + 1) {
+                std::swap(out_.defects[i], out_.defects[out_.defects[i].number - 1]);
+            }
+        }
+        return true;
     }
 
     Grid grid_;

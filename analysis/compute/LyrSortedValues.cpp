@@ -2,51 +2,66 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <utility>
 
 #include <analysis/compute/AnalysisTask_p.h>
+#include <analysis/compute/PiecewiseSort_p.h>
 
 namespace {
 
-/** Sorts in pieces, then merges them pairwise, so that a cancelled task ends soon. */
-bool sortValues(std::vector<float>& values, lyranalysis::AnalysisTask& task) {
-    constexpr std::size_t kPiece = std::size_t{1} << 18U;
-    const std::size_t count = values.size();
-    const auto at = [&](std::size_t i) { return values.begin() + static_cast<std::ptrdiff_t>(std::min(i, count)); };
-    if (!task.stage(1.0, (count + kPiece - 1) / kPiece,
-                    [&](std::size_t piece, std::size_t) { std::sort(at(piece * kPiece), at((piece + 1) * kPiece)); })) {
-        return false;
-    }
-    for (std::size_t length = kPiece; length < count; length *= 2) {
-        const double weight = static_cast<double>(length) / static_cast<double>(count);
-        if (!task.stage(weight, (count + 2 * length - 1) / (2 * length), [&](std::size_t pair, std::size_t) {
-                const std::size_t begin = pair * 2 * length;
-                std::inplace_merge(at(begin), at(begin + length), at(begin + 2 * length));
-            })) {
+using lyranalysis::AnalysisTask;
+
+// Values that are looked at between two looks for a cancelled task.
+constexpr std::size_t kPiece = std::size_t{1} << 20U;
+
+/** Calls visit(piece) for the samples piece by piece, on the calling thread. */
+template <typename Visit>
+bool forPieces(const LyrVolume& values, AnalysisTask& task, double weight, const Visit& visit) {
+    const std::span<const float> samples = values.samples();
+    for (std::size_t at = 0; at < samples.size(); at += kPiece) {
+        if (task.isStopped()) {
             return false;
         }
+        visit(samples.subspan(at, std::min(kPiece, samples.size() - at)));
     }
-    return true;
+    return task.stage(weight, 0, {});
+}
+
+bool isFinite(float value) {
+    return std::isfinite(value);
+}
+
+bool countFinite(const LyrVolume& values, AnalysisTask& task, double weight, std::size_t& count) {
+    return forPieces(values, task, weight, [&](std::span<const float> piece) {
+        count += static_cast<std::size_t>(std::count_if(piece.begin(), piece.end(), isFinite));
+    });
+}
+
+bool collectFinite(const LyrVolume& values, AnalysisTask& task, double weight, std::size_t count,
+                   std::vector<float>& out) {
+    out.reserve(count);
+    return forPieces(values, task, weight, [&](std::span<const float> piece) {
+        std::copy_if(piece.begin(), piece.end(), std::back_inserter(out), isFinite);
+    });
 }
 
 }  // namespace
 
 bool LyrSortedValues::make(const LyrVolume& values, LyrSortedValues& out, LyrAnalysisOutcome& outcome,
                            const LyrAnalysisControl& control) {
-    // The merges double their length up to the whole: their weights sum up to less than 2.
-    lyranalysis::AnalysisTask task("value order", 3.0, control, outcome);
+    constexpr double kCollect = 0.3;
+    lyranalysis::AnalysisTask task("value order", 1.0, control, outcome);
     LyrSortedValues made;
     if (!task.run([&] {
-            const auto finite = [](float value) { return std::isfinite(value); };
-            const auto count = std::count_if(values.samples().begin(), values.samples().end(), finite);
-            // A merge takes as much again.
-            if (!task.hasMemory(static_cast<std::uint64_t>(count) * 2 * sizeof(float))) {
+            std::size_t count = 0;
+            if (!countFinite(values, task, kCollect / 2.0, count) ||
+                !task.claim(2 * lyranalysis::sortBytes<float>(count)) ||
+                !collectFinite(values, task, kCollect / 2.0, count, made.values_)) {
                 return false;
             }
-            made.values_.reserve(static_cast<std::size_t>(count));
-            std::copy_if(values.samples().begin(), values.samples().end(), std::back_inserter(made.values_), finite);
-            return sortValues(made.values_, task);
+            return lyranalysis::sortInPieces(made.values_, task, 1.0 - kCollect, std::less<>());
         })) {
         return false;
     }

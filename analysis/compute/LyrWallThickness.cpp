@@ -1,8 +1,8 @@
 #include <analysis/compute/LyrWallThickness.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -59,7 +59,7 @@ public:
     bool run() {
         std::vector<float> values;
         std::vector<lyranalysis::Ball> balls;
-        if (!task_.hasMemory(grid_.voxels() * lyranalysis::kDistanceBytes) || !countMaterial() ||
+        if (!task_.claim(grid_.voxels() * lyranalysis::kDistanceBytes) || !countMaterial() ||
             !lyranalysis::findSurfaceDistances(grid_, task_, values) ||
             !lyranalysis::findInscribedBalls(grid_, values, task_, balls) ||
             !lyranalysis::paintDiameters(grid_, balls, task_, values) || !measure(values)) {
@@ -130,20 +130,54 @@ private:
         return findMedian(values);
     }
 
-    /** The middle of all values in order; the lower of two middle ones. */
+    /** The middle of all values in order; the lower of two middle ones. They are above zero, so that their bits are in
+     *  the same order: the upper half of the bits is found first, then the lower one. */
     bool findMedian(const std::vector<float>& values) {
-        if (!task_.hasMemory(out_.materialVoxels * sizeof(float))) {
+        std::uint64_t before = (out_.materialVoxels - 1) / 2;
+        std::uint32_t upper = 0;
+        std::uint32_t lower = 0;
+        const auto upperHalf = [](std::uint32_t bits) { return bits >> 16U; };
+        if (!findHalf(
+                values, [](std::uint32_t) { return true; }, upperHalf, before, upper) ||
+            !findHalf(
+                values, [&](std::uint32_t bits) { return upperHalf(bits) == upper; },
+                [](std::uint32_t bits) { return bits & 0xFFFFU; }, before, lower)) {
             return false;
         }
-        return task_.stage(kStatisticsWeight / 2.0, 1, [&](std::size_t, std::size_t) {
-            std::vector<float> material;
-            material.reserve(out_.materialVoxels);
-            std::copy_if(values.begin(), values.end(), std::back_inserter(material),
-                         [](float value) { return !std::isnan(value); });
-            const auto middle = material.begin() + static_cast<std::ptrdiff_t>((material.size() - 1) / 2);
-            std::nth_element(material.begin(), middle, material.end());
-            out_.median = static_cast<double>(*middle);
-        });
+        out_.median = static_cast<double>(std::bit_cast<float>(upper << 16U | lower));
+        return true;
+    }
+
+    /** The half of the bits of the value that has `before` others before it, of the material's that count; `before`
+     *  becomes the number before it among those of this half. */
+    template <typename Counts, typename Half>
+    bool findHalf(const std::vector<float>& values, const Counts& countsIn, const Half& half, std::uint64_t& before,
+                  std::uint32_t& found) {
+        constexpr std::size_t kHalves = 65536;
+        std::vector<std::vector<std::uint64_t>> counts(task_.threads(), std::vector<std::uint64_t>(kHalves));
+        if (!task_.stage(kStatisticsWeight / 4.0, grid_.depth(), [&](std::size_t slice, std::size_t worker) {
+                forSlice(slice, [&](std::size_t i) {
+                    const auto bits = std::bit_cast<std::uint32_t>(values[i]);
+                    if (!std::isnan(values[i]) && countsIn(bits)) {
+                        ++counts[worker][half(bits)];
+                    }
+                });
+            })) {
+            return false;
+        }
+        const auto countOf = [&](std::uint32_t value) {
+            std::uint64_t sum = 0;
+            for (const std::vector<std::uint64_t>& mine : counts) {
+                sum += mine[value];
+            }
+            return sum;
+        };
+        found = 0;
+        for (std::uint64_t here = countOf(0); before >= here && found + 1 < kHalves; here = countOf(found)) {
+            before -= here;
+            ++found;
+        }
+        return true;
     }
 
     Grid grid_;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include <analysis/compute/PiecewiseSort_p.h>
+
 namespace lyranalysis {
 
 namespace {
@@ -12,19 +14,12 @@ constexpr float kFar = std::numeric_limits<float>::infinity();
 // Lines across the memory are worked on in blocks of this many neighbours, a cache line of floats.
 constexpr std::size_t kBlock = 16;
 
-/** Where the surface lies between two neighbours, from the material one on: 0 at its centre, 1 at the other's. */
-double crossing(float material, float air, float threshold) {
-    const double step = static_cast<double>(material) - static_cast<double>(air);
-    const double part = (static_cast<double>(material) - static_cast<double>(threshold)) / step;
-    return std::isfinite(part) ? std::clamp(part, 0.0, 1.0) : 0.5;
-}
-
 /** Squared distances along one line to the surface points on the line itself. `values` holds the line's samples. */
 void scanLine(const float* values, std::size_t count, double spacing, float threshold, float* out) {
     const auto surfaceAfter = [&](std::size_t i) {
         const bool material = values[i] >= threshold;
-        const double part = material ? crossing(values[i], values[i + 1], threshold)
-                                     : 1.0 - crossing(values[i + 1], values[i], threshold);
+        const double part = material ? surfacePart(values[i], values[i + 1], threshold)
+                                     : 1.0 - surfacePart(values[i + 1], values[i], threshold);
         return (static_cast<double>(i) + part) * spacing;
     };
     const auto squared = [](double distance) { return static_cast<float>(distance * distance); };
@@ -126,9 +121,8 @@ public:
 
     bool run(std::vector<float>& out) {
         // Surface points between neighbours along z, then those along x and y.
-        alongZ_.resize(grid_.voxels());
-        out.resize(grid_.voxels());
-        return scanAlongZ() && spreadInSlices(out) && spreadAlongZ(out) && correctNearest(out);
+        return resizeInSteps(alongZ_, grid_.voxels(), 0.0F, task_) && resizeInSteps(out, grid_.voxels(), 0.0F, task_) &&
+               scanAlongZ() && spreadInSlices(out) && spreadAlongZ(out) && correctNearest(out);
     }
 
 private:
@@ -259,8 +253,8 @@ private:
         double nearest = std::numeric_limits<double>::infinity();
         const auto look = [&](float there) {
             if ((there >= grid_.threshold) != material) {
-                const double part =
-                    material ? crossing(here, there, grid_.threshold) : 1.0 - crossing(there, here, grid_.threshold);
+                const double part = material ? surfacePart(here, there, grid_.threshold)
+                                             : 1.0 - surfacePart(there, here, grid_.threshold);
                 nearest = std::min(nearest, part * spacing);
             }
         };

@@ -83,6 +83,38 @@ private:
     std::atomic<bool>& mGo;
 };
 
+/** Its run looks at the flag alone, and ends when it is allowed to. */
+class DeafRun : public LyqAnalysisRun {
+public:
+    DeafRun(std::atomic<bool>& mayEnd, std::atomic<bool>& told) : mMayEnd(mayEnd), mTold(told) {}
+    bool compute(const Progress&, QString&) override {
+        while (!mMayEnd) {
+            mTold = mTold || cancelFlag();
+            QThread::msleep(1);
+        }
+        return true;
+    }
+    std::vector<LyrObjectPtr> createLayers() override { return {LyrObjectPtr(new ResultLayer)}; }
+
+private:
+    std::atomic<bool>& mMayEnd;
+    std::atomic<bool>& mTold;
+};
+
+class DeafAnalysis : public LyqAnalysisExtension {
+public:
+    DeafAnalysis(std::atomic<bool>& mayEnd, std::atomic<bool>& told)
+        : LyqAnalysisExtension("deaf", "Deaf", MODULE), mMayEnd(mayEnd), mTold(told) {}
+    bool accepts(const LyrObject*) const override { return true; }
+    std::unique_ptr<LyqAnalysisRun> createRun(LyrObject*, QString&) override {
+        return std::make_unique<DeafRun>(mMayEnd, mTold);
+    }
+
+private:
+    std::atomic<bool>& mMayEnd;
+    std::atomic<bool>& mTold;
+};
+
 /** The window, and what a plug-in would do to it. */
 class Extensions : public OpenWorkbench {
 protected:
@@ -164,6 +196,27 @@ TEST_F(Extensions, an_analysis_runs_in_the_background_and_adds_layers_and_a_repo
     ASSERT_EQ(LyqSession::instance().reports().size(), 1u);
     EXPECT_EQ(LyqSession::instance().reports()[0].rows[0][0].toDouble(), 1.5);
     EXPECT_TRUE(action->isEnabled());
+}
+
+TEST_F(Extensions, nobody_waits_for_a_cancelled_analysis_and_the_next_one_may_begin) {
+    ASSERT_TRUE(open("builtin:casting@16"));
+    std::atomic<bool> mayEnd{false};
+    std::atomic<bool> told{false};
+    registry.add(std::make_unique<DeafAnalysis>(mayEnd, told));
+    QString message;
+    auto* analysis = registry.find<LyqAnalysisExtension>("deaf");
+    ASSERT_TRUE(window->analyses().start(*analysis, message)) << message.toStdString();
+    // The run ends only when it is allowed to below: a cancel() that waits for it would never return.
+    window->analyses().cancel();
+    EXPECT_FALSE(window->analyses().isRunning());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return told.load(); })) << "the run's flag is set, without a call of progress";
+    ASSERT_TRUE(window->analyses().start(*analysis, message)) << message.toStdString();
+    window->analyses().cancel();
+    mayEnd = true;
+    const int layers = static_cast<int>(LyqSession::instance().layers().size());
+    QTest::qWait(100);
+    EXPECT_EQ(static_cast<int>(LyqSession::instance().layers().size()), layers);
+    EXPECT_FALSE(window->isBusy());
 }
 
 TEST_F(Extensions, a_cancelled_analysis_adds_nothing) {

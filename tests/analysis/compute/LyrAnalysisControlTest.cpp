@@ -1,6 +1,10 @@
 #include <analysis/compute/LyrAnalysisControl.h>
 
+#include <time.h>
+
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
 #include <thread>
@@ -15,6 +19,8 @@
 using testvolumes::VolumePtr;
 
 namespace {
+
+using Analyse = bool (*)(const VolumePtr&, const LyrAnalysisControl&, LyrAnalysisOutcome&);
 
 bool runDefects(const VolumePtr& volume, const LyrAnalysisControl& control, LyrAnalysisOutcome& outcome) {
     LyrDefectResult result;
@@ -44,7 +50,43 @@ bool runSorting(const VolumePtr& volume, const LyrAnalysisControl& control, LyrA
     return done;
 }
 
-using Analyse = bool (*)(const VolumePtr&, const LyrAnalysisControl&, LyrAnalysisOutcome&);
+/** Seconds of processor time, of all threads, from the moment when a flag is set until an analysis returns. The flag is
+ *  set by another thread, some milliseconds after a part was told to be done: in the midst of what comes next. */
+double timeToEnd(Analyse run, const VolumePtr& volume, double part, LyrAnalysisOutcome& outcome) {
+    const auto processorTime = [] {
+        timespec now{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+        return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+    };
+    std::atomic<bool> flag{false};
+    std::atomic<bool> ended{false};
+    std::atomic<double> told{-1.0};
+    double from = 0.0;
+    std::jthread canceller([&] {
+        while (told < part && !ended) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        const double seen = processorTime();
+        while (processorTime() < seen + 0.01 && !ended) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        from = processorTime();
+        flag = true;
+    });
+    LyrAnalysisControl control;
+    control.threads = 2;
+    control.cancel = &flag;
+    control.progress = [&](double done) {
+        told = done;
+        return true;
+    };
+    run(volume, control, outcome);
+    const double until = processorTime();
+    ended = true;
+    canceller.join();
+    return outcome.cancelled ? until - from : 0.0;
+}
+
 constexpr Analyse kAll[] = {runDefects, runThickness, runThreshold, runSorting};
 
 bool sameBits(const LyrVolume& a, const LyrVolume& b) {
@@ -143,6 +185,28 @@ TEST(LyrAnalysisControl, a_flag_cancels_before_and_during) {
         EXPECT_TRUE(run(volume, control, outcome)) << "a cancelled analysis can be run again";
         EXPECT_FALSE(outcome.cancelled);
         EXPECT_TRUE(outcome.error.empty());
+    }
+}
+
+TEST(LyrAnalysisControl, a_flag_ends_an_analysis_within_milliseconds_whatever_it_does_just_then) {
+    struct Case {
+        Analyse run;
+        VolumePtr volume;
+        std::vector<double> moments;
+    };
+    // A volume of few slices is painted with balls in one piece, about the half of the work, from 0.48 on.
+    const Case cases[] = {{runThickness, testvolumes::noise({512, 512, 8}), {0.1, 0.3, 0.42, 0.45, 0.47, 0.482}},
+                          {runThickness, testvolumes::casting(96, 5.0), {0.0, 0.2, 0.4, 0.6, 0.8, 0.9}},
+                          {runDefects, testvolumes::noise(144), {0.1, 0.25, 0.4, 0.55, 0.7, 0.8, 0.9}},
+                          {runSorting, testvolumes::noise(192), {0.1, 0.3, 0.5, 0.7}}};
+    for (const Case& one : cases) {
+        std::size_t cancelled = 0;
+        for (const double moment : one.moments) {
+            LyrAnalysisOutcome outcome;
+            EXPECT_LT(timeToEnd(one.run, one.volume, moment, outcome), 0.1) << "from " << moment;
+            cancelled += outcome.cancelled ? 1 : 0;
+        }
+        EXPECT_GT(cancelled, one.moments.size() / 2);
     }
 }
 

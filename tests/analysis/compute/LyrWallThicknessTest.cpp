@@ -28,12 +28,15 @@ std::string errorOf(const VolumePtr& volume, const LyrWallThickness::Options& op
     return outcome.error;
 }
 
-/** How far the thickness in each wall is from the truth. Within half a thickness of the foot, where the block widens
- * the wall, nothing is expected; within as much of the other ends, where balls may fit worse, a few places may differ.
- */
-void expectWalls(const LyrThicknessResult& result, std::int64_t edge) {
+/** How far the thickness in each wall is from the truth. Within half a thickness and a voxel of the foot, where
+ * balls of the block reach into the wall, nothing is expected; within half a thickness of the other ends, where balls
+ * may fit worse, the part `atEnds` may differ. Walls thinner than a voxel are left out. */
+void expectWalls(const LyrThicknessResult& result, std::int64_t edge, double atEnds = 0.03) {
     const LyrCasting::Truth truth = LyrCasting::truth(edge);
     for (const LyrCasting::Wall& wall : truth.walls) {
+        if (wall.thickness < truth.spacing) {
+            continue;
+        }
         double worst = 0.0;
         double seen = 0.0;
         double wrong = 0.0;
@@ -44,7 +47,8 @@ void expectWalls(const LyrThicknessResult& result, std::int64_t edge) {
                     const double half = wall.thickness / 2.0;
                     const float thickness = result.values->at(x, y, z);
                     if (at(x) < wall.low[0] || at(x) > wall.high[0] || at(y) < wall.low[1] || at(y) > wall.high[1] ||
-                        at(z) < wall.low[2] + half || at(z) > wall.high[2] || std::isnan(thickness)) {
+                        at(z) < wall.low[2] + half + truth.spacing || at(z) > wall.high[2] ||
+                        std::isnan(thickness)) {
                         continue;
                     }
                     const double error = std::abs(static_cast<double>(thickness) - wall.thickness);
@@ -57,10 +61,11 @@ void expectWalls(const LyrThicknessResult& result, std::int64_t edge) {
             }
         }
         const double voxels = (wall.high[0] - wall.low[0]) * (wall.high[1] - wall.low[1]) *
-                              (wall.high[2] - wall.low[2] - wall.thickness / 2.0) / std::pow(truth.spacing, 3.0);
-        EXPECT_GT(seen, 0.8 * voxels);
+                              (wall.high[2] - wall.low[2] - wall.thickness / 2.0 - truth.spacing) /
+                              std::pow(truth.spacing, 3.0);
+        EXPECT_GT(seen, 0.4 * voxels) << "wall of " << wall.thickness << " mm at " << edge;
         EXPECT_LE(worst, truth.spacing) << "wall of " << wall.thickness << " mm at " << edge;
-        EXPECT_LE(wrong, 0.03 * seen) << "wall of " << wall.thickness << " mm at " << edge;
+        EXPECT_LE(wrong, atEnds * seen) << "wall of " << wall.thickness << " mm at " << edge;
     }
 }
 
@@ -84,6 +89,43 @@ TEST(LyrWallThickness, measures_the_walls_of_the_casting_within_a_voxel) {
 TEST(LyrWallThickness, measures_the_walls_of_the_casting_within_a_voxel_under_noise) {
     for (const std::int64_t edge : testvolumes::castingEdges({96})) {
         expectWalls(analyse(testvolumes::casting(edge, 5.0)), edge);
+    }
+}
+
+// Down to walls of one voxel with gaps of 1.3 voxels between them, however both lie in the grid.
+TEST(LyrWallThickness, measures_walls_of_one_voxel_beside_gaps_of_little_more) {
+    for (const double noise : {0.0, 5.0}) {
+        for (std::int64_t edge = 28; edge <= 62; edge += noise > 0.0 ? 4 : 1) {
+            SCOPED_TRACE(noise);
+            expectWalls(analyse(testvolumes::casting(edge, noise)), edge, 0.15);
+        }
+    }
+}
+
+TEST(LyrWallThickness, keeps_the_thickness_of_a_block_out_of_the_thin_walls_on_it) {
+    // Two walls on a block of 12, with a gap of 1.2 between them and air on their other sides, at several places.
+    for (const double offset : {0.0, 0.25, 0.5, 0.7}) {
+        for (const double thickness : {1.0, 1.5, 2.0, 2.6}) {
+            const double first = 8.0 + offset;
+            const double second = first + thickness + 1.2;
+            const auto inWall = [=](double x) {
+                return (x > first && x < first + thickness) || (x > second && x < second + thickness);
+            };
+            const LyrThicknessResult result = analyse(makeShape({26, 24, 34}, [=](const Place& p) {
+                const bool inside = p[1] > 2.5 && p[1] < 20.5 && p[0] > 2.5 && p[0] < 22.5;
+                return inside && p[2] > 2.5 && p[2] < (inWall(p[0]) ? 29.5 : 14.5);
+            }));
+            for (std::int64_t z = 17; z < 27; ++z) {
+                for (std::int64_t y = 5; y < 18; ++y) {
+                    for (std::int64_t x = 4; x < 22; ++x) {
+                        const float value = result.values->at(x, y, z);
+                        if (!std::isnan(value)) {
+                            ASSERT_NEAR(value, thickness, 1.0) << "at " << x << ' ' << y << ' ' << z << ", " << offset;
+                        }
+                    }
+                }
+            }
+        }
     }
 }
 

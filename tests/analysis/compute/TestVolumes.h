@@ -86,13 +86,17 @@ inline VolumePtr casting(std::int64_t edge, double noisePercent = 0.0, std::uint
 }
 
 /** Samples between 0 and 1 without any order, the same everywhere. */
-inline VolumePtr noise(std::int64_t edge, std::uint32_t seed = 1) {
+inline VolumePtr noise(LyrVolume::Size size, std::uint32_t seed = 1) {
     std::uint32_t state = seed;
-    return make({edge, edge, edge}, [&state](std::int64_t, std::int64_t, std::int64_t) {
+    return make(size, [&state](std::int64_t, std::int64_t, std::int64_t) {
         // Numerical Recipes' linear congruence; its upper bits are good enough here.
         state = state * 1664525U + 1013904223U;
         return static_cast<float>(state >> 8U) / 16777216.0F;
     });
+}
+
+inline VolumePtr noise(std::int64_t edge, std::uint32_t seed = 1) {
+    return noise({edge, edge, edge}, seed);
 }
 
 /** Edge lengths that tests run with: numbers in a variable of the environment take the place of the usual ones. */
