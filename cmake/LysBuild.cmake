@@ -46,6 +46,16 @@ endif()
 add_library(lys_warnings INTERFACE)
 target_compile_options(lys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
+# Builds under sanitizers spend most of their time on the toolkit's headers and on optimising tests; ordinary builds keep
+# to narrow includes.
+function(lys_precompile target header)
+  if(LYS_PRECOMPILE)
+    target_precompile_headers(${target} PRIVATE "${CMAKE_SOURCE_DIR}/${header}")
+    # For ccache.
+    target_compile_options(${target} PRIVATE -fpch-preprocess)
+  endif()
+endfunction()
+
 # Installs the public headers of the list under <prefix>/include/lys, in the folders that they have below `root`.
 function(lys_install_headers root)
   foreach(header IN LISTS ARGN)
@@ -92,6 +102,7 @@ function(lys_add_library target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:lys_warnings>)
   string(TOUPPER ${target} upper)
   target_compile_definitions(${target} PRIVATE ${upper}_BUILD)
+  lys_precompile(${target} cmake/CommonHeaders.h)
   lys_install_headers("${A_INCLUDE_ROOT}" ${sources})
   if(A_MODULE_FOLDER)
     # A module is found by its plain name.
@@ -146,6 +157,10 @@ function(lys_add_test target)
   target_link_libraries(${target} PRIVATE ${A_LIBRARIES} GTest::gmock GTest::gtest_main lys_warnings)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  lys_precompile(${target} tests/CommonHeaders.h)
+  if(LYS_PRECOMPILE)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
   set(properties TIMEOUT 120)
   if(A_WIDGETS)
     list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")

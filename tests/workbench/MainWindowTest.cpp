@@ -14,7 +14,6 @@
 #include <workbench/ReadoutBar.h>
 
 #include <QApplication>
-#include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -25,9 +24,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
-
-#include <algorithm>
-#include <random>
 
 namespace {
 
@@ -58,18 +54,6 @@ void recolorUpperSection(float red) {
     ASSERT_TRUE(points.load(section, Lyrenum("PointListRed", true)));
     points.items()[0].y = red;
     ASSERT_TRUE(points.store(section, Lyrenum("PointListRed", true)));
-}
-
-/** Memory that the process holds at present. */
-long residentKilobytes() {
-    QFile status("/proc/self/status");
-    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').first().toLong();
-        }
-    }
-    return 0;
 }
 
 }  // namespace
@@ -263,49 +247,4 @@ TEST_F(OpenWorkbench, a_file_that_is_dropped_onto_the_window_is_opened) {
     ASSERT_TRUE(opened);
     EXPECT_EQ(opened->name(), "two.nrrd");
     EXPECT_EQ(opened->volume()->samples()[1], 2.0f);
-}
-
-TEST_F(OpenWorkbench, much_handling_of_the_window_leaves_its_memory_as_it_was) {
-    ASSERT_TRUE(open("builtin:casting@32"));
-    QList<QDockWidget*> docks = window->findChildren<QDockWidget*>();
-    ASSERT_FALSE(docks.isEmpty());
-    std::mt19937 random(7);
-    const auto handle = [&] {
-        QDockWidget* dock = docks[static_cast<int>(random() % static_cast<unsigned>(docks.size()))];
-        LyqCameraWidget* view = window->views().views()[random() % 4];
-        switch (random() % 6) {
-            case 0:
-                dock->setFloating(!dock->isFloating());
-                break;
-            case 1:
-                dock->setVisible(!dock->isVisible());
-                break;
-            case 2:
-                window->resize(700 + static_cast<int>(random() % 400), 500 + static_cast<int>(random() % 300));
-                break;
-            case 3:
-                window->views().setMaximizedView(window->views().maximizedView() ? nullptr : view);
-                break;
-            case 4:
-                recolorUpperSection(static_cast<float>(random() % 256) / 256.0f);
-                break;
-            default:
-                window->views()
-                    .sliceView(static_cast<int>(random() % 3))
-                    ->setSliceIndex(static_cast<int>(random() % 32));
-        }
-        QTest::qWait(1);
-        window->views().finishFrames();
-    };
-    const auto handleOften = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            handle();
-        }
-        return residentKilobytes();
-    };
-    // What the software renderer holds goes up and down with the sizes of the views; one picture of a view that leaked
-    // with each step would come to 50 MiB and more.
-    const long before = handleOften(150);
-    const long first = handleOften(100);
-    EXPECT_LT(std::min(first, handleOften(100)) - before, 24 * 1024);
 }
