@@ -292,7 +292,7 @@ void QTable::mouseDoubleClickEvent(QMouseEvent* event) {
         QTableWidget::mouseDoubleClickEvent(event);
     }
     if (self && index.isValid()) {
-        Q_EMIT doubleClicked(index.row(), index.column(), event->button(), position);
+        Q_EMIT doubleClicked(index.row(), index.column(), static_cast<int>(event->button()), position);
     }
 }
 

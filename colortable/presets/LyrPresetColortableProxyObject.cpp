@@ -40,9 +40,9 @@ struct LyrPresetColortableProxyObject::Private : LyrPrivatePart {
         /** Links a new default table. */
         bool resetData() override {
             const ApplyingDefault applying(*this);
-            const LyrObjectRefPtr table("LyrColorLookupTable", Lyr::TransientScope);
-            const bool made = table && table->prepareRoles();
-            return (made && setValue(LyrObjectLink(table.get(), nullptr, -1))) || LyrObjectHardLinkOP::resetData();
+            const LyrObjectRefPtr fresh("LyrColorLookupTable", Lyr::TransientScope);
+            const bool made = fresh && fresh->prepareRoles();
+            return (made && setValue(LyrObjectLink(fresh.get(), nullptr, -1))) || LyrObjectHardLinkOP::resetData();
         }
     };
 

@@ -79,7 +79,7 @@ int followLinks(std::string& path) {
         link.resize(static_cast<std::size_t>(length));
         const auto slash = path.rfind('/');
         const bool isRelative = !link.starts_with('/') && slash != std::string::npos;
-        path = isRelative ? path.substr(0, slash + 1) + link : link;
+        path.replace(isRelative ? slash + 1 : 0, std::string::npos, link);
     }
     return ELOOP;
 }
@@ -320,7 +320,7 @@ bool LyrFileSaver::replace(const std::string& path, std::string_view content, Ly
         return false;
     }
     try {
-        *message = LyrString(std::string(path.c_str()) + ": not saved: ") + reason;
+        *message = LyrString(path.substr(0, path.find('\0')) + ": not saved: ") + reason;
     } catch (...) {
         *message = std::move(reason);
     }

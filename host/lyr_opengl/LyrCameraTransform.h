@@ -5,6 +5,7 @@
 #include <lyr_opengl/LyrOpenglExport.h>
 
 #include <array>
+#include <cstddef>
 
 namespace LyrSceneGraph {
 
@@ -45,7 +46,7 @@ public:
     void setSlice(int index, float position) noexcept;
     int getAxis() const noexcept { return mAxis; }
     int getSliceIndex() const noexcept { return mSliceIndex; }
-    float getSlicePosition() const noexcept { return static_cast<float>(mCenter[mAxis]); }
+    float getSlicePosition() const noexcept { return static_cast<float>(mCenter[static_cast<std::size_t>(mAxis)]); }
 
     /** Shows the whole box, from the first direction. */
     void fit() noexcept;
