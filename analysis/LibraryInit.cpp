@@ -48,7 +48,7 @@ bool __lyqanalysis_enum_init() {
     }
     bool complete = true;
     for (std::size_t i = 0; i < std::size(NAMES); ++i) {
-        if (!sRecords[i]) {
+        if (!sRecords[i] || sRecords[i]->get() == Lyrenum(-1)) {
             sRecords[i].emplace(NAMES[i], false, LYS_ANALYSIS_MODULE);
         }
         complete = complete && sRecords[i]->get() != Lyrenum(-1);

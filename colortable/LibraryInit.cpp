@@ -14,6 +14,8 @@
 #include <colortable/viewport/LyrColorLookupTableRenderPlugin.h>
 #include <colortable/viewport/LyrColorTableCameraRoleHook.h>
 #include <colortable/viewport/LyrColorTableWorkspaceWidgetPreparations.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/ApplicationPlaceholders.h>
@@ -44,13 +46,10 @@ template <std::size_t N>
 bool registerNames(const char* const (&names)[N], std::optional<LyrRegisteredEnum> (&records)[N]) {
     bool complete = true;
     for (std::size_t i = 0; i < N; ++i) {
-        try {
-            if (!records[i]) {
-                records[i].emplace(names[i], false, LYS_COLORTABLE_MODULE);
-            }
-        } catch (...) {
-            complete = false;
+        if (!records[i] || records[i]->get() == Lyrenum(-1)) {
+            records[i].emplace(names[i], false, LYS_COLORTABLE_MODULE);
         }
+        complete = complete && records[i]->get() != Lyrenum(-1);
     }
     return complete;
 }
@@ -97,13 +96,13 @@ struct RenderPluginRole {
 };
 [[maybe_unused]] const RenderPluginRole sRenderPluginRole;
 
-/** Makes an object of the whole application. Null when memory ran out. */
-template <class T>
-std::unique_ptr<T> install() {
+/** Does a part of the initialisation; one that finds no memory is missing then, which is reported. */
+template <class Work>
+void install(Work work) noexcept {
     try {
-        return std::make_unique<T>();
+        work();
     } catch (...) {
-        return nullptr;
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
     }
 }
 
@@ -140,9 +139,9 @@ void LibraryInit::_init() {
     }
     LyqApplication::instance();
     LyqPreferenceManager::instance();
-    mPreparations = install<LyrColorTableWorkspaceWidgetPreparations>();
-    mCameraRoleHook = install<LyrColorTableCameraRoleHook>();
-    lysAddLegendPlaceholders();
+    install([&] { mPreparations = std::make_unique<LyrColorTableWorkspaceWidgetPreparations>(); });
+    install([&] { mCameraRoleHook = std::make_unique<LyrColorTableCameraRoleHook>(); });
+    install([] { lysAddLegendPlaceholders(); });
 }
 
 void LibraryInit::_cleanup() {

@@ -98,7 +98,7 @@ private:
     void writeSwitch(Lyrenum property, bool on, const QString& actionName);
     bool isStillEdited(const LyrObject* table, const LyrObject* section) const;
     bool isLeftOfCentre(int row, const QPoint& position) const;
-    bool editColorPoint(LyrObject& section, std::size_t index);
+    bool editColorPoint(LyrObject& section, long long index);
     void editOpacity(LyrObject& section);
 
     std::unique_ptr<Private> d;

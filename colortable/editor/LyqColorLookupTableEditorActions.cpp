@@ -140,7 +140,9 @@ void LyqColorLookupTableEditor::tableDoubleClickedSlot(int row, int col, int, co
     } else if (type == Lyr::Continue) {
         if (editColorPoint(*section, 0)) {
             const WriteLock lock(*this);
-            lyrSetValue(section.get(), Lyr::Type, Lyrenum(Lyr::Constant));
+            if (!lyrSetValue(section.get(), Lyr::Type, Lyrenum(Lyr::Constant))) {
+                action.abort();
+            }
         }
     } else if (type == Lyr::Gradient) {
         editColorPoint(*section, isLeftOfCentre(row, position) ? 0 : 1);
@@ -164,13 +166,10 @@ bool LyqColorLookupTableEditor::isStillEdited(const LyrObject* table, const LyrO
                                             [section](const LyrObjectLink& link) { return link.getLink() == section; });
 }
 
-bool LyqColorLookupTableEditor::editColorPoint(LyrObject& section, std::size_t index) {
+bool LyqColorLookupTableEditor::editColorPoint(LyrObject& section, long long index) {
     const LyrObject* table = d->table.get();
-    // Points that are missing are added to what is written in the end: a dialog that is cancelled changes nothing.
-    auto points = lys::editor::ControlPoints::of(section);
-    points.extendTo(index + 1);
     const QGuardedPtr<QWidget> self = this;
-    const QGuardedPtr<QColorDialog> dialog = new QColorDialog(LyqColorWidget::toQColor(points.colorAt(index)), this);
+    const QGuardedPtr<QColorDialog> dialog = new QColorDialog(LyqColorWidget::toQColor(lys::editor::colorPointOf(section, index)), this);
     dialog->setOption(QColorDialog::ShowAlphaChannel);
     const bool accepted = dialog->exec() == QDialog::Accepted && dialog;
     const QColor color = accepted ? dialog->selectedColor() : QColor();
@@ -178,9 +177,9 @@ bool LyqColorLookupTableEditor::editColorPoint(LyrObject& section, std::size_t i
     if (!self || !color.isValid() || !isStillEdited(table, &section)) {
         return false;
     }
-    points.setColorAt(index, LyqColorWidget::fromQColor(color));
+    // Points that are missing are added here: a dialog that is cancelled changes nothing.
     const WriteLock lock(*this);
-    return points.store(section);
+    return lys::editor::setColorPoint(section, index, LyqColorWidget::fromQColor(color));
 }
 
 void LyqColorLookupTableEditor::editOpacity(LyrObject& section) {

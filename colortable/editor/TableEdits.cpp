@@ -1,11 +1,16 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/editor/TableEdits_p.h>
 #include <lyr_core/LyrClass.h>
+#include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObjectPtr.h>
 #include <lyr_core/LyrPropertyPtr.h>
+#include <lyr_core/LyrVector2.h>
+#include <lyr_core/LyrWholeWrite.h>
 
+#include <array>
+#include <initializer_list>
 #include <limits>
 
 namespace lys::editor {
@@ -13,7 +18,8 @@ namespace lys::editor {
 namespace {
 
 using Section = LyrColorLookupTable::Section;
-using Points = ControlPoints::List;
+using Point = LyrVector2<float>;
+using PointList = LyrValueArrayPropertyIF<Point>;
 
 constexpr float LARGEST = std::numeric_limits<float>::max();
 
@@ -34,22 +40,73 @@ std::array<Lyrenum, 4> channelIds() {
     return {Lyr::PointListRed, Lyr::PointListGreen, Lyr::PointListBlue, Lyr::PointListAlpha};
 }
 
+/** Does what writes some properties of an object, or leaves all of them as they were. */
+template <class Work>
+bool writeWhole(LyrObject& object, std::initializer_list<Lyrenum> properties, Work work) {
+    try {
+        LyrWholeWrite whole;
+        for (const Lyrenum id : properties) {
+            if (!whole.add(object.getProperty(id))) {
+                return false;
+            }
+        }
+        if (!work()) {
+            return false;
+        }
+        whole.keep();
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(&object, Lyr::AllocationFailed));
+        return false;
+    }
+}
+
 /** What a section of a type starts with: a constant is blue, a gradient runs from blue to red, a scheme is opaque. */
-ControlPoints startingPoints(Lyrenum type) {
-    if (type == Lyr::Constant) {
-        return {{Points{{0, 0}}, Points{{0, 0}}, Points{{0, 1}}, Points{{0, 1}}}};
+bool writeStartingPoints(LyrObject& section, Lyrenum type) {
+    // Both points of a gradient's list stand at 0: colouring asks for their order only.
+    struct Ends {
+        float first;
+        float last;
+    };
+    const bool isGradient = type == Lyr::Gradient;
+    const float blue = isGradient || type == Lyr::Constant ? 1.0f : 0.0f;
+    const Ends channels[] = {{0, 1}, {0, 0}, {blue, 0}, {1, 1}};
+    for (std::size_t i = 0; i < std::size(channels); ++i) {
+        const Point points[] = {{0, channels[i].first}, {0, channels[i].last}};
+        const LyrValueArrayOPPtr<PointList> list(&section, channelIds()[i]);
+        if (!list || !list->initArray(0, isGradient ? 1 : 0, points)) {
+            return false;
+        }
     }
-    if (type == Lyr::Gradient) {
-        // Both points of a list stand at 0: colouring asks for their order only.
-        return {{Points{{0, 0}, {0, 1}}, Points{{0, 0}, {0, 0}}, Points{{0, 1}, {0, 0}}, Points{{0, 1}, {0, 1}}}};
-    }
-    return {{Points{{0, 0}}, Points{{0, 0}}, Points{{0, 0}}, Points{{0, 1}}}};
+    return true;
 }
 
 /** Writes boundaries, then sections: in between the table is inconsistent. */
 bool storeContent(LyrObject& table, const TableContent& content) {
-    return writeList(table, Lyr::PositionList, content.positions) &&
-           writeList(table, Lyr::SectionList, content.sections);
+    return writeWhole(table, {Lyr::PositionList, Lyr::SectionList}, [&] {
+        return writeList(table, Lyr::PositionList, content.positions) &&
+               writeList(table, Lyr::SectionList, content.sections);
+    });
+}
+
+/** Colours one channel of a control point; `missing` fills the list up to it. */
+bool setPoint(LyrObject& section, Lyrenum channel, long long index, float value, float missing) {
+    LyrValueArrayOPCache<Point> points;
+    if (!points.load(&section, channel)) {
+        return false;
+    }
+    for (auto k = static_cast<long long>(points.items().size()); k <= index; ++k) {
+        points.items().emplace_back(static_cast<float>(k), missing);
+    }
+    points.items()[static_cast<std::size_t>(index)].y = value;
+    return points.store(&section, channel);
+}
+
+/** The value of a control point in one channel, `missing` if there is none. */
+float pointOf(const LyrObject& section, Lyrenum channel, long long index, float missing) {
+    const LyrValueArrayOPPtr<PointList> list(&section, channel);
+    Point point;
+    return list && index < list->getArraySize() && list->getArrayItems(index, index, &point) ? point.y : missing;
 }
 
 /** A new section with the type and the points of another; null when it could not be made. */
@@ -113,87 +170,77 @@ bool changeType(LyrObject& section, Lyrenum type) {
     if (lyrGetValue(&section, Lyr::Type, Lyrenum(-1)) == type) {
         return true;
     }
-    return lyrSetValue(&section, Lyr::Type, type) && (type == Lyr::Continue || startingPoints(type).store(section));
+    if (type == Lyr::Continue) {
+        return lyrSetValue(&section, Lyr::Type, type);
+    }
+    return writeWhole(section,
+                      {Lyr::Type, Lyr::PointListRed, Lyr::PointListGreen, Lyr::PointListBlue, Lyr::PointListAlpha},
+                      [&] { return lyrSetValue(&section, Lyr::Type, type) && writeStartingPoints(section, type); });
 }
 
 bool mergeSections(LyrObject& table, const SectionRange& range) {
-    const TableContent before = TableContent::of(&table);
-    if (!before.isConsistent() || range.getSize() < 2 || range.low < 1 || range.high > before.sectionCount() - 2) {
+    TableContent content = TableContent::of(&table);
+    if (!content.isConsistent() || range.getSize() < 2 || range.low < 1 || range.high > content.sectionCount() - 2) {
         return false;
     }
-    TableContent merged = before;
-    merged.sections.erase(merged.sections.begin() + range.low + 1, merged.sections.begin() + range.high + 1);
-    merged.positions.erase(merged.positions.begin() + range.low, merged.positions.begin() + range.high);
-    return storeContent(table, merged);
+    // Those that go are held by the list until it is written.
+    content.sections.erase(content.sections.begin() + range.low + 1, content.sections.begin() + range.high + 1);
+    content.positions.erase(content.positions.begin() + range.low, content.positions.begin() + range.high);
+    return storeContent(table, content);
 }
 
 bool splitSection(LyrObject& table, long long index) {
-    const TableContent before = TableContent::of(&table);
-    const LyrObject* section = before.sectionAt(index);
-    if (!before.isConsistent() || !section || index < 1 || index > before.sectionCount() - 2) {
+    TableContent content = TableContent::of(&table);
+    const LyrObject* section = content.sectionAt(index);
+    if (!content.isConsistent() || !section || index < 1 || index > content.sectionCount() - 2) {
         return false;
     }
     const LyrObjectRefPtr half = copyOf(*section);
     if (!half) {
         return false;
     }
-    TableContent split = before;
     const auto at = static_cast<std::size_t>(index);
     // In double: the sum of two large floats would be infinite.
-    const double middle = (double(before.positions[at - 1]) + double(before.positions[at])) * 0.5;
-    split.sections.insert(split.sections.begin() + index, LyrObjectLink(half.get(), nullptr, -1));
-    split.positions.insert(split.positions.begin() + index, static_cast<float>(middle));
-    return storeContent(table, split);
-}
-
-ControlPoints ControlPoints::of(const LyrObject& section) {
-    ControlPoints points;
-    for (std::size_t i = 0; i < points.channels.size(); ++i) {
-        points.channels[i] = readList<LyrVector2<float>>(&section, channelIds()[i]);
+    const double middle = (double(content.positions[at - 1]) + double(content.positions[at])) * 0.5;
+    try {
+        content.sections.insert(content.sections.begin() + index, LyrObjectLink(half.get(), nullptr, -1));
+        content.positions.insert(content.positions.begin() + index, static_cast<float>(middle));
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(&table, Lyr::AllocationFailed));
+        return false;
     }
-    return points;
+    return storeContent(table, content);
 }
 
-bool ControlPoints::store(LyrObject& section) const {
-    for (std::size_t i = 0; i < channels.size(); ++i) {
-        if (!writeList(section, channelIds()[i], channels[i])) {
-            return false;
-        }
-    }
-    return true;
+LyrRGBA<float> colorPointOf(const LyrObject& section, long long index) {
+    const auto ids = channelIds();
+    return {pointOf(section, ids[0], index, 0.0f), pointOf(section, ids[1], index, 0.0f),
+            pointOf(section, ids[2], index, 0.0f), pointOf(section, ids[3], index, 1.0f)};
 }
 
-void ControlPoints::extendTo(std::size_t count) {
-    for (std::size_t i = 0; i < channels.size(); ++i) {
-        for (std::size_t k = channels[i].size(); k < count; ++k) {
-            channels[i].emplace_back(static_cast<float>(k), i == 3 ? 1.0f : 0.0f);
-        }
-    }
-}
-
-LyrRGBA<float> ControlPoints::colorAt(std::size_t index) const {
-    return {channels[0][index].y, channels[1][index].y, channels[2][index].y, channels[3][index].y};
-}
-
-void ControlPoints::setColorAt(std::size_t index, const LyrRGBA<float>& color) {
-    channels[0][index].y = color.red;
-    channels[1][index].y = color.green;
-    channels[2][index].y = color.blue;
-    channels[3][index].y = color.alpha;
+bool setColorPoint(LyrObject& section, long long index, const LyrRGBA<float>& color) {
+    return index >= 0 &&
+           writeWhole(section, {Lyr::PointListRed, Lyr::PointListGreen, Lyr::PointListBlue, Lyr::PointListAlpha}, [&] {
+               return setPoint(section, Lyr::PointListRed, index, color.red, 0.0f) &&
+                      setPoint(section, Lyr::PointListGreen, index, color.green, 0.0f) &&
+                      setPoint(section, Lyr::PointListBlue, index, color.blue, 0.0f) &&
+                      setPoint(section, Lyr::PointListAlpha, index, color.alpha, 1.0f);
+           });
 }
 
 float opacityOf(const LyrObject& section) {
-    const Points points = readList<LyrVector2<float>>(&section, Lyr::PointListAlpha);
-    return points.empty() ? 1.0f : points.front().y;
+    return pointOf(section, Lyr::PointListAlpha, 0, 1.0f);
 }
 
 bool setOpacity(LyrObject& section, float opacity) {
-    Points points = readList<LyrVector2<float>>(&section, Lyr::PointListAlpha);
-    if (points.empty()) {
-        points.emplace_back(0.0f, opacity);
+    const LyrValueArrayOPPtr<PointList> list(&section, Lyr::PointListAlpha);
+    Point point(0.0f, opacity);
+    if (!list || list->getArraySize() == 0) {
+        return list && list->initArray(0, 0, &point);
     }
-    points.front().y = opacity;
-    return writeList(section, Lyr::PointListAlpha, points);
+    const bool isRead = list->getArrayItems(0, 0, &point);
+    point.y = opacity;
+    return isRead && list->setArrayItems(0, 0, &point);
 }
 
 }  // namespace lys::editor

@@ -5,13 +5,11 @@
 #include <lyr_core/LyrObjectLink.h>
 #include <lyr_core/LyrRGBA.h>
 #include <lyr_core/LyrValuePair.h>
-#include <lyr_core/LyrVector2.h>
 
-#include <array>
 #include <vector>
 
-/** What the table editor does to tables: each a plain write to the model, to be done inside a user action. What
- *  cannot be written whole returns false; the action is to be aborted then. */
+/** What the table editor does to tables: each a plain write to the model, to be done inside a user action. What cannot
+ *  be written whole is not written: false, and an error where memory ran out. */
 namespace lys::editor {
 
 /** Indices of sections, first to last. */
@@ -22,7 +20,7 @@ struct TableContent {
     std::vector<float> positions;
     std::vector<LyrObjectLink> sections;
 
-    /** Nothing without a table. */
+    /** Nothing without a table, and where memory ran out, which is reported. */
     static TableContent of(const LyrObject* table);
 
     long long positionCount() const { return static_cast<long long>(positions.size()); }
@@ -49,19 +47,11 @@ bool mergeSections(LyrObject& table, const SectionRange& range);
 /** Halves an inner section; both halves have its type and points. False for others. */
 bool splitSection(LyrObject& table, long long index);
 
-/** The control points of a section: red, green, blue, alpha. */
-struct ControlPoints {
-    using List = std::vector<LyrVector2<float>>;
-    std::array<List, 4> channels;
-
-    static ControlPoints of(const LyrObject& section);
-    bool store(LyrObject& section) const;
-
-    /** Appends points until there are `count` in each list: (k, 0) as the k-th of a colour, (k, 1) of alpha. */
-    void extendTo(std::size_t count);
-    LyrRGBA<float> colorAt(std::size_t index) const;
-    void setColorAt(std::size_t index, const LyrRGBA<float>& color);
-};
+/** The colour of a section's control point; where a point is missing, black and opaque. */
+LyrRGBA<float> colorPointOf(const LyrObject& section, long long index);
+/** Colours a control point. Points that are missing up to it are appended: (k, 0) as the k-th of a colour, (k, 1) of
+ * alpha. */
+bool setColorPoint(LyrObject& section, long long index, const LyrRGBA<float>& color);
 
 /** The opacity of a section coloured by a scheme: its first alpha point, 1 without one. */
 float opacityOf(const LyrObject& section);

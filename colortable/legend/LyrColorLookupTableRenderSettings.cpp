@@ -1,6 +1,7 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/legend/LyrColorLookupTableRenderSettings.h>
 #include <colortable/model/ApplyingDefault_p.h>
+#include <colortable/model/BuildPrivate_p.h>
 #include <lyr_core/LyrBooleanOP.h>
 #include <lyr_core/LyrClassFactory.h>
 #include <lyr_core/LyrError.h>
@@ -230,11 +231,7 @@ LyrColorLookupTableRenderSettings::~LyrColorLookupTableRenderSettings() = defaul
 
 void LyrColorLookupTableRenderSettings::build() {
     setProtectedFlags(0, 0x110100);
-    d.reset(new Private);
-    const Lyrenum result = d ? d->registerProperties(*this) : Lyr::AllocationFailed;
-    if (result != Lyrenum(1)) {
-        LyrError::emitError(LyrError::Message(this, result));
-    }
+    d = buildPrivate<Private>(*this);
     metaClass().applyDefaultFlags(this);
 }
 
@@ -253,10 +250,14 @@ bool LyrColorLookupTableRenderSettings::copyFrom(const LyrObject& other) {
     if (this == &other) {
         return true;
     }
-    if (!d || !other.getMetaClass().isOfType(metaClass())) {
-        return d && LyrObject::copyFrom(other);
+    if (!d) {
+        return failCopy();
+    }
+    if (!other.getMetaClass().isOfType(metaClass())) {
+        return LyrObject::copyFrom(other);
     }
     const auto& source = static_cast<const LyrColorLookupTableRenderSettings&>(other);
     // The rest: the naming template and what derived classes add; values that are equal already stay silent.
-    return source.d && d->copyValues(*source.d) && LyrObject::copyFrom(other);
+    const bool done = source.d && d->copyValues(*source.d) && LyrObject::copyFrom(other);
+    return done || failCopy();
 }

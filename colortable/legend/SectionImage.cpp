@@ -1,4 +1,6 @@
 #include <colortable/legend/SectionImage.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 
 #include <QColor>
 #include <QPainter>
@@ -85,6 +87,18 @@ std::vector<LyrRGBA<float>> sampleLines(int length, const Lines& lines, const Se
     return colors;
 }
 
+/** Does what takes memory. False, and an error, where there is none: nothing that is thrown leaves the library. */
+template <class Work>
+bool reportScarceMemory(const Section& section, Work work) noexcept {
+    try {
+        work();
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(&section, Lyr::AllocationFailed));
+        return false;
+    }
+}
+
 /** What of a painter's coordinates its device shows; everything for a device without a size of its own. */
 QRect shownBy(const QPainter& painter, const QRect& everything) {
     const QRect window = painter.window();
@@ -108,7 +122,9 @@ QRgb opaque(const LyrRGBA<float>& color) {
 
 std::vector<LyrRGBA<float>> sampleSection(int length, const Section& section, const Section* previous,
                                           const Section* next) {
-    return sampleLines(length, {0, length - 1}, section, previous, next);
+    std::vector<LyrRGBA<float>> colors;
+    reportScarceMemory(section, [&] { colors = sampleLines(length, {0, length - 1}, section, previous, next); });
+    return colors;
 }
 
 Lines linesInside(const QRect& picture, Halves halves, const QRect& area) {
@@ -129,8 +145,15 @@ QImage sectionImage(const QSize& size, Halves halves, const Section& section, co
     if (image.isNull()) {
         return image;
     }
-    for (const Patch& patch :
-         makePatches(image.rect(), halves, sampleSection(lengthOf(size, halves), section, previous, next))) {
+    std::vector<Patch> patches;
+    const int length = lengthOf(size, halves);
+    if (!reportScarceMemory(section, [&] {
+            const auto colors = sampleLines(length, {0, length - 1}, section, previous, next);
+            patches = makePatches(image.rect(), halves, colors);
+        })) {
+        return {};
+    }
+    for (const Patch& patch : patches) {
         for (int y = patch.rect.top(); y <= patch.rect.bottom(); ++y) {
             auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
             std::fill(line + patch.rect.left(), line + patch.rect.right() + 1, patch.color);
@@ -145,8 +168,12 @@ void paintSection(QPainter& painter, const QRect& rect, Halves halves, const Sec
         return;
     }
     const Lines lines = linesInside(rect, halves, shownBy(painter, rect));
-    const auto colors = sampleLines(lengthOf(rect.size(), halves), lines, section, previous, next);
-    for (const Patch& patch : makePatches(rect, halves, colors, lines.first)) {
+    std::vector<Patch> patches;
+    reportScarceMemory(section, [&] {
+        const auto colors = sampleLines(lengthOf(rect.size(), halves), lines, section, previous, next);
+        patches = makePatches(rect, halves, colors, lines.first);
+    });
+    for (const Patch& patch : patches) {
         if (!patch.rect.isEmpty()) {
             painter.fillRect(patch.rect, QColor(patch.color));
         }

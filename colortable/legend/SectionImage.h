@@ -27,7 +27,7 @@ LYS_COLORTABLE_EXPORT QRgb overBlack(const LyrRGBA<float>& color);
 LYS_COLORTABLE_EXPORT QRgb opaque(const LyrRGBA<float>& color);
 
 /** The section's colours at the pixels 0 to length - 1 of the interval (0, length - 1); transparent black where it has
- * none. */
+ * none. Nothing, and an error, when memory ran out. */
 LYS_COLORTABLE_EXPORT std::vector<LyrRGBA<float>> sampleSection(int length, const LyrColorLookupTable::Section& section,
                                                                 const LyrColorLookupTable::Section* previous,
                                                                 const LyrColorLookupTable::Section* next);
@@ -46,7 +46,8 @@ struct Lines {
 LYS_COLORTABLE_EXPORT Lines linesInside(const QRect& picture, Halves halves, const QRect& area);
 
 /** The same picture drawn as filled rectangles, the form that vector formats keep sharp. What lies outside the
- * painter's window is neither drawn nor computed: a picture may be much longer than what it is drawn on. */
+ * painter's window is neither drawn nor computed: a picture may be much longer than what it is drawn on. Nothing is
+ * drawn, with an error, when memory ran out. */
 LYS_COLORTABLE_EXPORT void paintSection(QPainter& painter, const QRect& rect, Halves halves,
                                         const LyrColorLookupTable::Section& section,
                                         const LyrColorLookupTable::Section* previous,

@@ -6,6 +6,7 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrScratch.h>
+#include <lyr_core/LyrWholeWrite.h>
 #include <lys_core/LyqApplication.h>
 
 #include <cmath>
@@ -52,23 +53,24 @@ public:
 
     bool addConstant(const LyrRGBA<float>& color) { return addSection({Lyr::Constant, &color}); }
 
-    /** Writes positions, sections and the label mode, in this order: all of them or, where a list is being read, none.
-     */
-    bool store(LyrObject& target, Lyrenum autoLabel) const {
+    /** Writes positions, sections and the label mode, in this order: all of them or none. */
+    Lyrenum store(LyrObject& target, Lyrenum autoLabel) const {
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> positions(&target, Lyr::PositionList);
         const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<LyrObjectLink>> sections(&target, Lyr::SectionList);
-        const auto positionsBefore = positions ? positions->takeState() : nullptr;
-        const auto sectionsBefore = sections ? sections->takeState() : nullptr;
-        if (!positionsBefore || !sectionsBefore) {
-            return false;
+        if (!positions || !sections) {
+            return Lyr::Failed;
         }
-        if (positions->initArray(0, lastOf(mPositions), mPositions.data()) &&
-            sections->initArray(0, lastOf(mLinks), mLinks.data()) && lyrSetValue(&target, Lyr::AutoLabel, autoLabel)) {
-            return true;
+        LyrWholeWrite whole;
+        if (!whole.add(positions.get()) || !whole.add(sections.get())) {
+            return Lyr::AllocationFailed;
         }
-        sections->restoreState(*sectionsBefore);
-        positions->restoreState(*positionsBefore);
-        return false;
+        if (!positions->initArray(0, lastOf(mPositions), mPositions.data()) ||
+            !sections->initArray(0, lastOf(mLinks), mLinks.data()) ||
+            !lyrSetValue(&target, Lyr::AutoLabel, autoLabel)) {
+            return Lyr::Failed;
+        }
+        whole.keep();
+        return Lyr::Success;
     }
 
 private:
@@ -130,7 +132,7 @@ Lyrenum storeSteps(LyrObject& target, Draft& draft, const LyrObjectRefPtr& schem
     if (!addSteps(draft, static_cast<const Section&>(*scheme.get()), positions)) {
         return Lyr::AllocationFailed;
     }
-    return draft.store(target, 0) ? Lyr::Success : Lyr::Failed;
+    return draft.store(target, 0);
 }
 
 Lyrenum generateSmooth(LyrObject& target) {
@@ -146,7 +148,7 @@ Lyrenum generateSmooth(LyrObject& target) {
     if (!made) {
         return Lyr::AllocationFailed;
     }
-    return draft.store(target, 1) ? Lyr::Success : Lyr::Failed;
+    return draft.store(target, 1);
 }
 
 // The section of the scheme is made before the numbers are looked at; the sphere generator does it the other way round.
@@ -223,6 +225,9 @@ bool create(LyrObject* table, const LyrVector3<float>& parameters, Lyrenum type,
     }
     LyqApplication& application = LyqApplication::instance();
     const auto token = application.userActionBegin(QString());
+    if (token == 0) {
+        return false;  // a table that cannot be brought back is not replaced
+    }
     if (!table->runAction(action)) {
         application.userActionAborted(token);
         return false;

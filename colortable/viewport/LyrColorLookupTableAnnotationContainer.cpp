@@ -1,5 +1,6 @@
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/model/ApplyingDefault_p.h>
+#include <colortable/model/BuildPrivate_p.h>
 #include <colortable/viewport/LyrColorLookupTableAnnotationContainer.h>
 #include <lyr_core/LyrBooleanOP.h>
 #include <lyr_core/LyrClassFactory.h>
@@ -68,13 +69,15 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
         }
 
         bool setArrayItems(long long first, long long last, const LyrObjectLink* items) override {
-            const Remembered before = remember(first, last);
-            return LyrObjectHardLinkListOP::setArrayItems(first, last, items) && overwritten(before);
+            Remembered before;
+            return remember(first, last, before) && LyrObjectHardLinkListOP::setArrayItems(first, last, items) &&
+                   overwritten(before);
         }
 
         bool initArray(long long first, long long last, const LyrObjectLink* items) override {
-            const Remembered before = remember(0, getArraySize() - 1);
-            return LyrObjectHardLinkListOP::initArray(first, last, items) && overwritten(before);
+            Remembered before;
+            return remember(0, getArraySize() - 1, before) && LyrObjectHardLinkListOP::initArray(first, last, items) &&
+                   overwritten(before);
         }
 
         bool insertArrayItems(long long first, long long last, const LyrObjectLink* items) override {
@@ -83,8 +86,8 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
 
         // Unlike an overwritten annotation a removed one is hidden even if it is still listed elsewhere.
         bool removeArrayItems(long long first, long long last) override {
-            const Remembered before = remember(first, last);
-            if (!LyrObjectHardLinkListOP::removeArrayItems(first, last)) {
+            Remembered before;
+            if (!remember(first, last, before) || !LyrObjectHardLinkListOP::removeArrayItems(first, last)) {
                 return false;
             }
             before.hideUnless([](const LyrObject*) { return false; });
@@ -92,13 +95,17 @@ struct LyrColorLookupTableAnnotationContainer::Private : LyrPrivatePart {
         }
 
     private:
-        Remembered remember(long long first, long long last) const {
-            Remembered remembered;
+        /** False, and an error, when memory ran out: nothing is to be changed then. */
+        bool remember(long long first, long long last, Remembered& remembered) const {
             const auto links = view();
-            for (long long i = std::max(first, 0LL); i <= last && i < static_cast<long long>(links.size()); ++i) {
-                remembered.add(links[static_cast<std::size_t>(i)]);
+            try {
+                for (long long i = std::max(first, 0LL); i <= last && i < static_cast<long long>(links.size()); ++i) {
+                    remembered.add(links[static_cast<std::size_t>(i)]);
+                }
+                return true;
+            } catch (...) {
+                return emitError(Lyr::AllocationFailed);
             }
-            return remembered;
         }
 
         bool overwritten(const Remembered& before) {
@@ -194,11 +201,7 @@ LyrColorLookupTableAnnotationContainer::~LyrColorLookupTableAnnotationContainer(
 
 void LyrColorLookupTableAnnotationContainer::build() {
     setProtectedFlags(0, 0x110100);
-    d.reset(new Private);
-    const Lyrenum result = d ? d->registerProperties(*this) : Lyr::AllocationFailed;
-    if (result != Lyrenum(1)) {
-        LyrError::emitError(LyrError::Message(this, result));
-    }
+    d = buildPrivate<Private>(*this);
     metaClass().applyDefaultFlags(this);
 }
 

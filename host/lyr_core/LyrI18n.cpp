@@ -1,4 +1,5 @@
 #include <lyr_core/LyrI18n.h>
+#include <lyr_core/LyrOutOfMemory_p.h>
 
 #include <atomic>
 
@@ -15,12 +16,14 @@ const char* textOf(const char* text) {
 LyrI18n::Translator::~Translator() = default;
 
 LyrString LyrI18n::translate(const char* context, const char* key, const char* comment, Lyrenum language) {
-    const Translator* const translator = getTranslator();
-    if (key == nullptr || translator == nullptr) {
-        return LyrString(key);
-    }
-    const LyrString text = translator->translate(textOf(context), key, textOf(comment), language);
-    return text.isNull() ? LyrString(key) : text;
+    return lyrOrNothing([&] {
+        const Translator* const translator = getTranslator();
+        if (key == nullptr || translator == nullptr) {
+            return LyrString(key);
+        }
+        LyrString text = translator->translate(textOf(context), key, textOf(comment), language);
+        return text.isNull() ? LyrString(key) : text;
+    });
 }
 
 LyrI18n::Translator* LyrI18n::setTranslator(Translator* translator) noexcept {

@@ -18,7 +18,8 @@ public:
                                     Lyrenum language) const = 0;
     };
 
-    /** The translated text, or the key itself without a translator or a translation; null for a null key. The comment
+    /** The translated text, or the key itself without a translator or a translation; null for a null key, and,
+     *  with an error, where memory runs out. The comment
      *  tells apart equal keys of one context and may be null like the context. */
     static LyrString translate(const char* context, const char* key, const char* comment = nullptr,
                                Lyrenum language = Lyrenum(-1));

@@ -1,10 +1,14 @@
 #include <lyr_core/LyrClass.h>
 #include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrModuleFile_p.h>
 #include <lyr_core/LyrModuleLoader.h>
 #include <lyr_core/LyrModulePresence.h>
+#include <lyr_core/LyrOutOfMemory_p.h>
+#include <lyr_core/LyrScratch.h>
 #include <lyr_core/Lyrenum.h>
 
 #include <dlfcn.h>
@@ -13,6 +17,8 @@
 #include <exception>
 #include <filesystem>
 #include <map>
+#include <memory>
+#include <new>
 #include <vector>
 
 namespace {
@@ -42,6 +48,36 @@ struct Loader {
 bool fail(LyrString& message, const std::string& text) {
     message = LyrString::fromUtf8(text.c_str());
     return false;
+}
+
+/** Memory ran out: all is as before. The message itself may find none; it is null then, and the error stands for it. */
+bool failWithoutMemory(LyrString& message) noexcept {
+    LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+    message = LyrString();
+    try {
+        message = LyrString("There is not enough memory for that; close something else and try again.");
+    } catch (...) {
+        return false;
+    }
+    return false;
+}
+
+/** Does what a call of the loader does; nothing that is thrown leaves it. */
+template <class Work>
+bool guarded(LyrString& message, Work work) noexcept {
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        return failWithoutMemory(message);
+    } catch (const std::exception& problem) {
+        try {
+            return fail(message, std::string("The module could not be looked at: ") + problem.what() + ".");
+        } catch (...) {
+            return failWithoutMemory(message);
+        }
+    } catch (...) {
+        return failWithoutMemory(message);
+    }
 }
 
 bool failNotLoaded(LyrString& message, const char* module) {
@@ -94,7 +130,12 @@ std::string describeLiveObjects(const char* module) {
 
 /** Has the guards drop what is queued for a module. That runs any code: guards and modules may come and go. */
 void announceUnload(const char* module) {
-    const std::vector<LyrModuleLoader::UnloadGuard*> guards = Loader::instance().guards;
+    LyrScratch<LyrModuleLoader::UnloadGuard*> guards;
+    for (LyrModuleLoader::UnloadGuard* guard : Loader::instance().guards) {
+        if (!guards.append(guard)) {
+            throw std::bad_alloc();
+        }
+    }
     for (LyrModuleLoader::UnloadGuard* guard : guards) {
         const auto& present = Loader::instance().guards;
         if (std::find(present.begin(), present.end(), guard) != present.end()) {
@@ -119,24 +160,51 @@ std::string reasonsToStay(const char* module) {
     return text;
 }
 
-/** Maps a file that was checked, and looks at its entry. */
+/** Hears whether memory runs out while the static objects of a module register what it brings. */
+class LoadWatch : public LyrError::Listener {
+public:
+    bool errorEmitted(const LyrError::Message& error) override {
+        mRanOut = mRanOut || error.getCode() == Lyr::AllocationFailed;
+        return false;  // it is for the others as well
+    }
+    bool ranOut() const { return mRanOut; }
+
+private:
+    bool mRanOut = false;
+};
+
+/** Closes a library that is not kept. */
+struct LibraryCloser {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+
+/** Maps a file that was checked, and looks at its entry. What it registered goes again unless all is there. */
 bool openModule(const std::string& path, const std::string& name, LyrString& message) {
+    auto& modules = Loader::instance().modules;
+    std::map<std::string, LoadedModule, std::less<>> fresh;  // the entry has its memory before the module is there
+    LoadedModule& module = fresh[name];
+    module.path = path;
+    module.loads = 1;
+    const std::string notComplete =
+        "Cannot load module " + path + ": it could not register all of its names and classes; try again.";
+    const LoadWatch watch;
     // All symbols are resolved before any code runs, so that a missing one is found here.
-    void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    std::unique_ptr<void, LibraryCloser> handle(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
     if (!handle) {
         const char* reason = dlerror();
         return fail(message, "Cannot load module " + path + ": " + (reason ? reason : "unknown reason") +
                                  "; install the matching one.");
     }
-    const LyrModuleEntry* entry = findEntry(handle, name);
-    if (!entry || !entry->ready()) {
-        dlclose(handle);
-        return fail(message, "Cannot load module " + path + ": " +
-                                 (entry ? "it could not register all of its names; try again"
-                                        : "its entry is missing or does not fit its note; install the module again") +
-                                 ".");
+    module.entry = findEntry(handle.get(), name);
+    if (!module.entry) {
+        return fail(message, "Cannot load module " + path +
+                                 ": its entry is missing or does not fit its note; install the module again.");
     }
-    Loader::instance().modules[name] = {path, handle, entry, 1, 0};
+    if (!module.entry->ready() || watch.ranOut()) {
+        return fail(message, notComplete);
+    }
+    module.handle = handle.release();
+    modules.merge(fresh);
     return true;
 }
 
@@ -179,7 +247,7 @@ LyrModulePresence::~LyrModulePresence() {
 }
 
 bool LyrModuleLoader::load(const std::string& path, LyrString& message) {
-    try {
+    return guarded(message, [&] {
         LyrModuleFile file;
         std::string text;
         if (!checkFile(path, file, text)) {
@@ -195,63 +263,66 @@ bool LyrModuleLoader::load(const std::string& path, LyrString& message) {
             return true;
         }
         return openModule(path, file.name, message);
-    } catch (const std::exception& problem) {
-        return fail(message, "Cannot load module " + path + ": " + problem.what() + ".");
-    }
+    });
 }
 
 bool LyrModuleLoader::init(const char* module, LyrString& message) {
-    LoadedModule* loaded = Loader::instance().find(module);
-    if (!loaded) {
-        return failNotLoaded(message, module);
-    }
-    ++loaded->inits;
-    loaded->entry->init();
-    return true;
+    return guarded(message, [&] {
+        LoadedModule* loaded = Loader::instance().find(module);
+        if (!loaded) {
+            return failNotLoaded(message, module);
+        }
+        ++loaded->inits;
+        try {
+            loaded->entry->init();
+        } catch (...) {
+            --loaded->inits;
+            throw;
+        }
+        return true;
+    });
 }
 
 bool LyrModuleLoader::cleanup(const char* module, LyrString& message) {
-    LoadedModule* loaded = Loader::instance().find(module);
-    if (!loaded) {
-        return failNotLoaded(message, module);
-    }
-    if (loaded->inits == 0) {
-        return fail(message, "Module \"" + std::string(module) + "\" is not initialised.");
-    }
-    --loaded->inits;
-    loaded->entry->cleanup();
-    return true;
-}
-
-bool LyrModuleLoader::unload(const char* module, LyrString& message) {
-    const std::string name = module ? module : "";
-    if (!isLoaded(module)) {
-        return failNotLoaded(message, module);
-    }
-    if (Loader::instance().find(module)->loads > 1) {
-        --Loader::instance().find(module)->loads;
-        return true;
-    }
-    announceUnload(name.c_str());
-    const std::string reasons = reasonsToStay(name.c_str());
-    if (!reasons.empty()) {
-        return fail(message, "Module \"" + name + "\" cannot be unloaded: " + reasons + ".");
-    }
-    while (LoadedModule* loaded = Loader::instance().find(name.c_str())) {
+    return guarded(message, [&] {
+        LoadedModule* loaded = Loader::instance().find(module);
+        if (!loaded) {
+            return failNotLoaded(message, module);
+        }
         if (loaded->inits == 0) {
-            break;
+            return fail(message, "Module \"" + std::string(module) + "\" is not initialised.");
         }
         --loaded->inits;
         loaded->entry->cleanup();
-    }
-    announceUnload(name.c_str());  // what the clean-up has left to be done later
-    LoadedModule* loaded = Loader::instance().find(name.c_str());
-    if (!loaded) {
-        return true;  // something in the queue has unloaded it
-    }
-    const LoadedModule gone = *loaded;
-    Loader::instance().modules.erase(name);
-    return finishUnload(name, gone, message);
+        return true;
+    });
+}
+
+bool LyrModuleLoader::unload(const char* module, LyrString& message) {
+    return guarded(message, [&] {
+        if (!isLoaded(module)) {
+            return failNotLoaded(message, module);
+        }
+        const std::string name = module;
+        LoadedModule* loaded = Loader::instance().find(module);
+        if (loaded->loads > 1) {
+            --loaded->loads;
+            return true;
+        }
+        announceUnload(name.c_str());
+        const std::string reasons = reasonsToStay(name.c_str());
+        if (!reasons.empty()) {
+            return fail(message, "Module \"" + name + "\" cannot be unloaded: " + reasons + ".");
+        }
+        while ((loaded = Loader::instance().find(name.c_str())) && loaded->inits > 0) {
+            --loaded->inits;
+            loaded->entry->cleanup();
+        }
+        announceUnload(name.c_str());  // what the clean-up has left to be done later
+        const auto gone = Loader::instance().modules.extract(name);
+        // Something in the queue may have unloaded it.
+        return gone.empty() || finishUnload(name, gone.mapped(), message);
+    });
 }
 
 bool LyrModuleLoader::isLoaded(const char* module) {
@@ -259,21 +330,27 @@ bool LyrModuleLoader::isLoaded(const char* module) {
 }
 
 LyrStringList LyrModuleLoader::getLoadedModules() {
-    LyrStringList names;
-    for (const auto& [name, module] : Loader::instance().modules) {
-        names.append(LyrString::fromUtf8(name.c_str()));
-    }
-    return names;
+    return lyrOrNothing([] {
+        LyrStringList names;
+        for (const auto& [name, module] : Loader::instance().modules) {
+            names.append(LyrString::fromUtf8(name.c_str()));
+        }
+        return names;
+    });
 }
 
 LyrString LyrModuleLoader::readName(const std::string& path, LyrString& message) {
-    LyrModuleFile file;
-    std::string text;
-    if (!checkFile(path, file, text)) {
-        fail(message, text);
-        return {};
-    }
-    return LyrString::fromUtf8(file.name.c_str());
+    LyrString name;
+    guarded(message, [&] {
+        LyrModuleFile file;
+        std::string text;
+        if (!checkFile(path, file, text)) {
+            return fail(message, text);
+        }
+        name = LyrString::fromUtf8(file.name.c_str());
+        return true;
+    });
+    return name;
 }
 
 void LyrModuleLoader::addUnloadGuard(UnloadGuard* guard) {

@@ -25,7 +25,8 @@ public:
 
     /** Loads a module from an absolute path: its identifiers and classes are registered then. A module that is loaded
      * already is counted once more. On failure `message` says what, where and what to do, and no code of the file has
-     * run (but for a module whose own entry is wrong). */
+     * run (but for a module whose own entry is wrong, or that could not register all that it brings: that goes again).
+     * Where memory runs out an error is reported as well, and `message` may be null. */
     static bool load(const std::string& path, LyrString& message);
     /** Calls the module's initialiser, as a user of the module; cleanup() as often. */
     static bool init(const char* module, LyrString& message);

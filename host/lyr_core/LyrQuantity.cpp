@@ -1,3 +1,4 @@
+#include <lyr_core/LyrOutOfMemory_p.h>
 #include <lyr_core/LyrQuantity.h>
 
 #include <algorithm>
@@ -128,11 +129,13 @@ const Unit* unitForConversion(Lyrenum quantity, Lyrenum unit) {
 }  // namespace
 
 std::vector<Lyrenum> LyrQuantity::getQuantities() {
-    std::vector<Lyrenum> ids;
-    for (const Quantity& quantity : quantities) {
-        ids.push_back(quantity.id());
-    }
-    return ids;
+    return lyrOrNothing([] {
+        std::vector<Lyrenum> ids;
+        for (const Quantity& quantity : quantities) {
+            ids.push_back(quantity.id());
+        }
+        return ids;
+    });
 }
 
 bool LyrQuantity::isQuantity(Lyrenum id) {
@@ -145,13 +148,19 @@ Lyrenum LyrQuantity::getUnit(Lyrenum quantity) {
 }
 
 std::vector<Lyrenum> LyrQuantity::getUnits(Lyrenum quantity) {
-    std::vector<Lyrenum> ids;
-    if (const Quantity* found = findQuantity(quantity)) {
-        for (const Unit& unit : found->units) {
-            ids.push_back(unit.id());
+    return lyrOrNothing([&] {
+        std::vector<Lyrenum> ids;
+        if (const Quantity* found = findQuantity(quantity)) {
+            for (const Unit& unit : found->units) {
+                ids.push_back(unit.id());
+            }
         }
-    }
-    return ids;
+        return ids;
+    });
+}
+
+bool LyrQuantity::isUnitOf(Lyrenum unit, Lyrenum quantity) {
+    return findUnitIn(findQuantity(quantity), unit) != nullptr;
 }
 
 Lyrenum LyrQuantity::findUnit(Lyrenum quantity, const LyrString& text) {
@@ -172,7 +181,7 @@ double LyrQuantity::internalToUnit(double value, Lyrenum quantity, Lyrenum unit)
 
 LyrString LyrQuantity::getUnitSymbol(Lyrenum unit) {
     const Unit* const found = findAnyUnit(unit);
-    return found == nullptr ? LyrString() : LyrString(found->symbol);
+    return lyrOrNothing([&] { return found == nullptr ? LyrString() : LyrString(found->symbol); });
 }
 
 LyrString LyrQuantity::getUnitName(Lyrenum unit) {

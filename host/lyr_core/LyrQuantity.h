@@ -6,7 +6,8 @@
 #include <lyr_core/LyrString.h>
 #include <lyr_core/Lyrenum.h>
 
-/** The quantities that values measure, and their units.
+/** The quantities that values measure, and their units. Where memory runs out, texts are null and lists are empty, and
+ *  an error is reported.
  *
  *  Quantities are Length, Area, Volume, Angle, Percent and Number. Inside the program every value is held in the
  *  internal unit of its quantity: mm, mm², mm³ and radians; percentages and plain numbers are held as they are shown.
@@ -21,6 +22,7 @@ public:
     static Lyrenum getUnit(Lyrenum quantity);
     /** All units of a quantity, the internal one first; none for Number and for what is no quantity. */
     static std::vector<Lyrenum> getUnits(Lyrenum quantity);
+    static bool isUnitOf(Lyrenum unit, Lyrenum quantity);
     /** The unit of a quantity that a text names: by its symbol ("µm"), its registered name ("Micrometer") or a spelling
      *  that is easy to type ("um", "mm2", "deg"). Case counts. −1 when there is none. */
     static Lyrenum findUnit(Lyrenum quantity, const LyrString& text);

@@ -1,7 +1,11 @@
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrObject.h>
 #include <lys_core/ApplicationPlaceholders.h>
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ly::i18n {
@@ -30,6 +34,17 @@ const Entry* findBy(QString Entry::*field, QStringView value) {
 
 QString toQt(const LyrString& text) {
     return text.isNull() ? QString() : QString::fromUtf8(text.utf8());
+}
+
+/** The text for a placeholder. False, and an error, when memory ran out: its place stays as it is. */
+bool resolve(const Entry& entry, const LyrObject* object, QString& text) {
+    try {
+        text = toQt(entry.resolver(LyrString(entry.key), object));
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(object, Lyr::AllocationFailed));
+        return false;
+    }
 }
 
 bool isProper(const QString& text) {
@@ -67,12 +82,17 @@ const QString EDIT_OPENING = QStringLiteral("{");
 
 bool Placeholders::add(const LyrString& key, const LyrString& name, const LyrString& description, Resolver resolver,
                        const char* module) {
-    const Entry entry{toQt(key), toQt(name), toQt(description), resolver, module ? module : ""};
-    if (!isProper(entry.key) || !isProper(entry.name) || !resolver || findBy(&Entry::key, entry.key)) {
+    try {
+        Entry entry{toQt(key), toQt(name), toQt(description), resolver, module ? module : ""};
+        if (!isProper(entry.key) || !isProper(entry.name) || !resolver || findBy(&Entry::key, entry.key)) {
+            return false;
+        }
+        entries().push_back(std::move(entry));
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
         return false;
     }
-    entries().push_back(entry);
-    return true;
 }
 
 int Placeholders::removeAllFrom(const char* module) {
@@ -89,10 +109,7 @@ QString Placeholders::internalToDisplayText(const QString& text, const LyrObject
     const QString result = replacePlaces(text, INTERNAL_OPENING, [&](qsizetype, QStringView key, QString& with) {
         const Entry* entry = findBy(&Entry::key, key);
         unknown = unknown || !entry;
-        if (entry) {
-            with = toQt(entry->resolver(LyrString::fromUtf8(entry->key.toUtf8().constData()), object));
-        }
-        return entry != nullptr;
+        return entry && resolve(*entry, object, with);
     });
     if (error) {
         *error = unknown;

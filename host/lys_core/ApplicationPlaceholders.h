@@ -17,15 +17,16 @@ public:
     /** Gives the text for a placeholder; a null string stands for nothing. `object` may be null. */
     using Resolver = LyrString (*)(const LyrString& key, const LyrObject* object);
 
-    /** Registers a placeholder. All texts are copied. False if the key or name is empty or holds a brace, or the key is
-     * taken. */
+    /** Registers a placeholder. All texts are copied. False if the key or name is empty or holds a brace, the key is
+     * taken, or, with an error, memory ran out. */
     static bool add(const LyrString& key, const LyrString& name, const LyrString& description, Resolver resolver,
                     const char* module);
     /** Takes out all placeholders of a module; returns how many they were. */
     static int removeAllFrom(const char* module);
     static bool contains(const LyrString& key);
 
-    /** The text to display. `error` (may be null) becomes true if the template holds an unknown placeholder. */
+    /** The text to display. `error` (may be null) becomes true if the template holds an unknown placeholder. One whose
+     * text found no memory stays as it is, with an error. */
     static QString internalToDisplayText(const QString& text, const LyrObject* object, bool* error = nullptr);
     static QString internalToEditText(const QString& text, const LyrObject* object);
     static QString editToInternalText(const QString& text, const LyrObject* object);

@@ -24,6 +24,17 @@ LyrString toHostString(const QString& text) {
     return LyrString::fromUtf8(text.toUtf8().constData());
 }
 
+/** The name of an action; false, and an error, when memory ran out. */
+bool readName(const QString& text, LyrString& name) noexcept {
+    try {
+        name = toHostString(text);
+        return true;
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return false;
+    }
+}
+
 constexpr int NO_GESTURE = -1;
 
 }  // namespace
@@ -143,11 +154,15 @@ LyrDisplayUnits& LyqApplication::displayUnits() {
 }
 
 LyqApplication::UserActionToken LyqApplication::userActionBegin(const QString& name) {
-    return LyrUndoJournal::instance().begin(toHostString(name));
+    LyrString hostName;
+    return readName(name, hostName) ? LyrUndoJournal::instance().begin(hostName) : 0;
 }
 
 bool LyqApplication::userActionEnd(UserActionToken token, const QString& name) {
-    return LyrUndoJournal::instance().end(token, toHostString(name));
+    // An action whose name finds no memory ends all the same, with the name that it has.
+    LyrString hostName;
+    readName(name, hostName);
+    return LyrUndoJournal::instance().end(token, hostName);
 }
 
 bool LyqApplication::userActionAborted(UserActionToken token) {

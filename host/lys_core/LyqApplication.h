@@ -41,7 +41,7 @@ public:
     QWidget* mainWidget() const;
     void setMainWidget(QWidget* widget);
 
-    /** Opens a user action. Actions nest: the outermost is one undo step, an inner one is a part of it. */
+    /** Opens a user action; 0, and an error, without memory. The outermost is one undo step, inner ones its parts. */
     UserActionToken userActionBegin(const QString& name);
     /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An
      * action that recorded nothing leaves no step and keeps the redo history. False if the token names no open action.

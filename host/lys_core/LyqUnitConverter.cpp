@@ -1,3 +1,4 @@
+#include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrQuantity.h>
 #include <lys_core/LyqApplication.h>
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace {
 
@@ -53,8 +53,14 @@ bool readNumber(const QString& text, double& out) {
     return ok && std::isfinite(out);
 }
 
-LyrString toHostString(const QString& text) {
-    return LyrString::fromUtf8(text.toUtf8().constData());
+/** The unit that a text names, -1 for none. */
+Lyrenum findUnit(Lyrenum quantity, const QString& text) {
+    try {
+        return LyrQuantity::findUnit(quantity, LyrString(text));
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return Lyrenum(-1);
+    }
 }
 
 }  // namespace
@@ -77,8 +83,7 @@ void LyqUnitConverter::setFixedUnit(Lyrenum unit) {
 }
 
 void LyqUnitConverter::updateDisplayUnit() {
-    const std::vector<Lyrenum> units = LyrQuantity::getUnits(mQuantity);
-    const bool fixed = std::find(units.begin(), units.end(), mFixedUnit) != units.end();
+    const bool fixed = LyrQuantity::isUnitOf(mFixedUnit, mQuantity);
     const Lyrenum unit =
         fixed ? mFixedUnit : static_cast<const LyrDisplayUnits&>(*mUnits.get()).getDisplayUnit(mQuantity);
     if (unit != mDisplayUnit) {
@@ -113,7 +118,7 @@ double LyqUnitConverter::unitStringToInternal(const QString& text, bool* ok) con
     Lyrenum unit = mDisplayUnit;
     // The longest unit first: "1.5 e" is no number, "1.5e3" is one.
     for (qsizetype at = std::max<qsizetype>(1, trimmed.size() - LONGEST_UNIT); !valid && at < trimmed.size(); ++at) {
-        const Lyrenum named = LyrQuantity::findUnit(mQuantity, toHostString(trimmed.mid(at).trimmed()));
+        const Lyrenum named = findUnit(mQuantity, trimmed.mid(at).trimmed());
         if (named != Lyrenum(-1) && readNumber(trimmed.left(at).trimmed(), number)) {
             unit = named;
             valid = true;

@@ -1,3 +1,5 @@
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lys_core/LyqAnnotationGroup.h>
 #include <lys_core/LyqWorkspaceWidget.h>
@@ -30,6 +32,12 @@ LyqAnnotationGroup* LyqWorkspaceWidget::addAnnotationGroup(Lyrenum id, LyqAnnota
     if (getAnnotationGroup(id)) {
         return nullptr;
     }
-    mGroups.push_back(new LyqAnnotationGroup(id, parentGroup, this));
-    return mGroups.back();
+    try {
+        mGroups.reserve(mGroups.size() + 1);
+        mGroups.push_back(new LyqAnnotationGroup(id, parentGroup, this));
+        return mGroups.back();
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(this, Lyr::AllocationFailed));
+        return nullptr;
+    }
 }

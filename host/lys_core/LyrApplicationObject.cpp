@@ -7,15 +7,6 @@
 
 #include <algorithm>
 
-namespace {
-
-bool isUnitOf(Lyrenum unit, Lyrenum quantity) {
-    const auto units = LyrQuantity::getUnits(quantity);
-    return std::find(units.begin(), units.end(), unit) != units.end();
-}
-
-}  // namespace
-
 LyrDisplayUnits::UnitListAttr::UnitListAttr() {
     const Lyrenum units[] = {Lyr::Millimeter, Lyr::SquareMillimeter, Lyr::CubicMillimeter, Lyrenum("Degree", true)};
     setResetItems(units);
@@ -47,7 +38,7 @@ const LyrMetaClass& LyrDisplayUnits::getMetaClass() const {
 
 Lyrenum LyrDisplayUnits::getDisplayUnit(Lyrenum quantity) const {
     for (const Lyrenum unit : mUnits.view()) {
-        if (isUnitOf(unit, quantity)) {
+        if (LyrQuantity::isUnitOf(unit, quantity)) {
             return unit;
         }
     }
@@ -55,17 +46,15 @@ Lyrenum LyrDisplayUnits::getDisplayUnit(Lyrenum quantity) const {
 }
 
 bool LyrDisplayUnits::setDisplayUnit(Lyrenum quantity, Lyrenum unit) {
-    if (!isUnitOf(unit, quantity)) {
+    if (!LyrQuantity::isUnitOf(unit, quantity)) {
         return false;
     }
-    std::vector<Lyrenum> units(mUnits.view().begin(), mUnits.view().end());
-    const auto present = std::find_if(units.begin(), units.end(), [&](Lyrenum at) { return isUnitOf(at, quantity); });
-    if (present != units.end()) {
-        *present = unit;
-    } else {
-        units.push_back(unit);
-    }
-    return mUnits.initArray(0, static_cast<long long>(units.size()) - 1, units.data());
+    const auto units = mUnits.view();
+    const auto present = std::find_if(units.begin(), units.end(),
+                                      [&](Lyrenum at) { return LyrQuantity::isUnitOf(at, quantity); });
+    const auto index = static_cast<long long>(present - units.begin());
+    return present != units.end() ? mUnits.setArrayItems(index, index, &unit)
+                                  : mUnits.insertArrayItems(index, index, &unit);
 }
 
 bool LyrDisplayUnits::setInchSystem(bool inches) {

@@ -9,6 +9,7 @@
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lyr_core/LyrRoleManager.h>
+#include <lyr_core/LyrWholeWrite.h>
 
 #include <gtest/gtest.h>
 
@@ -357,6 +358,21 @@ TEST(ScarceMemory, gives_no_state_and_no_clone_of_a_property) {
             return numbers && children;
         },
         [](Content& content) { return describe(*content.node) == content.before; });
+}
+
+TEST(ScarceMemory, writes_several_properties_or_none_of_them) {
+    expectWholeWrite([](Content& content) {
+        LyrWholeWrite whole;
+        const LyrObjectLink link = linkTo(content.other.get());
+        const bool done = whole.add(&content.node->title) && whole.add(&content.node->children) &&
+                          whole.add(&content.node->numbers) &&
+                          content.node->title.setValue("another text that needs memory of its own") &&
+                          content.node->children.initArray(0, 0, &link) && setList(content.node->numbers, {9.0f});
+        if (done) {
+            whole.keep();
+        }
+        return done;
+    });
 }
 
 TEST(ScarceMemory, opens_no_action) {
