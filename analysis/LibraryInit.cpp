@@ -15,6 +15,8 @@
 #include <analysis/VolumeAnalyses_p.h>
 #include <colortable/ColortableIdentifiers.h>
 #include <colortable/LibraryInit.h>
+#include <lyr_core/LyrError.h>
+#include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrModule.h>
 #include <lyr_core/LyrRegisteredEnum.h>
 #include <lys_core/LyqExtensionRegistry.h>
@@ -68,17 +70,28 @@ LYS_ANALYSIS_IDENTIFIERS(LYS_DEFINE_IDENTIFIER)
 }  // namespace Lyr
 
 namespace {
-[[maybe_unused]] const LyrMetaClass& sPluginClass = LyrAnalysisRenderPlugin::metaClass();
-[[maybe_unused]] const LyrMetaClass& sLayerClass = LyrColoredLayer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sValueLayerClass = LyrValueLayer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sResultLayerClass = LyrResultLayer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sThicknessLayerClass = LyrThicknessLayer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sDefectLayerClass = LyrDefectLayer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sThicknessSettingsClass =
-    LyrWallThicknessColorLookupTableRenderSettings::metaClass();
-[[maybe_unused]] const LyrMetaClass& sDefectSettingsClass =
-    LyrDefectDetectionColorLookupTableRenderSettings::metaClass();
-[[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrLayerAnnotationHandler::metaClass();
+/** Registers a class. One whose factory finds no memory is missing, which is reported: who loads the library hears it.
+ */
+const LyrMetaClass* registerClass(const LyrMetaClass& (*metaClass)()) noexcept {
+    try {
+        return &metaClass();
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return nullptr;
+    }
+}
+
+[[maybe_unused]] const LyrMetaClass* const sPluginClass = registerClass(LyrAnalysisRenderPlugin::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sLayerClass = registerClass(LyrColoredLayer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sValueLayerClass = registerClass(LyrValueLayer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sResultLayerClass = registerClass(LyrResultLayer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sThicknessLayerClass = registerClass(LyrThicknessLayer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sDefectLayerClass = registerClass(LyrDefectLayer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sThicknessSettingsClass =
+    registerClass(LyrWallThicknessColorLookupTableRenderSettings::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sDefectSettingsClass =
+    registerClass(LyrDefectDetectionColorLookupTableRenderSettings::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sHandlerClass = registerClass(LyrLayerAnnotationHandler::metaClass);
 
 std::unique_ptr<AnnotationHandlerHook> sHandlerHook;
 /** Whether the presets of tables are offered by a handler made here. */

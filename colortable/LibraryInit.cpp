@@ -77,17 +77,34 @@ LYS_COLORTABLE_IDENTIFIERS(LYS_DEFINE_IDENTIFIER)
 }  // namespace Lyr
 
 namespace {
-[[maybe_unused]] const LyrMetaClass& sTableClass = LyrColorLookupTable::metaClass();
-[[maybe_unused]] const LyrMetaClass& sSectionClass = LyrColorLookupTable::Section::metaClass();
-[[maybe_unused]] const LyrMetaClass& sAnnotationClass = LyqColorLookupTableAnnotation::metaClass();
-[[maybe_unused]] const LyrMetaClass& sContainerClass = LyrColorLookupTableAnnotationContainer::metaClass();
-[[maybe_unused]] const LyrMetaClass& sHandlerClass = LyrColorLookupTableAnnotationHandler::metaClass();
-[[maybe_unused]] const LyrMetaClass& sRenderObjectClass = LyrColorLookupTableRenderObject::metaClass();
-[[maybe_unused]] const LyrMetaClass& sRenderPluginClass = LyrColorLookupTableRenderPlugin::metaClass();
-[[maybe_unused]] const LyrMetaClass& sRenderSettingsClass = LyrColorLookupTableRenderSettings::metaClass();
-[[maybe_unused]] const LyrMetaClass& sSettingsEditorClass = LyqColorLookupTableRenderSettingsEditorWidget::metaClass();
-[[maybe_unused]] const LyrMetaClass& sPresetHandlerClass = LyqPresetColortableHandler::metaClass();
-[[maybe_unused]] const LyrMetaClass& sPresetProxyClass = LyrPresetColortableProxyObject::metaClass();
+/** Registers a class. One whose factory finds no memory is missing, which is reported: who loads the library hears it.
+ */
+const LyrMetaClass* registerClass(const LyrMetaClass& (*metaClass)()) noexcept {
+    try {
+        return &metaClass();
+    } catch (...) {
+        LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return nullptr;
+    }
+}
+
+[[maybe_unused]] const LyrMetaClass* const sTableClass = registerClass(LyrColorLookupTable::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sSectionClass = registerClass(LyrColorLookupTable::Section::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sAnnotationClass = registerClass(LyqColorLookupTableAnnotation::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sContainerClass =
+    registerClass(LyrColorLookupTableAnnotationContainer::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sHandlerClass =
+    registerClass(LyrColorLookupTableAnnotationHandler::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sRenderObjectClass =
+    registerClass(LyrColorLookupTableRenderObject::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sRenderPluginClass =
+    registerClass(LyrColorLookupTableRenderPlugin::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sRenderSettingsClass =
+    registerClass(LyrColorLookupTableRenderSettings::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sSettingsEditorClass =
+    registerClass(LyqColorLookupTableRenderSettingsEditorWidget::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sPresetHandlerClass = registerClass(LyqPresetColortableHandler::metaClass);
+[[maybe_unused]] const LyrMetaClass* const sPresetProxyClass = registerClass(LyrPresetColortableProxyObject::metaClass);
 
 /** The render plug-in's role, for as long as the library is loaded. */
 struct RenderPluginRole {

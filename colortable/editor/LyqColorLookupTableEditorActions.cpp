@@ -169,7 +169,8 @@ bool LyqColorLookupTableEditor::isStillEdited(const LyrObject* table, const LyrO
 bool LyqColorLookupTableEditor::editColorPoint(LyrObject& section, long long index) {
     const LyrObject* table = d->table.get();
     const QGuardedPtr<QWidget> self = this;
-    const QGuardedPtr<QColorDialog> dialog = new QColorDialog(LyqColorWidget::toQColor(lys::editor::colorPointOf(section, index)), this);
+    const QGuardedPtr<QColorDialog> dialog =
+        new QColorDialog(LyqColorWidget::toQColor(lys::editor::colorPointOf(section, index)), this);
     dialog->setOption(QColorDialog::ShowAlphaChannel);
     const bool accepted = dialog->exec() == QDialog::Accepted && dialog;
     const QColor color = accepted ? dialog->selectedColor() : QColor();

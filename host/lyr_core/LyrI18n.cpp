@@ -2,6 +2,7 @@
 #include <lyr_core/LyrOutOfMemory_p.h>
 
 #include <atomic>
+#include <utility>
 
 namespace {
 
@@ -22,7 +23,7 @@ LyrString LyrI18n::translate(const char* context, const char* key, const char* c
             return LyrString(key);
         }
         LyrString text = translator->translate(textOf(context), key, textOf(comment), language);
-        return text.isNull() ? LyrString(key) : text;
+        return text.isNull() ? LyrString(key) : std::move(text);
     });
 }
 

@@ -53,14 +53,31 @@ bool readNumber(const QString& text, double& out) {
     return ok && std::isfinite(out);
 }
 
-/** The unit that a text names, -1 for none. */
-Lyrenum findUnit(Lyrenum quantity, const QString& text) {
+/** Does what handles texts, the toolkit's among it. False, and an error, when memory ran out. */
+template <class Work>
+bool withTexts(Work work) noexcept {
     try {
-        return LyrQuantity::findUnit(quantity, LyrString(text));
+        work();
+        return true;
     } catch (...) {
         LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
-        return Lyrenum(-1);
+        return false;
     }
+}
+
+/** Reads a number with or without a unit of the quantity, which becomes `unit`. */
+bool readQuantity(const QString& text, Lyrenum quantity, double& number, Lyrenum& unit) {
+    const QString trimmed = text.trimmed();
+    bool valid = readNumber(trimmed, number);
+    // The longest unit first: "1.5 e" is no number, "1.5e3" is one.
+    for (qsizetype at = std::max<qsizetype>(1, trimmed.size() - LONGEST_UNIT); !valid && at < trimmed.size(); ++at) {
+        const Lyrenum named = LyrQuantity::findUnit(quantity, LyrString(trimmed.mid(at).trimmed()));
+        if (named != Lyrenum(-1) && readNumber(trimmed.left(at).trimmed(), number)) {
+            unit = named;
+            valid = true;
+        }
+    }
+    return valid;
 }
 
 }  // namespace
@@ -105,25 +122,23 @@ double LyqUnitConverter::displayToInternal(double value) const {
 }
 
 QString LyqUnitConverter::internalToDisplayString(double value, int displayMode, int precision) const {
-    const QString number =
-        typingLocale(QLocale()).toString(internalToDisplay(value), 'g', precision < 0 ? SIGNIFICANT_DIGITS : precision);
-    const QString unit = getDisplayUnitAbbr();
-    return displayMode == WithUnit && !unit.isEmpty() ? number + QLatin1Char(' ') + unit : number;
+    QString text;
+    const bool done = withTexts([&] {
+        const int digits = precision < 0 ? SIGNIFICANT_DIGITS : precision;
+        text = typingLocale(QLocale()).toString(internalToDisplay(value), 'g', digits);
+        const QString unit = getDisplayUnitAbbr();
+        if (displayMode == WithUnit && !unit.isEmpty()) {
+            text += QLatin1Char(' ') + unit;
+        }
+    });
+    return done ? text : QString();
 }
 
 double LyqUnitConverter::unitStringToInternal(const QString& text, bool* ok) const {
-    const QString trimmed = text.trimmed();
     double number = 0.0;
-    bool valid = readNumber(trimmed, number);
     Lyrenum unit = mDisplayUnit;
-    // The longest unit first: "1.5 e" is no number, "1.5e3" is one.
-    for (qsizetype at = std::max<qsizetype>(1, trimmed.size() - LONGEST_UNIT); !valid && at < trimmed.size(); ++at) {
-        const Lyrenum named = findUnit(mQuantity, trimmed.mid(at).trimmed());
-        if (named != Lyrenum(-1) && readNumber(trimmed.left(at).trimmed(), number)) {
-            unit = named;
-            valid = true;
-        }
-    }
+    bool valid = false;
+    withTexts([&] { valid = readQuantity(text, mQuantity, number, unit); });
     const double internal = valid ? LyrQuantity::unitToInternal(number, mQuantity, unit) : 0.0;
     valid = valid && std::isfinite(internal);
     if (ok) {

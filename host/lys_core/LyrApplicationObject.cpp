@@ -50,8 +50,8 @@ bool LyrDisplayUnits::setDisplayUnit(Lyrenum quantity, Lyrenum unit) {
         return false;
     }
     const auto units = mUnits.view();
-    const auto present = std::find_if(units.begin(), units.end(),
-                                      [&](Lyrenum at) { return LyrQuantity::isUnitOf(at, quantity); });
+    const auto present =
+        std::find_if(units.begin(), units.end(), [&](Lyrenum at) { return LyrQuantity::isUnitOf(at, quantity); });
     const auto index = static_cast<long long>(present - units.begin());
     return present != units.end() ? mUnits.setArrayItems(index, index, &unit)
                                   : mUnits.insertArrayItems(index, index, &unit);

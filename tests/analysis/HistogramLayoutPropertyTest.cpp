@@ -45,7 +45,8 @@ Case anyCase() {
     description.size = {static_cast<std::int64_t>(result.samples.size()), 1, 1};
     LyrSortedValues values;
     LyrAnalysisOutcome outcome;
-    RC_ASSERT(LyrSortedValues::make(*LyrVolume::create(description, std::vector<float>(result.samples)), values, outcome));
+    RC_ASSERT(
+        LyrSortedValues::make(*LyrVolume::create(description, std::vector<float>(result.samples)), values, outcome));
     const int largest = *rc::gen::element(2, 30, 3000);
     const QSize size(*rc::gen::inRange(1, largest), *rc::gen::inRange(1, largest));
     result.layout = HistogramLayout::make(values, result.boundaries, size);

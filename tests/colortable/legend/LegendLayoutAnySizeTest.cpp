@@ -19,10 +19,9 @@ constexpr float LARGEST = std::numeric_limits<float>::max();
 
 /** Letters that are 7 wide and 12 tall, of which 2 lie below the line. */
 TextMeasure letters() {
-    return {[](const QString& text) {
-                return QRect(0, -10, static_cast<int>(text.size()) * 7, text.isEmpty() ? 0 : 12);
-            },
-            [](float value) { return QString::number(static_cast<double>(value), 'g', 6); }};
+    return {
+        [](const QString& text) { return QRect(0, -10, static_cast<int>(text.size()) * 7, text.isEmpty() ? 0 : 12); },
+        [](float value) { return QString::number(static_cast<double>(value), 'g', 6); }};
 }
 
 std::vector<float> anyPositions() {
@@ -50,8 +49,8 @@ Input anyInput() {
     input.autoLabel = *rc::gen::arbitrary<bool>();
     input.lowerExtension = *rc::gen::arbitrary<bool>();
     input.upperExtension = *rc::gen::arbitrary<bool>();
-    input.thickness = *rc::gen::element<long long>(-5, 0, 1, 12, 24, 100, 1000000, std::numeric_limits<long long>::max(),
-                                                   std::numeric_limits<long long>::min());
+    input.thickness = *rc::gen::element<long long>(
+        -5, 0, 1, 12, 24, 100, 1000000, std::numeric_limits<long long>::max(), std::numeric_limits<long long>::min());
     input.caption = QString(*rc::gen::inRange(0, 30), QLatin1Char('x'));
     input.positions = anyPositions();
     return input;
@@ -123,7 +122,8 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, chooses_labels_in_the_range_in_ascending_or
     const double low = static_cast<double>(input.positions.front());
     const double high = static_cast<double>(input.positions.back());
     // Ten additions of a rounded step: each loses less than half a unit of the largest number met.
-    const double lost = 20 * std::max(std::abs(low), std::abs(high)) * static_cast<double>(6e-8f) + (high - low) / 999.0;
+    const double lost =
+        20 * std::max(std::abs(low), std::abs(high)) * static_cast<double>(6e-8f) + (high - low) / 999.0;
     for (std::size_t i = 0; i < values.size(); ++i) {
         const double expected = low + (high - low) * static_cast<double>(i) / static_cast<double>(intervals);
         RC_ASSERT(std::abs(static_cast<double>(values[i]) - expected) <= lost);

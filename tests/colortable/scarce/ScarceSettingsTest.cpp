@@ -165,9 +165,10 @@ TEST(ScarceSettings, tell_when_an_assignment_or_a_reset_is_not_complete) {
 TEST(ScarceSettings, give_their_caption_or_keep_the_last_one) {
     scarce::withEachAllocationFailing<Settings>(
         [](Settings& fixture) {
-            // What a read gives in want of memory is the caption of the last read.
-            const std::string_view text = lyrGetValue<const char*>(fixture.settings.get(), Lyr::Description, "");
-            return text == LONG_TEXT;
+            // What a read gives in want of memory is the caption of the last read: here there was none.
+            const char* text = lyrGetValue<const char*>(fixture.settings.get(), Lyr::Description, "");
+            EXPECT_TRUE(!text || std::string_view(text) == LONG_TEXT);
+            return text != nullptr;
         },
         [](Settings& fixture, bool) { EXPECT_EQ(textOf(fixture.settings.get(), Lyr::Description), LONG_TEXT); });
 }

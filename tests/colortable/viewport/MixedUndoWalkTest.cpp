@@ -87,8 +87,8 @@ private:
         // The caption follows its template.
         EXPECT_EQ(std::string(lyrGetValue<const char*>(settings(), Lyr::Description, "?")), content.texts.back());
         content.numbers.push_back(lyrGetValue(settings(), Lyr::Thickness, -1LL));
-        for (const Lyrenum id : {Lyr::Position, Lyr::Alignment, Lyr::TextPosition, Lyr::TextAlignment, Lyr::HasOutline,
-                                 Lyr::Rendering}) {
+        for (const Lyrenum id :
+             {Lyr::Position, Lyr::Alignment, Lyr::TextPosition, Lyr::TextAlignment, Lyr::HasOutline, Lyr::Rendering}) {
             content.numbers.push_back(int(lyrGetValue(settings(), id, Lyrenum(-1))));
         }
         undowalk::append(content.bits, lyrGetValue(settings(), Lyr::Size, -1.0f));

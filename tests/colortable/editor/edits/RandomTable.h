@@ -141,17 +141,16 @@ inline plain::Table evaluated(const PlainContent& content) {
 
 /** Asserts that a table colours like the plain rules do. */
 inline void checkColors(const model::Table& table, const PlainContent& content) {
-    const plain::Types types{Lyr::Constant,        Lyr::Gradient, Lyr::Rainbow,
-                             Lyr::InvertedRainbow, Lyr::Continue, Lyr::BlackGreenBlueRed,
-                             Lyr::HueCycle};
+    const plain::Types types{Lyr::Constant, Lyr::Gradient,          Lyr::Rainbow, Lyr::InvertedRainbow,
+                             Lyr::Continue, Lyr::BlackGreenBlueRed, Lyr::HueCycle};
     const plain::Table reference = evaluated(content);
     for (const float value : samplesOf(content.positions)) {
         const plain::Result expected = plain::colorIn(types, reference, value, false);
         model::Color color = model::untouched;
         RC_ASSERT(table.getColor(value, color) == expected.colored);
         if (expected.colored) {
-            RC_ASSERT(model::sameBits(color, {expected.color[0], expected.color[1], expected.color[2],
-                                              expected.color[3]}));
+            RC_ASSERT(
+                model::sameBits(color, {expected.color[0], expected.color[1], expected.color[2], expected.color[3]}));
         }
     }
 }

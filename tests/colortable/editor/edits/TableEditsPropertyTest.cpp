@@ -153,7 +153,8 @@ RC_GTEST_PROP(TableEditsProperty, a_merge_stretches_the_first_section_to_the_end
     const float low = before.positions[at(first) - 1];
     const float high = before.positions[at(last) - 1 + 1];
     const model::Held<model::Table> untouched = tableOf(before);
-    const bool followed = continuesOrFails(before.sections[at(last) + 1]) || continuesOrFails(before.sections[at(first) - 1]);
+    const bool followed =
+        continuesOrFails(before.sections[at(last) + 1]) || continuesOrFails(before.sections[at(first) - 1]);
     for (const float value : samplesOf(before.positions)) {
         if (!followed && (value > high || value < low)) {
             model::Color now = model::untouched;
