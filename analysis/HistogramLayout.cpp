@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -69,5 +70,7 @@ float HistogramLayout::valueAt(int column) const {
         return 0.0f;
     }
     const double middle = std::clamp(column, 0, size.width() - 1) + 0.5;
-    return static_cast<float>(low + (high - low) * middle / size.width());
+    // Around the largest float the range ends beyond what a float can be.
+    constexpr double LARGEST = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(low + (high - low) * middle / size.width(), -LARGEST, LARGEST));
 }

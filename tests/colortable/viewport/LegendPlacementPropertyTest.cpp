@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 // What holds for every place of a legend: in its view where it fits, at its side and end where it does not.
 
@@ -31,6 +32,11 @@ struct Placed {
     }
 };
 
+Lyrenum anySide() {
+    const Lyrenum sides[] = {Lyr::Left, Lyr::Right, Lyr::Top, Lyr::Bottom, Lyr::Center};
+    return sides[*rc::gen::inRange<std::size_t>(0, std::size(sides))];
+}
+
 Placed anyPlace() {
     Placed placed;
     const int largest = *rc::gen::element(2, 40, 400, 4000);
@@ -41,9 +47,7 @@ Placed anyPlace() {
     placed.dotsPerInch = static_cast<float>(*rc::gen::inRange(20, 400));
     placed.margin = 10.0 * static_cast<double>(placed.dotsPerInch) / 96.0;
     const QSize minimum(*rc::gen::inRange(1, 80), *rc::gen::inRange(1, 80));
-    placed.wish = {*rc::gen::element<Lyrenum>(Lyr::Left, Lyr::Right, Lyr::Top, Lyr::Bottom, Lyr::Center),
-                   *rc::gen::element<Lyrenum>(Lyr::Left, Lyr::Right, Lyr::Top, Lyr::Bottom, Lyr::Center),
-                   static_cast<float>(*rc::gen::inRange(-10, 130)) / 100.0f,
+    placed.wish = {anySide(), anySide(), static_cast<float>(*rc::gen::inRange(-10, 130)) / 100.0f,
                    QSize(minimum.width() + *rc::gen::inRange(0, 100), minimum.height() + *rc::gen::inRange(0, 100)),
                    minimum};
     const Place place = placeLegend(placed.view, placed.dotsPerInch, placed.wish);
@@ -60,8 +64,9 @@ RC_GTEST_PROP(LegendPlacementProperty, a_legend_is_never_smaller_than_it_can_be,
     const Placed placed = anyPlace();
     RC_ASSERT(placed.rect.width() >= placed.wish.minimumHint.width());
     RC_ASSERT(placed.rect.height() >= placed.wish.minimumHint.height());
-    RC_ASSERT(placed.isHorizontal() ? placed.rect.height() == placed.wish.hint.height()
-                                    : placed.rect.width() == placed.wish.hint.width());
+    const bool isAsThick = placed.isHorizontal() ? placed.rect.height() == placed.wish.hint.height()
+                                                 : placed.rect.width() == placed.wish.hint.width();
+    RC_ASSERT(isAsThick);
 }
 
 RC_GTEST_PROP(LegendPlacementProperty, a_legend_that_fits_stands_inside_of_the_margins, ()) {

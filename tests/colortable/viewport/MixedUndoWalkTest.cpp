@@ -1,4 +1,5 @@
 #include "LegendView.h"
+#include "ToolkitApplication.h"
 #include "colortable/model/UndoWalkContent.h"
 #include "colortable/model/UndoWalkEdits.h"
 
@@ -43,7 +44,7 @@ struct SilencedRefusals : LyrError::Listener {
     bool errorEmitted(const LyrError::Message& message) override { return message.getCode() == Lyr::InvalidParameters; }
 };
 
-class MixedWalk {
+class MixedWalk : ToolkitApplication {
 public:
     explicit MixedWalk(std::uint64_t seed) : mEdits(mTables, seed), mAnnotation(nullptr, "legend") {
         mStack.clear();
