@@ -13,9 +13,12 @@ struct GreyLevels {
     double air = 0.0;
     double material = 1.0;
 
-    /** The part of a voxel that is air; noise may carry it a little beyond 0 and 1. */
+    /** The part of a voxel that is air; noise may carry it a little beyond 0 and 1. What is not finite is one or the
+     *  other as by the threshold: +∞ material, −∞ and what is no number air. */
     double airShare(float value) const {
-        return std::isfinite(value) ? (material - static_cast<double>(value)) / (material - air) : 1.0;
+        return std::isfinite(value) ? (material - static_cast<double>(value)) / (material - air)
+               : value > 0.0F       ? 0.0
+                                    : 1.0;
     }
 };
 

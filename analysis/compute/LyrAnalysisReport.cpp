@@ -4,6 +4,8 @@
 #include <array>
 #include <exception>
 #include <limits>
+#include <utility>
+#include <vector>
 
 #include <lyr_core/LyrFileSaver.h>
 
@@ -26,7 +28,7 @@ ReportText beginReport(const char* analysis, const Result& result) {
                    {"voxels_y", ReportValue(description.size[1])},
                    {"voxels_z", ReportValue(description.size[2])},
                    {"voxel_volume_mm3", ReportValue(result.voxelVolume)},
-                   {"threshold", ReportValue(result.threshold)},
+                   {"threshold", ReportValue(static_cast<double>(result.threshold))},
                    {"threshold_by", ReportValue(std::string(result.thresholdWasGiven ? "user" : "otsu"))}};
     return report;
 }
@@ -53,49 +55,53 @@ ReportText reportOf(const LyrDefectResult& result) {
     report.columns = {"number",      "volume_mm3",  "voxels",    "counted_volume_mm3", "center_x_mm",
                       "center_y_mm", "center_z_mm", "size_mm",   "sphericity",         "low_x_mm",
                       "low_y_mm",    "low_z_mm",    "high_x_mm", "high_y_mm",          "high_z_mm"};
-    report.rows.reserve(result.defects.size());
-    for (const LyrDefect& defect : result.defects) {
-        std::vector<ReportValue> row{ReportValue(std::uint64_t{defect.number}), ReportValue(defect.volume),
-                                     ReportValue(defect.voxels), ReportValue(defect.countedVolume)};
+    report.rowCount = result.defects.size();
+    report.makeRow = [&result](std::size_t index, ReportText::Row& row) {
+        const LyrDefect& defect = result.defects[index];
         const auto append = [&row](const std::array<double, 3>& place) {
             row.insert(row.end(), {ReportValue(place[0]), ReportValue(place[1]), ReportValue(place[2])});
         };
+        row.insert(row.end(), {ReportValue(std::uint64_t{defect.number}), ReportValue(defect.volume),
+                               ReportValue(defect.voxels), ReportValue(defect.countedVolume)});
         append(defect.center);
         row.insert(row.end(), {ReportValue(defect.size), ReportValue(defect.sphericity)});
         append(defect.low);
         append(defect.high);
-        report.rows.push_back(std::move(row));
-    }
+    };
     return report;
 }
 
-void addRow(ReportText& report, double low, double high, std::uint64_t voxels, const LyrThicknessResult& result) {
-    const double all = static_cast<double>(std::max<std::uint64_t>(result.materialVoxels, 1));
-    const double share = static_cast<double>(voxels) / all;
-    report.rows.push_back({ReportValue(low), ReportValue(high), ReportValue(voxels),
-                           ReportValue(static_cast<double>(voxels) * result.voxelVolume), ReportValue(100.0 * share)});
-}
+/** A stretch of thicknesses and the voxels in it. */
+struct Stretch {
+    double low;
+    double high;
+    std::uint64_t voxels;
+};
 
-void addBins(ReportText& report, const LyrThicknessResult& result) {
+std::vector<Stretch> binsOf(const LyrThicknessResult& result) {
     constexpr std::size_t kBins = 50;
+    std::vector<Stretch> bins;
     LyrValueHistogram histogram;
     if (result.values && LyrValueHistogram::make(*result.values, kBins, histogram)) {
         for (std::size_t bin = 0; bin < kBins; ++bin) {
-            addRow(report, histogram.edge(bin), histogram.edge(bin + 1), histogram.counts[bin], result);
+            bins.push_back({histogram.edge(bin), histogram.edge(bin + 1), histogram.counts[bin]});
         }
     }
+    return bins;
 }
 
-void addSections(ReportText& report, const LyrThicknessResult& result, std::span<const float> boundaries) {
+std::vector<Stretch> sectionsOf(const LyrThicknessResult& result, std::span<const float> boundaries) {
     constexpr double kEndless = std::numeric_limits<double>::infinity();
+    std::vector<Stretch> sections;
     LyrSectionShares shares;
     if (result.values && LyrSectionShares::make(result.values->samples(), boundaries, shares)) {
         for (std::size_t i = 0; i < shares.counts.size(); ++i) {
             const double low = i > 0 ? static_cast<double>(boundaries[i - 1]) : -kEndless;
             const double high = i < boundaries.size() ? static_cast<double>(boundaries[i]) : kEndless;
-            addRow(report, low, high, shares.counts[i], result);
+            sections.push_back({low, high, shares.counts[i]});
         }
     }
+    return sections;
 }
 
 ReportText reportOf(const LyrThicknessResult& result, std::span<const float> boundaries) {
@@ -111,17 +117,22 @@ ReportText reportOf(const LyrThicknessResult& result, std::span<const float> bou
     report.head.insert(report.head.end(), totals.begin(), totals.end());
     report.rowsName = boundaries.empty() ? "bins" : "sections";
     report.columns = {"from_mm", "to_mm", "voxels", "counted_volume_mm3", "percent"};
-    if (boundaries.empty()) {
-        addBins(report, result);
-    } else {
-        addSections(report, result, boundaries);
-    }
+    std::vector<Stretch> stretches = boundaries.empty() ? binsOf(result) : sectionsOf(result, boundaries);
+    report.rowCount = stretches.size();
+    report.makeRow = [&result, stretches = std::move(stretches)](std::size_t index, ReportText::Row& row) {
+        const auto& [low, high, voxels] = stretches[index];
+        const double all = static_cast<double>(std::max<std::uint64_t>(result.materialVoxels, 1));
+        const double share = static_cast<double>(voxels) / all;
+        row.insert(row.end(),
+                   {ReportValue(low), ReportValue(high), ReportValue(voxels),
+                    ReportValue(static_cast<double>(voxels) * result.voxelVolume), ReportValue(100.0 * share)});
+    };
     return report;
 }
 
 /** Nothing, unless there is one for each defect. */
 void addVerdicts(ReportText& report, std::span<const LyrVerdict> verdicts) {
-    if (verdicts.empty() || verdicts.size() != report.rows.size()) {
+    if (verdicts.empty() || verdicts.size() != report.rowCount) {
         return;
     }
     static const std::array<const char*, 4> kNames = {"", "pass", "warn", "fail"};
@@ -131,9 +142,10 @@ void addVerdicts(ReportText& report, std::span<const LyrVerdict> verdicts) {
                                  ReportValue(static_cast<std::uint64_t>(count)));
     }
     report.columns.push_back("verdict");
-    for (std::size_t i = 0; i < verdicts.size(); ++i) {
-        report.rows[i].push_back(ReportValue(std::string(kNames[static_cast<std::size_t>(verdicts[i])])));
-    }
+    report.makeRow = [verdicts, makeRow = std::move(report.makeRow)](std::size_t index, ReportText::Row& row) {
+        makeRow(index, row);
+        row.emplace_back(std::string(kNames[static_cast<std::size_t>(verdicts[index])]));
+    };
 }
 
 ReportText reportOf(const LyrDefectResult& result, std::span<const LyrVerdict> verdicts) {

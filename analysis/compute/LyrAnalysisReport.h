@@ -12,9 +12,10 @@
  *
  *  A CSV file begins with lines "# name,value" (what was analysed, the threshold, the totals), then comes one line of
  *  column names and one line for each defect, or for each bin of the thickness. A JSON file holds the same under the
- *  same names, the rows as a list of objects. `voxels` and what begins with `counted_` follow from the threshold alone
- *  and can be counted again exactly; `volume_mm3` and what follows from it are measured by grey values and are the
- *  numbers to judge by. */
+ *  same names, the rows as a list of objects. `threshold` is the one that was used, to the last digit: samples are
+ *  compared in single precision, and one that was typed with more digits was rounded to it. `voxels` and what begins
+ * with `counted_` follow from the threshold alone and can be counted again exactly; `volume_mm3` and what follows from
+ * it are measured by grey values and are the numbers to judge by. */
 class LyrAnalysisReport {
 public:
     /** With `verdicts`, one for each defect, each row ends with a `verdict` (pass, warn, fail, or empty for None), and

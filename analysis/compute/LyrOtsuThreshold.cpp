@@ -88,7 +88,7 @@ bool findOtsuThreshold(const LyrVolume& volume, AnalysisTask& task, float& thres
     }
     if (range.low == range.high) {
         return task.fail(
-            "all samples of the volume have the same value, so no threshold divides them into air and "
+            "all finite samples of the volume have the same value, so no threshold divides them into air and "
             "material; open another volume or give a threshold");
     }
     Counts counts;

@@ -96,6 +96,27 @@ std::string csvField(const ReportValue& value) {
 ReportValue::ReportValue(double number) : text(shortest(number)) {}
 ReportValue::ReportValue(float number) : text(shortest(number)) {}
 
+namespace {
+
+/** Calls write(index, row) for all rows. After the first ones `out` gets room for about all of the text, so that it
+ * does not grow by doubling. */
+template <typename Write>
+void writeRows(const ReportText& report, std::string& out, const Write& write) {
+    constexpr std::size_t kFirst = 256;
+    const std::size_t before = out.size();
+    ReportText::Row row;
+    for (std::size_t i = 0; i < report.rowCount; ++i) {
+        if (i == kFirst) {
+            out.reserve(before + (out.size() - before) / kFirst * (report.rowCount + report.rowCount / 16));
+        }
+        row.clear();
+        report.makeRow(i, row);
+        write(i, row);
+    }
+}
+
+}  // namespace
+
 std::string ReportText::csv() const {
     std::string out;
     for (const auto& [name, value] : head) {
@@ -105,13 +126,13 @@ std::string ReportText::csv() const {
         out += (i > 0 ? "," : "") + columns[i];
     }
     out += '\n';
-    for (const std::vector<ReportValue>& row : rows) {
+    writeRows(*this, out, [&](std::size_t, const Row& row) {
         for (std::size_t i = 0; i < row.size(); ++i) {
             out += i > 0 ? "," : "";
             out += csvField(row[i]);
         }
         out += '\n';
-    }
+    });
     return out;
 }
 
@@ -121,14 +142,19 @@ std::string ReportText::json() const {
         out += "  " + jsonString(name) + ": " + jsonValue(value) + ",\n";
     }
     out += "  " + jsonString(rowsName) + ": [";
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        out += i > 0 ? ",\n    {" : "\n    {";
-        for (std::size_t k = 0; k < rows[i].size(); ++k) {
-            out += (k > 0 ? ", " : " ") + jsonString(columns[k]) + ": " + jsonValue(rows[i][k]);
+    std::vector<std::string> names;
+    for (const std::string& column : columns) {
+        names.push_back((names.empty() ? " " : ", ") + jsonString(column) + ": ");
+    }
+    writeRows(*this, out, [&](std::size_t index, const Row& row) {
+        out += index > 0 ? ",\n    {" : "\n    {";
+        for (std::size_t k = 0; k < row.size(); ++k) {
+            out += names[k];
+            out += jsonValue(row[k]);
         }
         out += " }";
-    }
-    out += rows.empty() ? "]\n}\n" : "\n  ]\n}\n";
+    });
+    out += rowCount == 0 ? "]\n}\n" : "\n  ]\n}\n";
     return out;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -20,12 +22,16 @@ struct ReportValue {
     bool isWords = false;
 };
 
-/** A report before it is written: named values, and rows of values under column names. */
+/** A report before it is written: named values, and rows of values under column names. A row is made when it is
+ * written: all the rows of a million defects would take gigabytes. */
 struct ReportText {
+    using Row = std::vector<ReportValue>;
+
     std::vector<std::pair<std::string, ReportValue>> head;
     std::string rowsName;
     std::vector<std::string> columns;
-    std::vector<std::vector<ReportValue>> rows;
+    std::size_t rowCount = 0;
+    std::function<void(std::size_t index, Row& row)> makeRow;  ///< appends a value for each column to an empty row
 
     std::string csv() const;
     std::string json() const;

@@ -240,7 +240,9 @@ TEST(LyrAnalysisControl, two_analyses_at_once_do_not_disturb_each_other) {
     const VolumePtr volume = testvolumes::casting(64, 5.0);
     LyrDefectResult alone;
     LyrAnalysisOutcome outcome;
+    LyrThicknessResult thicknessAlone;
     ASSERT_TRUE(LyrDefectAnalysis::run(volume, {}, alone, outcome));
+    ASSERT_TRUE(LyrWallThickness::run(volume, {}, thicknessAlone, outcome));
     LyrDefectResult defects;
     LyrThicknessResult thickness;
     {
@@ -255,7 +257,8 @@ TEST(LyrAnalysisControl, two_analyses_at_once_do_not_disturb_each_other) {
     }
     EXPECT_EQ(defects.labels, alone.labels);
     EXPECT_EQ(defects.defectVolume, alone.defectVolume);
-    EXPECT_GT(thickness.median, 0.0);
+    EXPECT_TRUE(sameBits(*thickness.values, *thicknessAlone.values));
+    EXPECT_EQ(thickness.median, thicknessAlone.median);
 }
 
 TEST(LyrAnalysisControl, a_volume_may_be_let_go_of_while_it_is_analysed) {
@@ -284,6 +287,36 @@ TEST(LyrAnalysisControl, memory_that_is_not_there_is_a_message_before_it_is_take
         EXPECT_FALSE(run(volume, control, outcome));
         EXPECT_FALSE(outcome.cancelled);
         EXPECT_NE(outcome.error.find("GiB of memory"), std::string::npos) << outcome.error;
+    }
+}
+
+TEST(LyrAnalysisControl, every_further_need_of_memory_is_a_message_too) {
+    // From a limit that is too small for anything to one that is enough: refused with a message or done, nothing else.
+    // The noise needs much beside the volume, so that later checks refuse as well as the first one.
+    const VolumePtr volume = testvolumes::noise(48);
+    for (const Analyse run : {runDefects, runThickness, runSorting}) {
+        std::vector<double> refusedAt;
+        bool enough = false;
+        for (std::uint64_t limit = 1000; !enough; limit += limit / 4) {
+            ASSERT_LT(limit, std::uint64_t{1} << 28U) << "for a volume of 432 KiB";
+            double told = 0.0;
+            LyrAnalysisControl control;
+            control.threads = 1;
+            control.memoryLimit = limit;
+            control.progress = [&](double part) {
+                told = part;
+                return true;
+            };
+            LyrAnalysisOutcome outcome;
+            enough = run(volume, control, outcome);
+            if (!enough) {
+                EXPECT_FALSE(outcome.cancelled);
+                EXPECT_NE(outcome.error.find("GiB of memory"), std::string::npos) << outcome.error;
+                refusedAt.push_back(told);
+            }
+        }
+        EXPECT_GE(refusedAt.size(), 2U);
+        EXPECT_TRUE(run == runSorting || refusedAt.back() > refusedAt.front()) << "a later check has refused";
     }
 }
 

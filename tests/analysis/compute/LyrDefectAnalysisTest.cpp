@@ -86,8 +86,14 @@ std::vector<std::uint64_t> sizesOf(const LyrDefectResult& result) {
     return sizes;
 }
 
-/** Every pore found and nothing else; the volumes of those 4 voxels across or more within `percent`. */
-void expectPores(const LyrDefectResult& result, std::int64_t edge, double percent) {
+/** Diameter of a pore in voxels, the least of an ellipsoid. */
+double voxelsAcross(const LyrCasting::Pore& pore, double spacing) {
+    // Some are meant to be whole numbers: rounding shall not take them off.
+    return 2.0 * *std::min_element(pore.radii.begin(), pore.radii.end()) / spacing + 0.001;
+}
+
+/** Every pore found and nothing else; the volumes of those of `across` voxels or more within two percent. */
+void expectPores(const LyrDefectResult& result, std::int64_t edge, double across) {
     const LyrCasting::Truth truth = LyrCasting::truth(edge);
     ASSERT_EQ(result.defects.size(), truth.pores.size());
     for (const LyrCasting::Pore& pore : truth.pores) {
@@ -96,8 +102,8 @@ void expectPores(const LyrDefectResult& result, std::int64_t edge, double percen
                 return distance(a.center, pore.center) < distance(b.center, pore.center);
             });
         EXPECT_LT(distance(nearest->center, pore.center), truth.spacing);
-        if (2.0 * *std::min_element(pore.radii.begin(), pore.radii.end()) >= 3.999 * truth.spacing) {
-            EXPECT_NEAR(nearest->volume / pore.volume, 1.0, percent / 100.0)
+        if (voxelsAcross(pore, truth.spacing) >= across) {
+            EXPECT_NEAR(nearest->volume / pore.volume, 1.0, 0.02)
                 << "at " << edge << ", pore of " << pore.volume << " mm3";
         }
     }
@@ -112,42 +118,49 @@ bool isInBox(std::int64_t x, std::int64_t y, std::int64_t z, std::int64_t low, s
 TEST(LyrDefectAnalysis, finds_every_pore_of_the_casting_and_measures_it_within_two_percent) {
     for (const std::int64_t edge : testvolumes::castingEdges({64, 96, 128})) {
         const LyrDefectResult result = analyse(testvolumes::casting(edge));
-        expectPores(result, edge, 2.0);
+        expectPores(result, edge, 4.0);
         const LyrCasting::Truth truth = LyrCasting::truth(edge);
         EXPECT_NEAR(result.porosity / (100.0 * truth.porosity), 1.0, 0.01);
         EXPECT_NEAR(result.materialVolume / truth.materialVolume, 1.0, 0.001);
     }
 }
 
-// Noise on the surface voxels alone gives a pore of 4 voxels across a standard deviation of more than 1 %: a single one
-// may stray beyond 2 %, whatever measures it.
-TEST(LyrDefectAnalysis, finds_every_pore_of_the_casting_under_noise_of_five_percent) {
+// From 6 voxels across on in every noise. Below, the noise of the surface voxels does not allow it, whatever measures:
+// a ball of 4 voxels across has at best a standard deviation of 1.1 %, one of 5 voxels 0.7 % (next case).
+TEST(LyrDefectAnalysis, measures_pores_of_six_voxels_within_two_percent_in_every_noise_of_five_percent) {
     for (const std::int64_t edge : testvolumes::castingEdges({64, 96, 128})) {
-        expectPores(analyse(testvolumes::casting(edge, 5.0)), edge, 4.0);
+        for (std::uint64_t seed = 1; seed <= 6; ++seed) {
+            expectPores(analyse(testvolumes::casting(edge, 5.0, seed)), edge, 6.0);
+        }
     }
 }
 
-TEST(LyrDefectAnalysis, measures_pores_within_two_percent_on_the_whole_over_many_noises) {
+// The limits for the standard deviation are those that no unbiased measure is below, from the derivatives of the voxels
+// of a ball by its centre and radius (Cramér and Rao), at 4, 5, 6, 7 and 8 voxels across, times 1.7: twelve noises tell
+// a deviation to a fifth of itself, and no shape is presumed here.
+TEST(LyrDefectAnalysis, measures_pores_without_bias_and_nearly_as_well_as_noise_allows) {
     constexpr int kSeeds = 12;
+    constexpr std::array<double, 5> kBounds{1.16, 0.70, 0.49, 0.36, 0.27};
     const LyrCasting::Truth truth = LyrCasting::truth(128);
     std::vector<double> sums(truth.pores.size());
     std::vector<double> squares(truth.pores.size());
     for (int seed = 1; seed <= kSeeds; ++seed) {
         const LyrDefectResult result = analyse(testvolumes::casting(128, 5.0, static_cast<std::uint64_t>(seed)));
-        expectPores(result, 128, 4.0);
         for (std::size_t i = 0; i < truth.pores.size(); ++i) {
             double volume = 0.0;
             for (const LyrDefect& defect : result.defects) {
                 volume += distance(defect.center, truth.pores[i].center) < 0.5 ? defect.volume : 0.0;
             }
-            const double error = volume / truth.pores[i].volume - 1.0;
+            const double error = 100.0 * (volume / truth.pores[i].volume - 1.0);
             sums[i] += error;
             squares[i] += error * error;
         }
     }
     for (std::size_t i = 0; i < truth.pores.size(); ++i) {
-        EXPECT_NEAR(sums[i] / kSeeds, 0.0, 0.01) << "pore " << i;
-        EXPECT_LT(std::sqrt(squares[i] / kSeeds), 0.02) << "pore " << i;
+        const auto across = static_cast<std::size_t>(voxelsAcross(truth.pores[i], truth.spacing));
+        const double bound = kBounds[std::clamp<std::size_t>(across, 4, 8) - 4];
+        EXPECT_NEAR(sums[i] / kSeeds, 0.0, bound) << "pore " << i;
+        EXPECT_LT(std::sqrt(squares[i] / kSeeds), 1.7 * bound) << "pore " << i;
     }
 }
 
@@ -378,6 +391,43 @@ TEST(LyrDefectAnalysis, counts_what_is_no_number_as_air) {
     ASSERT_EQ(result.defects.size(), 1U);
     EXPECT_EQ(result.defects[0].voxels, 27U);
     EXPECT_DOUBLE_EQ(result.defects[0].volume, 27.0);
+}
+
+TEST(LyrDefectAnalysis, counts_samples_without_end_as_the_threshold_does) {
+    const float endless = std::numeric_limits<float>::infinity();
+    // A hollow of 3³ with a glaring voxel on its wall and a black one in its middle.
+    const VolumePtr volume = make({9, 9, 9}, [&](auto x, auto y, auto z) {
+        const bool glaring = x == 2 && y == 4 && z == 4;
+        const bool black = x == 4 && y == 4 && z == 4;
+        return glaring ? endless : black ? -endless : isInBox(x, y, z, 3, 5) || x == 0 ? 0.0F : 100.0F;
+    });
+    const LyrDefectResult result = analyse(volume);
+    ASSERT_EQ(result.defects.size(), 1U);
+    EXPECT_EQ(result.defects[0].voxels, 27U);
+    EXPECT_DOUBLE_EQ(result.defects[0].volume, 27.0);
+    EXPECT_EQ(result.materialVoxels, 9U * 9U * 8U - 27U);
+    EXPECT_DOUBLE_EQ(result.materialVolume, 9.0 * 9.0 * 8.0 - 27.0);
+}
+
+TEST(LyrDefectAnalysis, leaves_a_padding_out_of_the_levels) {
+    // Air of 18 to 22, and corners that a reconstruction has filled with a value far below.
+    const Place center{14.2, 14.4, 14.1};
+    const VolumePtr clean = makeShape({28, 28, 28}, [&](const Place& p) {
+        return std::max({std::abs(p[0] - 13.5), std::abs(p[1] - 13.5), std::abs(p[2] - 13.5)}) < 8.0 &&
+               distance(p, center) > 3.0;
+    });
+    const VolumePtr padded = make(clean->size(), [&](auto x, auto y, auto z) {
+        const bool isCorner = (x < 4 || x > 23) && (y < 4 || y > 23);
+        const auto ripple = static_cast<float>((x + 2 * y + 3 * z) % 5 - 2);
+        return isCorner ? -500.0F : 20.0F + 0.8F * clean->at(x, y, z) + ripple;
+    });
+    LyrDefectAnalysis::Options options;
+    options.threshold = 60.0F;
+    const LyrDefectResult result = analyse(padded, options);
+    EXPECT_NEAR(result.airLevel, 20.0, 0.1);
+    EXPECT_NEAR(result.materialLevel, 100.0, 0.1);
+    ASSERT_EQ(result.defects.size(), 1U);
+    EXPECT_NEAR(result.defects[0].volume / (4.0 / 3.0 * std::numbers::pi * 27.0), 1.0, 0.02);
 }
 
 TEST(LyrDefectAnalysis, succeeds_without_a_defect) {

@@ -47,8 +47,7 @@ void expectWalls(const LyrThicknessResult& result, std::int64_t edge, double atE
                     const double half = wall.thickness / 2.0;
                     const float thickness = result.values->at(x, y, z);
                     if (at(x) < wall.low[0] || at(x) > wall.high[0] || at(y) < wall.low[1] || at(y) > wall.high[1] ||
-                        at(z) < wall.low[2] + half + truth.spacing || at(z) > wall.high[2] ||
-                        std::isnan(thickness)) {
+                        at(z) < wall.low[2] + half + truth.spacing || at(z) > wall.high[2] || std::isnan(thickness)) {
                         continue;
                     }
                     const double error = std::abs(static_cast<double>(thickness) - wall.thickness);
@@ -184,6 +183,16 @@ TEST(LyrWallThickness, takes_edges_and_corners_for_as_thick_as_what_lies_beside_
     EXPECT_NEAR(result.least, 6.0, 0.1);
     EXPECT_NEAR(result.greatest, 6.0, 0.1);
     EXPECT_NEAR(result.values->at(4, 4, 4), 6.0F, 0.1F);
+}
+
+TEST(LyrWallThickness, takes_a_bump_for_as_thick_as_what_it_stands_on) {
+    for (const std::int64_t width : {1, 2}) {
+        const LyrThicknessResult result = analyse(makeSolid({30, 30, 18}, [=](auto x, auto y, auto z) {
+            const bool bump = x >= 14 && x < 14 + width && y >= 14 && y < 14 + width && z == 12;
+            return (x >= 2 && x < 28 && y >= 2 && y < 28 && z >= 4 && z < 12) || bump;
+        }));
+        EXPECT_NEAR(result.least, 8.0, 0.2) << width;
+    }
 }
 
 TEST(LyrWallThickness, tells_two_steps_apart) {
