@@ -50,14 +50,19 @@ bool parse(std::string_view text, const LyrObjectRequest& request, LyrObjectPtr&
     return true;
 }
 
+/** A path in front of a message, as far as the system reads it. */
+LyrString withPath(const std::string& path, const LyrString& message) {
+    return LyrString(path.substr(0, path.find('\0')) + ": ") + message;
+}
+
 /** Puts a path in front of the messages of a report, as far as there is memory for it. */
 void addPath(const std::string& path, Report& report) noexcept {
     try {
         if (!report.message.isEmpty()) {
-            report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
+            report.message = withPath(path, report.message);
         }
         for (LyrString& warning : report.warnings) {
-            warning = LyrString(std::string(path.c_str()) + ": ") + warning;
+            warning = withPath(path, warning);
         }
     } catch (...) {
         // The messages stay as they are.
@@ -216,7 +221,7 @@ bool LyrObjectFile::save(const LyrObject& object, const std::string& path, Repor
     return guarded(report, [&] {
         std::string text;
         if (!write(object, text, &report.message) || !isReplaceable(path, report)) {
-            report.message = LyrString(std::string(path.c_str()) + ": ") + report.message;
+            report.message = withPath(path, report.message);
             return false;
         }
         return LyrFileSaver::replace(path, text, &report.message);

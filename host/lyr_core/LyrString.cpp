@@ -34,6 +34,7 @@ std::vector<Marker> findMarkers(std::string_view text) {
 // The numbers that occur, each once, ascending.
 std::vector<int> numbersOf(const std::vector<Marker>& markers) {
     std::vector<int> numbers;
+    numbers.reserve(markers.size());
     for (const Marker& marker : markers) {
         numbers.push_back(marker.number);
     }

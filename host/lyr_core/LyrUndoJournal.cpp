@@ -28,7 +28,7 @@ private:
 
 std::shared_ptr<const LyrObjectUnknownData> unknownDataOf(const LyrObject& object) {
     const LyrObjectUnknownData* data = object.getUnknownData();
-    return data ? data->shared_from_this() : nullptr;
+    return data ? data->weak_from_this().lock() : nullptr;
 }
 
 }  // namespace
