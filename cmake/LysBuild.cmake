@@ -43,6 +43,12 @@ if(LYS_SANITIZE)
   endif()
 endif()
 
+# Counters that live in a shared mapping: what a process did that a test starts and kills counts as well.
+set(LYS_COVERAGE_OPTIONS -fprofile-instr-generate -fcoverage-mapping -mllvm -runtime-counter-relocation)
+if(LYS_COVERAGE)
+  add_link_options(-fprofile-instr-generate)
+endif()
+
 add_library(lys_warnings INTERFACE)
 target_compile_options(lys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 

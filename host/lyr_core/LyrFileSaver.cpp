@@ -27,7 +27,8 @@ std::string nextName() {
 }
 
 bool isOurName(std::string_view name) {
-    if (!name.starts_with(PREFIX) || !name.ends_with(SUFFIX) || name.size() < PREFIX.size() + SUFFIX.size()) {
+    // The two cannot overlap: neither begins as the other ends.
+    if (!name.starts_with(PREFIX) || !name.ends_with(SUFFIX)) {
         return false;
     }
     const std::string_view middle = name.substr(PREFIX.size(), name.size() - PREFIX.size() - SUFFIX.size());

@@ -1,6 +1,7 @@
 #include <lyr_core/LyrJsonCodec_p.h>
 #include <lyr_core/LyrMemoryWatch_p.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -13,10 +14,11 @@ using Kind = LyrJsonValue::Kind;
 /** A text from a file, fit to be shown in a message. */
 std::string shown(const std::string& text) {
     constexpr std::size_t longest = 60;
-    if (text.size() <= longest) {
+    // A zero byte would end the message.
+    std::size_t end = std::min(text.find('\0'), longest);
+    if (text.size() <= end) {
         return '"' + text + '"';
     }
-    std::size_t end = longest;
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) {
         --end;
     }

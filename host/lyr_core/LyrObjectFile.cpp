@@ -94,8 +94,7 @@ public:
     void restore() {
         mObject.setUnknownData(mUnknown);
         for (const auto& [id, state] : mStates) {
-            LyrProperty* property = mObject.getProperty(id);
-            if (property && state) {
+            if (LyrProperty* property = mObject.getProperty(id)) {
                 property->restoreState(*state);
             }
         }

@@ -262,6 +262,7 @@ private:
 
     bool refused(const LyrJsonValue& json) { return fail(json, "the value is not allowed here"); }
 
+    // The value type of a single value or a link tells its interface, which is never null then.
     bool readValue(const LyrJsonValue& json, LyrProperty& property) {
         const LyrValueType type = property.getValueType();
         if (property.isArray()) {
@@ -287,7 +288,7 @@ private:
             return false;
         }
         auto* typed = LyrSingleValuePropertyIF<T>::getInterface(&property);
-        return (typed && typed->setValue(value)) || refused(json);
+        return typed->setValue(value) || refused(json);
     }
 
     bool readBoolean(const LyrJsonValue& json, LyrProperty& property) {
@@ -295,7 +296,7 @@ private:
             return fail(json, "true or false is needed");
         }
         auto* typed = LyrSingleValuePropertyIF<Lyrenum>::getInterface(&property);
-        return (typed && typed->setValue(json.kind == Kind::True ? 1 : 0)) || refused(json);
+        return typed->setValue(json.kind == Kind::True ? 1 : 0) || refused(json);
     }
 
     bool textOf(const LyrJsonValue& json, const char*& text) {
@@ -315,7 +316,7 @@ private:
             return false;
         }
         auto* typed = LyrSingleValuePropertyIF<const char*>::getInterface(&property);
-        return (typed && typed->setValue(text)) || refused(json);
+        return typed->setValue(text) || refused(json);
     }
 
     /** Reads a number, or an array of as many numbers as the type has. */
@@ -374,7 +375,7 @@ private:
             return false;
         }
         auto* typed = LyrSingleLinkIF::getInterface(&property);
-        return (typed && typed->setValue(LyrObjectLink(target.get(), nullptr, -1))) || refused(json);
+        return typed->setValue(LyrObjectLink(target.get(), nullptr, -1)) || refused(json);
     }
 
     bool readLinks(const LyrJsonValue& json, LyrProperty& property) {
@@ -388,7 +389,7 @@ private:
             links[i] = LyrObjectLink(targets[i].get(), nullptr, -1);
         }
         auto* list = LyrLinkListIF::getInterface(&property);
-        return (list && list->initArray(0, static_cast<long long>(links.size()) - 1, links.data())) || refused(json);
+        return list->initArray(0, static_cast<long long>(links.size()) - 1, links.data()) || refused(json);
     }
 
     const LyrObjectRequest& mRequest;
@@ -430,8 +431,8 @@ void lyrPrepareOwnedRoles(const LyrObject& object, std::size_t depth) {
         std::vector<LyrObjectPtr> owned;
         if (const auto* single = dynamic_cast<const LyrSingleLinkOP*>(&property)) {
             owned.emplace_back(single->getTarget());
-        } else if (const auto* list = dynamic_cast<const LyrLinkListOP*>(&property)) {
-            for (const LyrObjectLink& link : list->view()) {
+        } else {
+            for (const LyrObjectLink& link : static_cast<const LyrLinkListOP&>(property).view()) {
                 owned.emplace_back(link.getLink());
             }
         }

@@ -110,6 +110,7 @@ private:
         return true;
     }
 
+    // The value type of a single value or a link tells its interface, which is never null then.
     bool writeProperty(const LyrProperty& property, const std::string& parent, std::size_t depth, LyrJsonValue& out) {
         const LyrValueType type = property.getValueType();
         if (type == LyrValueType::Link && !lyrOwnsLinks(property)) {
@@ -134,7 +135,7 @@ private:
     bool writeBoolean(const LyrProperty& property, const std::string& place, LyrJsonValue& out) {
         Lyrenum value;
         const auto* typed = LyrSingleValuePropertyIF<Lyrenum>::getInterfaceConst(&property);
-        if (!typed || !typed->getValue(value)) {
+        if (!typed->getValue(value)) {
             return unreadable(place);
         }
         out = LyrJsonValue(value == 0 ? Kind::False : Kind::True);
@@ -144,7 +145,7 @@ private:
     bool writeString(const LyrProperty& property, const std::string& place, LyrJsonValue& out) {
         const char* value = nullptr;
         const auto* typed = LyrSingleValuePropertyIF<const char*>::getInterfaceConst(&property);
-        return typed && typed->getValue(value) ? writeText(value, place, out) : unreadable(place);
+        return typed->getValue(value) ? writeText(value, place, out) : unreadable(place);
     }
 
     bool writeText(const char* value, const std::string& place, LyrJsonValue& out) {
@@ -160,7 +161,7 @@ private:
             using T = typename decltype(type)::type;
             T value{};
             const auto* typed = LyrSingleValuePropertyIF<T>::getInterfaceConst(&property);
-            if (!typed || !typed->getValue(value)) {
+            if (!typed->getValue(value)) {
                 return false;
             }
             out = encodeItem(value);
@@ -207,8 +208,8 @@ private:
             return single->getValue(link) ? writeLink(link, place, depth, out) : unreadable(place);
         }
         const auto* list = LyrLinkListIF::getInterfaceConst(&property);
-        std::vector<LyrObjectLink> links(static_cast<std::size_t>(list ? list->getArraySize() : 0));
-        if (!list || !list->getArrayItems(0, static_cast<long long>(links.size()) - 1, links.data())) {
+        std::vector<LyrObjectLink> links(static_cast<std::size_t>(list->getArraySize()));
+        if (!list->getArrayItems(0, static_cast<long long>(links.size()) - 1, links.data())) {
             return unreadable(place);
         }
         out.kind = Kind::Array;

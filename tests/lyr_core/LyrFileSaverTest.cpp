@@ -117,6 +117,33 @@ TEST(LyrFileSaver, saves_by_a_relative_path_without_a_folder_in_it) {
     EXPECT_EQ(folder.read("a"), "two");
 }
 
+TEST(LyrFileSaver, follows_a_link_in_the_working_directory) {
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("a", folder.file("link"));
+    EXPECT_EQ(inAnotherProcess([&] { return ::chdir(folder.path().c_str()) == 0 && replace("link", "one") ? 0 : 1; }),
+              0);
+    EXPECT_EQ(folder.read("a"), "one");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link")));
+}
+
+TEST(LyrFileSaver, keeps_owner_and_group_of_the_file_where_it_may) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root may give files away";
+    }
+    const TemporaryFolder folder;
+    const std::pair<uid_t, gid_t> owners[] = {{65534, 65534}, {0, 65534}};
+    for (const auto& [user, group] : owners) {
+        folder.write("a", "old");
+        ASSERT_EQ(::chown(folder.file("a").c_str(), user, group), 0);
+        EXPECT_TRUE(replace(folder.file("a"), "new"));
+        struct stat status {};
+        ASSERT_EQ(::stat(folder.file("a").c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, user);
+        EXPECT_EQ(status.st_gid, group);
+        EXPECT_EQ(folder.read("a"), "new");
+    }
+}
+
 TEST(LyrFileSaver, refuses_what_is_no_ordinary_file_and_paths_that_name_none) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.file("sub"));
@@ -126,6 +153,9 @@ TEST(LyrFileSaver, refuses_what_is_no_ordinary_file_and_paths_that_name_none) {
     EXPECT_EQ(refusal("/dev/full"), "/dev/full: not saved: this is no ordinary file");
     EXPECT_EQ(refusal(""), ": not saved: the path names no file");
     EXPECT_EQ(refusal(folder.file("")), folder.file("") + ": not saved: the path names no file");
+    EXPECT_EQ(refusal(folder.file(".")), folder.file(".") + ": not saved: the path names no file");
+    EXPECT_EQ(refusal(folder.file("..")), folder.file("..") + ": not saved: the path names no file");
+    EXPECT_FALSE(LyrFileSaver::replace(folder.file("sub"), "content", nullptr));
     EXPECT_EQ(refusal(folder.file("none/a")),
               folder.file("none/a") +
                   ": not saved: the folder cannot be opened: No such file or directory; "
@@ -223,6 +253,8 @@ TEST(LyrFileSaver, sweeps_beside_the_file_that_a_path_leads_to) {
     EXPECT_EQ(target.names(), Names{});
     EXPECT_EQ(LyrFileSaver::sweepBeside(folder.file("new")), 1);
     EXPECT_EQ(LyrFileSaver::sweepBeside(folder.file("none/new")), 0);
+    std::filesystem::create_symlink("ring", target.file("ring"));
+    EXPECT_EQ(LyrFileSaver::sweepBeside(target.file("ring")), 0);
     EXPECT_EQ(folder.names(), Names{"link"});
 }
 

@@ -182,6 +182,32 @@ TEST_F(LyrUndoJournalListenerTest, survives_a_listener_that_aborts_the_outermost
     EXPECT_EQ(node->onOff.stored(), 0);
 }
 
+TEST_F(LyrUndoJournalListenerTest, survives_a_listener_that_takes_back_more_than_is_being_taken_back) {
+    Action outer;
+    node->onOff.setValue(1);
+    Action middle;
+    node->weight.setValue(1.0f);
+    Action inner;
+    node->weight.setValue(2.0f);
+    node->title.setValue("text");
+    Ear ear;
+    ear.onMessage = [&](auto&) {
+        ear.onMessage = nullptr;
+        middle.abort();
+    };
+    const LyrObjectIOCPtr handle(&ear, node.get());
+    inner.abort();
+    EXPECT_EQ(journal().getDepth(), 1);
+    EXPECT_TRUE(node->title.stored().isNull());
+    EXPECT_EQ(node->weight.stored(), 0.0f);
+    EXPECT_EQ(node->onOff.stored(), 1);
+    outer.end();
+    ASSERT_EQ(steps.size(), 1u);
+    EXPECT_EQ(steps[0].getEntryCount(), 1u);
+    EXPECT_TRUE(steps[0].undo());
+    EXPECT_EQ(node->onOff.stored(), 0);
+}
+
 TEST_F(LyrUndoJournalListenerTest, records_what_listeners_write_to_content) {
     Ear ear;
     const Held<> follower;

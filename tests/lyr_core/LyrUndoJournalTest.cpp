@@ -1,5 +1,6 @@
 #include "lyr_core/TestObjects.h"
 
+#include <lyr_core/LyrObjectFile.h>
 #include <lyr_core/LyrObjectIOCPtr.h>
 
 #include <gtest/gtest.h>
@@ -488,4 +489,70 @@ TEST_F(LyrUndoJournalTest, adds_a_snapshot_of_a_side_note_to_the_open_action) {
     Action another;
     EXPECT_FALSE(journal().addSnapshot(loose));
     another.end();
+}
+
+TEST_F(LyrUndoJournalTest, adds_no_snapshot_of_an_object_that_nobody_holds_or_that_is_dying) {
+    Node loose;
+    bool added = true;
+    bool addedUnknown = true;
+    Action action;
+    EXPECT_FALSE(journal().addSnapshot(loose.weight));
+    EXPECT_FALSE(journal().addSnapshotOfUnknownData(loose));
+    {
+        const Held<> dying;
+        dying->onDestroyed = [&, object = dying.get()] {
+            added = journal().addSnapshot(object->weight);
+            addedUnknown = journal().addSnapshotOfUnknownData(*object);
+        };
+    }
+    EXPECT_FALSE(added);
+    EXPECT_FALSE(addedUnknown);
+    action.end();
+    EXPECT_EQ(steps.size(), 0u);
+    EXPECT_FALSE(journal().addSnapshotOfUnknownData(*node)) << "no action is open";
+}
+
+TEST_F(LyrUndoJournalTest, brings_back_what_a_file_held_beside_the_properties) {
+    LyrObjectPtr object;
+    LyrObjectFile::Report report;
+    Node::metaClass();
+    const std::string text =
+        R"({"format": "lyr-object", "version": 1, "class": "TestNode", "later": 5, "properties": {}})";
+    ASSERT_TRUE(LyrObjectFile::read(text, object, report)) << report.message.utf8();
+    const auto holdsLater = [&] {
+        std::string written;
+        EXPECT_TRUE(LyrObjectFile::write(*object, written, nullptr));
+        return written.find("\"later\": 5") != std::string::npos;
+    };
+    EXPECT_TRUE(holdsLater());
+    Action action;
+    EXPECT_TRUE(journal().addSnapshotOfUnknownData(*object));
+    object->setUnknownData(nullptr);
+    action.end();
+    EXPECT_FALSE(holdsLater());
+    ASSERT_EQ(steps.size(), 1u);
+    EXPECT_TRUE(steps[0].holdsObjectsOf(MODULE));
+    EXPECT_FALSE(steps[0].holdsObjectsOf("another"));
+    EXPECT_TRUE(steps[0].undo());
+    EXPECT_TRUE(holdsLater());
+    EXPECT_TRUE(steps[0].redo());
+    EXPECT_FALSE(holdsLater());
+}
+
+TEST_F(LyrUndoJournalTest, records_no_write_inside_which_the_action_ends) {
+    class Ending : public Single<float> {
+    public:
+        bool end(Action& action) {
+            return write([&] { return action.end(); });
+        }
+    } property;
+    node->addProperty(9500, &property);
+    property.setFlags(LyrFlags::DATA, 0);
+    Action action;
+    node->weight.setValue(1.0f);
+    EXPECT_TRUE(property.end(action));
+    ASSERT_EQ(steps.size(), 1u);
+    EXPECT_EQ(steps[0].getEntryCount(), 1u);
+    EXPECT_FALSE(journal().isOpen());
+    node->removeProperty(9500);
 }

@@ -138,6 +138,26 @@ std::vector<float> denseUnitSample() {
 
 }  // namespace
 
+TEST(ColorPlan, every_rule_alone_or_twice_equals_the_scalar_path) {
+    std::vector<float> values = {-inf, -1.0f, inf, std::nanf("")};
+    for (int i = -8; i <= 136; ++i)
+        values.push_back(float(i) / 64.0f);
+    for (const Rule rule : {Rule::Constant, Rule::Gradient, Rule::Rainbow, Rule::InvertedRainbow, Rule::Continue,
+                            Rule::BlackGreenBlueRed, Rule::HueCycle}) {
+        plain::Table alone = wholeOf(rule);
+        plain::Table twice = alone;
+        twice.positions.push_back(2.0f);
+        twice.sections.insert(twice.sections.begin() + 1, twice.sections[1]);
+        plain::Table mixed = twice;
+        mixed.sections[2] = plain::analyticSection(Rule::Rainbow);
+        for (const KernelTarget target : targets()) {
+            EXPECT_TRUE(equalToScalar(alone, values, target)) << int(rule);
+            EXPECT_TRUE(equalToScalar(twice, values, target)) << int(rule);
+            EXPECT_TRUE(equalToScalar(mixed, values, target)) << int(rule);
+        }
+    }
+}
+
 TEST(ColorPlan, every_rule_equals_the_scalar_path_on_a_dense_sample) {
     const std::vector<float> values = denseUnitSample();
     for (const KernelTarget target : targets()) {
@@ -311,6 +331,60 @@ TEST(ColorPlan, any_number_of_failing_sections_apart_from_each_other_fails_as_th
                 ASSERT_TRUE(equalToScalar(t, values, target)) << failing;
         }
     }
+}
+
+TEST(ColorPlan, a_failing_value_is_found_wherever_it_stands) {
+    for (const Rule end : {Rule::None, Rule::Constant}) {
+        plain::Table t = plain::rainbowTable();
+        t.sections[end == Rule::None ? 0 : 2].rule = Rule::None;
+        t.sections[end == Rule::None ? 2 : 0].rule = Rule::Constant;
+        const float failing = end == Rule::None ? -3.0f : 3.0f;
+        for (const KernelTarget target : targets()) {
+            for (const size_t count : {1, 2, 5, 16, 31, 33, 70, 130}) {
+                std::vector<float> values(count, 0.25f);
+                EXPECT_TRUE(equalToScalar(t, values, target)) << count;
+                for (size_t at = 0; at < count; ++at) {
+                    values[at] = failing;
+                    EXPECT_TRUE(equalToScalar(t, values, target)) << at << " of " << count;
+                    values[at] = 0.25f;
+                }
+            }
+        }
+    }
+}
+
+TEST(ColorPlan, pieces_of_many_values_are_checked_one_by_one) {
+    plain::Table t = plain::rainbowTable();
+    t.sections[2].rule = Rule::None;
+    for (const KernelTarget target : targets()) {
+        for (const size_t count : {8191, 8192, 8193, 16384, 20000}) {
+            std::vector<float> values(count, 0.25f);
+            EXPECT_TRUE(equalToScalar(t, values, target)) << count;
+            for (const size_t at : {size_t{0}, size_t{100}, size_t{8190}, count - 1}) {
+                values[at] = 3.0f;
+                EXPECT_TRUE(equalToScalar(t, values, target)) << at << " of " << count;
+                values[at] = 0.25f;
+            }
+        }
+    }
+}
+
+TEST(ColorPlan, failing_sections_that_touch_count_as_one_and_eight_apart_have_a_flat_form) {
+    const auto isFlat = [](int apart, bool together) {
+        plain::Table t;
+        for (int k = 0; k < 2 * apart + 2; ++k)
+            t.positions.push_back(float(k));
+        for (int k = 0; k <= 2 * apart + 2; ++k)
+            t.sections.push_back(plain::analyticSection(
+                k > 0 && k < 2 * apart && (together || k % 2 == 1) ? Rule::None : Rule::HueCycle));
+        ColorPlan plan;
+        EXPECT_TRUE(plan.build(t.view()));
+        return plan.isFlat();
+    };
+    EXPECT_TRUE(isFlat(1, false));
+    EXPECT_TRUE(isFlat(8, false));
+    EXPECT_FALSE(isFlat(9, false));
+    EXPECT_TRUE(isFlat(20, true));
 }
 
 TEST(ColorPlan, boundaries_that_are_not_finite_equal_the_scalar_path) {

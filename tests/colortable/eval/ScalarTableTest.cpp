@@ -33,6 +33,44 @@ TEST(ScalarTable, an_inner_boundary_belongs_below_the_first_one_above) {
     EXPECT_EQ(find(p, 2), 3);
 }
 
+TEST(ScalarTable, a_view_has_no_finite_ends_until_it_is_told_and_a_failure_names_nothing) {
+    const TableView view;
+    EXPECT_EQ(view.positions, nullptr);
+    EXPECT_EQ(view.positionCount, 0);
+    EXPECT_EQ(view.sections, nullptr);
+    EXPECT_FALSE(view.finiteBelow || view.finiteAbove || view.clampedColors);
+    const Failure none;
+    EXPECT_EQ(none.entry, -1);
+    EXPECT_EQ(none.section, -1);
+    EXPECT_FALSE(none.badLink);
+}
+
+TEST(ScalarTable, a_failure_tells_entry_section_and_whether_the_link_is_bad) {
+    plain::Table t = plain::rainbowTable();
+    t.sections[0].isSection = false;
+    t.sections[2].rule = Rule::None;
+    const float values[] = {0.0f, -2.0f, 0.0f};
+    float out[12];
+    Failure failure;
+    EXPECT_FALSE(scalarColor(t.view(), -2.0f, out, &failure));
+    EXPECT_EQ(failure.entry, 0);
+    EXPECT_EQ(failure.section, 0);
+    EXPECT_TRUE(failure.badLink);
+    EXPECT_FALSE(scalarColor(t.view(), 2.0f, out, &failure));
+    EXPECT_EQ(failure.entry, 0);
+    EXPECT_EQ(failure.section, 2);
+    EXPECT_FALSE(failure.badLink);
+    EXPECT_FALSE(scalarColors(t.view(), 3, values, out, &failure));
+    EXPECT_EQ(failure.entry, 1);
+    EXPECT_EQ(failure.section, 0);
+    EXPECT_TRUE(failure.badLink);
+    EXPECT_FALSE(scalarColors(t.view(), 2, values, out));
+}
+
+TEST(ScalarTable, a_list_without_boundaries_is_one_section) {
+    EXPECT_EQ(find({}, 5.0f), 0);
+}
+
 TEST(ScalarTable, one_step_below_the_first_boundary_stays_below) {
     const std::vector<float> p = {1.5f, 2};
     EXPECT_EQ(find(p, std::nextafter(1.5f, 0.0f)), 0);

@@ -49,6 +49,26 @@ SectionData redOnly(Rule rule, float first, float last) {
 
 }  // namespace
 
+TEST(SectionRule, section_data_starts_without_rule_and_points) {
+    const SectionData s;
+    EXPECT_EQ(s.rule, Rule::None);
+    EXPECT_TRUE(s.isSection);
+    for (int c = 0; c < channelCount; ++c) {
+        EXPECT_FALSE(s.has[c]);
+        EXPECT_EQ(plain::bitsOf(s.first[c]), 0u);
+        EXPECT_EQ(plain::bitsOf(s.last[c]), 0u);
+    }
+}
+
+TEST(SectionRule, the_place_in_an_interval_stays_from_0_to_1_and_is_never_minus_0) {
+    EXPECT_EQ(intervalFraction(1.0f, 3.0f, 2.5f), 0.75f);
+    EXPECT_EQ(intervalFraction(1.0f, 3.0f, 3.0f), 1.0f);
+    EXPECT_EQ(intervalFraction(1.0f, 3.0f, 3.5f), 1.0f);
+    EXPECT_EQ(intervalFraction(1.0f, 3.0f, 0.5f), 0.0f);
+    // The quotient is minus the smallest float by the largest, which rounds to -0.
+    EXPECT_EQ(plain::bitsOf(intervalFraction(0.0f, FLT_MAX, -FLT_TRUE_MIN)), 0u);
+}
+
 TEST(SectionRule, an_interval_without_width_leaves_the_colour_untouched) {
     const SectionData s = redOnly(Rule::Constant, 0.5f, 0.5f);
     expectUntouched(colorOf(s, 1, 1, 1));

@@ -197,6 +197,20 @@ TEST(LyrColorLookupTable, goes_back_to_its_defaults_property_by_property) {
     expectDefaultValues(*table);
 }
 
+TEST(LyrColorLookupTable, no_property_goes_back_to_its_default_while_it_is_read_only) {
+    for (const char* className : {"LyrColorLookupTable", "LyrColorLookupTable::Section"}) {
+        const LyrObjectRefPtr object(className, Lyr::DocumentScope);
+        ASSERT_GT(object->getPropertyCount(), 4);
+        for (std::int64_t i = 0; i < object->getPropertyCount(); ++i) {
+            LyrProperty& property = *object->getPropertyAt(i);
+            EXPECT_TRUE(property.resetData());
+            property.setReadOnly(true);
+            EXPECT_FALSE(property.resetData()) << className << ' ' << i;
+            property.setReadOnly(false);
+        }
+    }
+}
+
 TEST(LyrColorLookupTable, keeps_the_reset_values_of_its_single_values) {
     const auto table = newTable();
     changeEverything(*table);

@@ -145,10 +145,11 @@ TEST_F(TableGenerators, parameters_that_make_no_table_are_refused) {
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, nan, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, 1e-30f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, -largest, largest, 1.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, nan, 1.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, 1.6f, 3.0f, 0.1f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, 0.0f, 1.0f, 0.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, -inf, 1.0f, 0.1f, Lyr::Rainbow));
-    EXPECT_EQ(errors.codes, std::vector<int>(11, REFUSED));
+    EXPECT_EQ(errors.codes, std::vector<int>(12, REFUSED));
     EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
 }
 
@@ -297,4 +298,28 @@ TEST_F(TableGenerators, an_outer_action_that_is_aborted_takes_back_the_table_but
     EXPECT_EQ(lyrGetValue<Lyrenum>(table.get(), Lyr::CreationType, -1), Lyr::InvertedRainbow);
     EXPECT_EQ(lyrGetValue(table.get(), Lyr::CreationParameters, LyrVector3<float>{}),
               (LyrVector3<float>{0.0f, 2.0f, 1.0f}));
+}
+
+TEST_F(TableGenerators, a_table_whose_label_mode_cannot_be_written_stays_as_it_was) {
+    const auto before = sectionsOf(table);
+    LyrProperty* autoLabel = table->getProperty(Lyr::AutoLabel);
+    autoLabel->setReadOnly(true);
+    EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 7.0f, 8.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(table.get(), 7.0f, 9.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
+    EXPECT_EQ(sectionsOf(table), before);
+    EXPECT_EQ(LyqApplication::instance().undoStack().count(), 0);
+    autoLabel->setReadOnly(false);
+    EXPECT_TRUE(LyrColorLookupTable::createSmooth(table.get(), 7.0f, 8.0f, Lyr::Rainbow));
+}
+
+TEST_F(TableGenerators, a_table_that_has_lost_one_of_its_lists_keeps_the_other) {
+    ASSERT_TRUE(table->removeProperty(Lyr::PositionList));
+    const auto before = sectionsOf(table);
+    EXPECT_FALSE(LyrColorLookupTable::createSmooth(table.get(), 7.0f, 8.0f, Lyr::Rainbow));
+    EXPECT_EQ(sectionsOf(table), before);
+    const LyrObjectRefPtr other("LyrColorLookupTable", Lyr::DocumentScope);
+    ASSERT_TRUE(other->removeProperty(Lyr::SectionList));
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(other.get(), 7.0f, 8.0f, 1.0f, Lyr::Rainbow));
+    EXPECT_EQ(positionsOf(other), (std::vector<float>{-1.0f, 1.0f}));
 }
