@@ -293,7 +293,7 @@ TEST_F(LyrObjectFileRefusal, an_object_that_is_born_with_a_naming_template_takes
     LyrObjectPtr object;
     Report report;
     ASSERT_TRUE(LyrObjectFile::read(text + "{}}", object, report)) << report.message.utf8();
-    EXPECT_STREQ(object->getNameTemplate(), "");
+    EXPECT_STREQ(object->getNameTemplate(), "born");  // its default
     ASSERT_TRUE(LyrObjectFile::read(text + R"({"NameTemplate": "new"}})", object, report));
     EXPECT_STREQ(object->getNameTemplate(), "new");
 }
