@@ -275,14 +275,23 @@ TEST(VolumeAnalyses, volumes_that_cannot_be_analysed_are_a_message) {
     }
 }
 
-TEST(VolumeAnalyses, one_slice_is_analysed_or_refused_with_a_message) {
-    std::vector<float> samples(64, 1.0f);
-    for (int i = 0; i < 8; ++i) {
-        samples[std::size_t(i)] = 0.0f;
+TEST(VolumeAnalyses, one_slice_is_analysed_as_a_flat_figure) {
+    // A plate of 16 × 16 with a hollow of 3 × 2.
+    std::vector<float> samples;
+    for (int i = 0; i < 400; ++i) {
+        const int x = i % 20;
+        const int y = i / 20;
+        const bool hollow = x >= 8 && x < 11 && y >= 9 && y < 11;
+        samples.push_back(x >= 2 && x < 18 && y >= 2 && y < 18 && !hollow ? 1.0f : 0.0f);
     }
     for (const char* id : {"defect-volume", "wall-thickness"}) {
-        const Analysed made(id, volumeOf({8, 8, 1}, samples));
-        EXPECT_NE(made.done, !made.message.isEmpty()) << id;
+        const Analysed made(id, volumeOf({20, 20, 1}, samples));
+        EXPECT_TRUE(made.done) << id << ": " << made.message.toStdString();
+        EXPECT_EQ(made.message, QString()) << id;
+        const LyqReport report = made.run->report();
+        if (QString::fromUtf8(id) == "defect-volume") {
+            EXPECT_EQ(report.rows.size(), 1);
+        }
     }
 }
 

@@ -183,6 +183,72 @@ TEST(LyrDefectAnalysis, reports_what_an_independent_count_from_the_stated_thresh
     }
 }
 
+TEST(LyrDefectAnalysis, places_and_boxes_follow_from_the_labelled_voxels_alone) {
+    struct Seen {
+        double count = 0.0;
+        Place sum{};
+        Place low{1e9, 1e9, 1e9};
+        Place high{-1e9, -1e9, -1e9};
+    };
+    const VolumePtr volume = testvolumes::casting(80, 5.0);
+    const LyrDefectResult result = analyse(volume);
+    const auto [nx, ny, nz] = volume->size();
+    std::vector<Seen> seen(result.defects.size());
+    for (std::int64_t z = 0; z < nz; ++z) {
+        for (std::int64_t y = 0; y < ny; ++y) {
+            for (std::int64_t x = 0; x < nx; ++x) {
+                const std::uint32_t label = result.labels[static_cast<std::size_t>(x + nx * (y + ny * z))];
+                const Place at{static_cast<double>(x), static_cast<double>(y), static_cast<double>(z)};
+                if (label == 0) {
+                    continue;
+                }
+                Seen& one = seen.at(label - 1);
+                one.count += 1.0;
+                for (std::size_t k = 0; k < 3; ++k) {
+                    one.sum[k] += at[k];
+                    one.low[k] = std::min(one.low[k], at[k]);
+                    one.high[k] = std::max(one.high[k], at[k]);
+                }
+            }
+        }
+    }
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        for (std::size_t k = 0; k < 3; ++k) {
+            const auto mm = [&](double index) { return volume->origin()[k] + index * volume->spacing()[k]; };
+            EXPECT_NEAR(result.defects[i].center[k], mm(seen[i].sum[k] / seen[i].count), 1e-9);
+            EXPECT_NEAR(result.defects[i].low[k], mm(seen[i].low[k] - 0.5), 1e-9);
+            EXPECT_NEAR(result.defects[i].high[k], mm(seen[i].high[k] + 0.5), 1e-9);
+        }
+    }
+}
+
+TEST(LyrDefectAnalysis, counts_small_hollows_and_porosity_as_an_independent_count_does) {
+    for (const VolumePtr& volume : {testvolumes::casting(80, 5.0), testvolumes::noise(40)}) {
+        LyrDefectAnalysis::Options options;
+        options.minimumVoxels = 5;
+        const LyrDefectResult result = analyse(volume, options);
+        std::uint64_t small = 0;
+        std::uint64_t smallVoxels = 0;
+        double large = 0.0;
+        for (const std::uint64_t count : countByFlood(*volume, result.threshold, 1)) {
+            small += count < 5 ? 1 : 0;
+            smallVoxels += count < 5 ? count : 0;
+            large += count < 5 ? 0.0 : static_cast<double>(count);
+        }
+        const auto material =
+            static_cast<double>(std::count_if(volume->samples().begin(), volume->samples().end(),
+                                              [&](float value) { return value >= result.threshold; }));
+        EXPECT_EQ(result.smallHollows, small);
+        EXPECT_EQ(result.smallHollowVoxels, smallVoxels);
+        EXPECT_NEAR(result.countedPorosity, 100.0 * large / (large + material), 1e-9);
+        double volumes = 0.0;
+        for (const LyrDefect& defect : result.defects) {
+            volumes += defect.volume;
+        }
+        EXPECT_NEAR(result.porosity, 100.0 * volumes / (volumes + result.materialVolume), 1e-9);
+    }
+}
+
 TEST(LyrDefectAnalysis, counts_face_neighbours_as_one_and_edge_neighbours_as_two) {
     // Two hollows of 2 × 2 × 2 that share an edge only, and one of 2 × 2 × 3.
     const VolumePtr volume = makeSolid({16, 16, 16}, [](auto x, auto y, auto z) {
