@@ -17,6 +17,10 @@
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqExtensionRegistry.h>
 
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QUndoStack>
 
@@ -293,6 +297,33 @@ TEST(VolumeAnalyses, one_slice_is_analysed_as_a_flat_figure) {
             EXPECT_EQ(report.rows.size(), 1);
         }
     }
+}
+
+TEST(VolumeAnalyses, the_report_of_wall_thickness_has_bins_until_the_table_divides_the_values) {
+    const Analysed made("wall-thickness", hollowBlock());
+    ASSERT_TRUE(made.done) << made.message.toStdString();
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("walls.json");
+    const auto rowsOf = [&](const char* name) {
+        QString message;
+        EXPECT_TRUE(made.run->saveReport(file, message)) << message.toStdString();
+        QFile saved(file);
+        EXPECT_TRUE(saved.open(QIODevice::ReadOnly));
+        return QJsonDocument::fromJson(saved.readAll()).object()[name].toArray();
+    };
+    EXPECT_EQ(rowsOf("bins").size(), 50);
+    EXPECT_EQ(rowsOf("sections").size(), 0);
+    // One boundary moved: the table is no more the rainbow from the least to the greatest thickness.
+    const auto& layer = made.layer<LyrThicknessLayer>();
+    const float least = positions(layer).front();
+    LyrValueArrayOPCache<float> list;
+    ASSERT_TRUE(list.load(layer.table(), Lyr::PositionList));
+    list.items().front() = least - 1.0f;
+    ASSERT_TRUE(list.store(layer.table(), Lyr::PositionList));
+    const QJsonArray sections = rowsOf("sections");
+    ASSERT_EQ(sections.size(), 3);
+    EXPECT_EQ(float(sections[1].toObject()["from_mm"].toDouble()), least - 1.0f);
+    EXPECT_NEAR(sections[1].toObject()["percent"].toDouble(), 100.0, 1e-9);
 }
 
 TEST(VolumeAnalyses, a_cancelled_one_fails_without_a_message) {
