@@ -16,7 +16,7 @@ class QWidget;
 
 /** The application: its object in the host's graph, and user actions over the undo history. Made on first use; needs no
  * QApplication, so that programs without a display use it as well. To be used from the thread of the user interface. */
-class LYS_CORE_EXPORT LyqApplication : public QObject {
+class LYS_CORE_EXPORT LyqApplication : public QObject {  // NOLINT(*-virtual-class-destructor): made by instance() alone
     Q_OBJECT
 
 public:
