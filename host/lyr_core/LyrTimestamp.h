@@ -17,7 +17,7 @@ public:
 
     constexpr bool isNull() const { return mCount == 0; }
 
-    friend constexpr auto operator<=>(const LyrTimestamp& a, const LyrTimestamp& b) = default;
+    friend constexpr auto operator<=>(const LyrTimestamp& a, const LyrTimestamp& b) = default;  // NOLINT: no pointer
 
 private:
     std::uint64_t mCount = 0;
