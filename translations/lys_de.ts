@@ -49,6 +49,14 @@
         <source>Pass: %1   Warn: %2   Fail: %3</source>
         <translation>Gut: %1   Grenzwertig: %2   Ausschuss: %3</translation>
     </message>
+    <message>
+        <source>&amp;Judged by:</source>
+        <translation>Beurteilt &amp;nach:</translation>
+    </message>
+    <message>
+        <source>Tolerance table</source>
+        <translation>Toleranztabelle</translation>
+    </message>
 </context>
 <context>
     <name>DefectTableModel</name>
@@ -1074,6 +1082,61 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>LyrAnalysis</name>
+    <message>
+        <source>needs %1 GiB of memory, and %2 GiB are free; close other programs or analyse a smaller part of the volume</source>
+        <translation>braucht %1 GiB Speicher, und %2 GiB sind frei; schließen Sie andere Programme oder untersuchen Sie einen kleineren Teil des Volumens</translation>
+    </message>
+    <message>
+        <source>not enough memory; close other programs or analyse a smaller part of the volume</source>
+        <translation>zu wenig Speicher; schließen Sie andere Programme oder untersuchen Sie einen kleineren Teil des Volumens</translation>
+    </message>
+    <message>
+        <source>ended by an error (%1); nothing was changed</source>
+        <translation>durch einen Fehler beendet (%1); nichts wurde verändert</translation>
+    </message>
+    <message>
+        <source>ended by an unknown error; nothing was changed</source>
+        <translation>durch einen unbekannten Fehler beendet; nichts wurde verändert</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>abgebrochen</translation>
+    </message>
+    <message>
+        <source>the volume falls into too many pieces at this threshold; choose another threshold or analyse a smaller part of the volume</source>
+        <translation>das Volumen zerfällt bei diesem Schwellwert in zu viele Stücke; wählen Sie einen anderen Schwellwert oder untersuchen Sie einen kleineren Teil des Volumens</translation>
+    </message>
+    <message>
+        <source>the volume has too many rows; analyse a smaller part of it</source>
+        <translation>das Volumen hat zu viele Zeilen; untersuchen Sie einen kleineren Teil davon</translation>
+    </message>
+    <message>
+        <source>there is no material, because no sample reaches the threshold; choose a lower threshold</source>
+        <translation>es gibt kein Material, denn kein Wert erreicht den Schwellwert; wählen Sie einen niedrigeren Schwellwert</translation>
+    </message>
+    <message>
+        <source>there is no volume; open one first</source>
+        <translation>es gibt kein Volumen; öffnen Sie zuerst eines</translation>
+    </message>
+    <message>
+        <source>the volume has no finite samples, so there is nothing to tell material from air by</source>
+        <translation>das Volumen hat keine endlichen Werte, an denen sich Material und Luft unterscheiden ließen</translation>
+    </message>
+    <message>
+        <source>all samples of the volume have the same value, so no threshold divides them into air and material; open another volume or give a threshold</source>
+        <translation>alle Werte des Volumens sind gleich, sodass kein Schwellwert sie in Luft und Material trennt; öffnen Sie ein anderes Volumen oder geben Sie einen Schwellwert an</translation>
+    </message>
+    <message>
+        <source>the threshold is not a finite number; give one between the grey values of air and material</source>
+        <translation>der Schwellwert ist keine endliche Zahl; geben Sie eine zwischen den Grauwerten von Luft und Material an</translation>
+    </message>
+    <message>
+        <source>there is no air, because all samples reach the threshold, and so no surface to measure from; choose a higher threshold</source>
+        <translation>es gibt keine Luft, denn alle Werte erreichen den Schwellwert, und damit keine Oberfläche, von der aus gemessen würde; wählen Sie einen höheren Schwellwert</translation>
+    </message>
+</context>
+<context>
     <name>LyrColoredLayer</name>
     <message>
         <source>Color Table</source>
@@ -1141,6 +1204,25 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Value unit</source>
         <translation>Einheit des Werts</translation>
+    </message>
+</context>
+<context>
+    <name>PluginHost</name>
+    <message>
+        <source>%1 is not a folder. Name the folder that holds the plug-ins after --plug-ins.</source>
+        <translation>%1 ist kein Ordner. Nennen Sie nach --plug-ins den Ordner, der die Plug-ins enthält.</translation>
+    </message>
+    <message>
+        <source>There is no folder %1. Name one that holds plug-ins after --plug-ins.</source>
+        <translation>Es gibt keinen Ordner %1. Nennen Sie nach --plug-ins einen, der Plug-ins enthält.</translation>
+    </message>
+    <message>
+        <source>There are no plug-ins (*.so) in the folder %1, or it may not be read. Build them, or name another folder after --plug-ins.</source>
+        <translation>Im Ordner %1 sind keine Plug-ins (*.so), oder er darf nicht gelesen werden. Erstellen Sie sie, oder nennen Sie nach --plug-ins einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>%1 Build the plug-in anew for this workbench, or take the file away.</source>
+        <translation>%1 Erstellen Sie das Plug-in für dieses Programm neu, oder nehmen Sie die Datei weg.</translation>
     </message>
 </context>
 <context>
@@ -1278,6 +1360,17 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
 </context>
 <context>
+    <name>Report</name>
+    <message>
+        <source>The kind of a report follows from its name: let &quot;%1&quot; end in .csv or .json.</source>
+        <translation>Die Art eines Berichts folgt aus seinem Namen: Lassen Sie „%1“ auf .csv oder .json enden.</translation>
+    </message>
+    <message>
+        <source>The report cannot be written. Choose another folder or name, or make room. %1</source>
+        <translation>Der Bericht kann nicht geschrieben werden. Wählen Sie einen anderen Ordner oder Namen, oder schaffen Sie Platz. %1</translation>
+    </message>
+</context>
+<context>
     <name>SectionInspector</name>
     <message>
         <source>Values are being counted…</source>
@@ -1325,6 +1418,25 @@ Die angegebenen Parameter sind ungültig.</translation>
     <message>
         <source>Section [%1]</source>
         <translation>Abschnitt [%1]</translation>
+    </message>
+</context>
+<context>
+    <name>ToleranceChooser</name>
+    <message>
+        <source>The layer&apos;s own table</source>
+        <translation>Tabelle der Ebene selbst</translation>
+    </message>
+    <message>
+        <source>Which tolerance table judges the defects: pass, warn or fail by volume</source>
+        <translation>Welche Toleranztabelle die Defekte beurteilt: gut, grenzwertig oder Ausschuss nach Volumen</translation>
+    </message>
+    <message>
+        <source>Boundaries are volumes, in mm³.</source>
+        <translation>Die Grenzen sind Volumen in mm³.</translation>
+    </message>
+    <message>
+        <source>Made for another quantity; its boundaries are read as mm³.</source>
+        <translation>Für eine andere Größe gemacht; ihre Grenzen werden als mm³ gelesen.</translation>
     </message>
 </context>
 <context>

@@ -61,7 +61,7 @@ std::string isReport(const std::string& path) {
 
 bool parseOptions(int argc, char** argv, Options& out, int& status) {
     CLI::App app("Shows a volume in three slice views and a 3D view, colored through tables.", "workbench");
-    std::string volume, analysis, threshold, preset, report, screenshot, size;
+    std::string volume, analysis, threshold, preset, report, screenshot, size, plugIns;
     app.add_option("VOLUME", volume, "a file, a folder of slices, or builtin:casting@N (default: builtin:casting)");
     auto* wanted = app.add_option("--analysis", analysis, "run an analysis, such as defect-volume or wall-thickness");
     app.add_option("--threshold", threshold, "grey value from which on the analysis sees material (default: Otsu's)")
@@ -71,6 +71,8 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
     written->needs(wanted);
     app.add_option("--screenshot", screenshot, "write a picture of the window (PNG) and end");
     app.add_option("--size", size, "size of the window in pixels, as in 1280x860");
+    app.add_option("--plug-ins", plugIns,
+                   "load the plug-ins of a folder too, besides those that come with the program");
     for (CLI::Option* option : app.get_options([](const CLI::Option* each) { return each->get_expected_max() > 0; })) {
         option->check(isThere);
     }
@@ -96,6 +98,7 @@ bool parseOptions(int argc, char** argv, Options& out, int& status) {
     out.preset = QString::fromLocal8Bit(preset.c_str());
     out.report = QFile::decodeName(report.c_str());
     out.screenshot = QFile::decodeName(screenshot.c_str());
+    out.plugIns = QFile::decodeName(plugIns.c_str());
     return true;
 }
 

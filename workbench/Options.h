@@ -15,6 +15,7 @@ struct Options {
     QString preset;                  ///< name of the preset for the table of the layer in front; empty: none
     QString report;                  ///< file for its numbers; empty: none
     QString screenshot;              ///< empty: none
+    QString plugIns;                 ///< folder of further plug-ins; empty: none
     QSize size{1280, 860};
 };
 

@@ -19,6 +19,15 @@ bool names(const QString& file, const QString& other) {
     return content.open(QIODevice::ReadOnly) && content.readAll().contains('\0' + name + '\0');
 }
 
+QStringList modulesIn(const QString& path) {
+    const QDir folder(path);
+    QStringList files;
+    for (const QString& name : folder.entryList({"*.so"}, QDir::Files)) {
+        files << folder.absoluteFilePath(name);
+    }
+    return files;
+}
+
 QString toQString(const LyrString& text) {
     return QString::fromUtf8(text.utf8());
 }
@@ -45,24 +54,57 @@ QString PluginHost::defaultFolder() {
     return QDir::cleanPath(LyqTranslations::folder() + "/../../../lib/lys");
 }
 
-QStringList PluginHost::loadAll() {
-    const QDir folder(mFolder);
-    QStringList files;
-    for (const QString& name : folder.entryList({"*.so"}, QDir::Files)) {
-        files << folder.absoluteFilePath(name);
+QStringList PluginHost::furtherFiles(QStringList& problems) const {
+    const QFileInfo folder(mFurther);
+    if (mFurther.isEmpty()) {
+        return {};
     }
+    if (!folder.isDir()) {
+        problems << (folder.exists()
+                         ? tr("%1 is not a folder. Name the folder that holds the plug-ins after --plug-ins.")
+                         : tr("There is no folder %1. Name one that holds plug-ins after --plug-ins."))
+                        .arg(folder.absoluteFilePath());
+        return {};
+    }
+    if (folder.canonicalFilePath() == QFileInfo(mFolder).canonicalFilePath()) {
+        return {};
+    }
+    const QStringList files = modulesIn(folder.absoluteFilePath());
+    if (files.isEmpty()) {
+        problems << tr("There are no plug-ins (*.so) in the folder %1, or it may not be read. Build them, or name "
+                       "another folder after --plug-ins.")
+                        .arg(folder.absoluteFilePath());
+    }
+    return files;
+}
+
+QString PluginHost::loadModule(const QString& file) {
+    const std::string path = QFile::encodeName(file).toStdString();
+    LyrString message;
+    const LyrString name = LyrModuleLoader::readName(path, message);
+    if (name.isEmpty() || !LyrModuleLoader::load(path, message)) {
+        return toQString(message);
+    }
+    if (!LyrModuleLoader::init(name.utf8(), message)) {
+        const QString problem = toQString(message);
+        LyrModuleLoader::unload(name.utf8(), message);
+        return problem;
+    }
+    mModules.emplace_back(name.utf8());
+    return {};
+}
+
+QStringList PluginHost::loadAll() {
     QStringList problems;
-    for (const QString& file : dependencyOrder(files)) {
-        const std::string path = QFile::encodeName(file).toStdString();
-        LyrString message;
-        const LyrString name = LyrModuleLoader::readName(path, message);
-        if (name.isEmpty() || !LyrModuleLoader::load(path, message)) {
-            problems << toQString(message);
-        } else if (!LyrModuleLoader::init(name.utf8(), message)) {
-            problems << toQString(message);
-            LyrModuleLoader::unload(name.utf8(), message);
-        } else {
-            mModules.emplace_back(name.utf8());
+    const QStringList further = furtherFiles(problems);
+    mHasFurtherProblem = !problems.isEmpty();
+    for (const QString& file : dependencyOrder(modulesIn(mFolder) + further)) {
+        if (const QString problem = loadModule(file); !problem.isEmpty()) {
+            const bool isFurther = further.contains(file);
+            mHasFurtherProblem = mHasFurtherProblem || isFurther;
+            problems << (isFurther
+                             ? tr("%1 Build the plug-in anew for this workbench, or take the file away.").arg(problem)
+                             : problem);
         }
     }
     return problems;

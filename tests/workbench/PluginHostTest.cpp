@@ -5,6 +5,8 @@
 #include <workbench/PluginHost.h>
 
 #include <QFile>
+#include <QImage>
+#include <QProcess>
 #include <QTemporaryDir>
 
 namespace {
@@ -19,6 +21,30 @@ QString write(const QTemporaryDir& folder, const QString& name, const QByteArray
 bool isMapped(const QByteArray& name) {
     QFile maps("/proc/self/maps");
     return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(name);
+}
+
+struct Ended {
+    int status;
+    QString errors;
+};
+
+Ended run(const QStringList& arguments) {
+    QProcess process;
+    process.start(WORKBENCH_PROGRAM, arguments);
+    EXPECT_TRUE(process.waitForFinished(60000));
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromLocal8Bit(process.readAllStandardError())};
+}
+
+/** Pixels in which two pictures of one size differ. */
+int differences(const QImage& a, const QImage& b) {
+    int count = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            count += a.pixel(x, y) != b.pixel(x, y) ? 1 : 0;
+        }
+    }
+    return count;
 }
 
 }  // namespace
@@ -54,6 +80,67 @@ TEST(PluginHost, a_folder_that_is_not_there_has_no_modules) {
     workbench::PluginHost host("/there/is/no/folder");
     EXPECT_EQ(host.loadAll(), QStringList());
     EXPECT_TRUE(host.modules().empty());
+}
+
+TEST(PluginHost, loads_the_folder_that_the_user_names_after_its_own_and_takes_both_back) {
+    const ApplicationWithOpenGL application;
+    workbench::PluginHost host(LYS_MODULES, EXAMPLE_MODULES);
+    EXPECT_EQ(host.loadAll(), QStringList());
+    EXPECT_EQ(host.modules(), (std::vector<std::string>{"lys_colortable", "example_handler", "lys_analysis"}));
+    EXPECT_FALSE(host.hasFurtherProblem());
+    EXPECT_EQ(host.unloadAll(), QStringList());
+    EXPECT_FALSE(isMapped("libexample_handler.so"));
+}
+
+TEST(PluginHost, the_same_folder_named_again_is_loaded_once) {
+    const ApplicationWithOpenGL application;
+    workbench::PluginHost host(LYS_MODULES, QString(LYS_MODULES) + "/../lys");
+    EXPECT_EQ(host.loadAll(), QStringList());
+    EXPECT_EQ(host.modules().size(), 2u);
+    EXPECT_EQ(host.unloadAll(), QStringList());
+}
+
+TEST(PluginHost, a_folder_that_the_user_names_must_be_there_and_hold_plug_ins) {
+    const QTemporaryDir folder;
+    const QString file = write(folder, "plain.txt", "text");
+    for (const QString& wrong : {QString("/there/is/no/folder"), file, folder.path()}) {
+        workbench::PluginHost host("/nothing/here", wrong);
+        const QStringList problems = host.loadAll();
+        ASSERT_EQ(problems.size(), 1) << wrong.toStdString();
+        EXPECT_TRUE(problems[0].contains(wrong)) << problems[0].toStdString();
+        EXPECT_TRUE(problems[0].contains("--plug-ins")) << problems[0].toStdString();
+        EXPECT_TRUE(host.hasFurtherProblem());
+    }
+}
+
+TEST(PluginHost, the_program_shows_the_legend_of_a_plug_in_of_the_users_folder) {
+    const QTemporaryDir folder;
+    const QString plain = folder.filePath("plain.png");
+    const QString further = folder.filePath("further.png");
+    const QStringList arguments = {"builtin:casting@16", "--size", "900x700", "--screenshot"};
+    ASSERT_EQ(run(arguments + QStringList{plain}).status, 0);
+    const Ended ended = run(arguments + QStringList{further, "--plug-ins", EXAMPLE_MODULES});
+    EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
+    EXPECT_FALSE(ended.errors.contains("workbench:")) << ended.errors.toStdString();
+    // A bar and its labels in each of the four views.
+    EXPECT_GT(differences(QImage(plain), QImage(further)), 4 * 500);
+}
+
+TEST(PluginHost, a_missing_folder_and_a_damaged_plug_in_are_a_message_and_status_2_of_a_run_without_users) {
+    const QTemporaryDir folder;
+    const QString picture = folder.filePath("window.png");
+    const QStringList arguments = {"builtin:casting@16", "--screenshot", picture, "--plug-ins"};
+    const Ended missing = run(arguments + QStringList{"/there/is/no/folder"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_TRUE(missing.errors.contains("/there/is/no/folder")) << missing.errors.toStdString();
+    QFile whole(QString(EXAMPLE_MODULES) + "/libexample_handler.so");
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QString cut = write(folder, "libexample_handler.so", whole.read(whole.size() / 2));
+    const Ended damaged = run(arguments + QStringList{folder.path()});
+    EXPECT_EQ(damaged.status, 2);
+    EXPECT_TRUE(damaged.errors.contains(cut)) << damaged.errors.toStdString();
+    EXPECT_TRUE(damaged.errors.contains("Build the plug-in anew")) << damaged.errors.toStdString();
+    EXPECT_FALSE(QFile::exists(picture));
 }
 
 TEST_F(OpenWorkbench, the_plug_ins_leave_the_process_after_the_window_closed) {

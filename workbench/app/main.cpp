@@ -100,12 +100,14 @@ int main(int argc, char** argv) {
     if (!LyqTranslations::install(QLocale())) {
         LyqTranslations::install(QLocale::English);
     }
-    workbench::PluginHost plugins(workbench::PluginHost::defaultFolder());
+    workbench::PluginHost plugins(workbench::PluginHost::defaultFolder(), options.plugIns);
     const QStringList problems = plugins.loadAll();
     for (const QString& problem : problems) {
         say(problem);
     }
-    status = runWindow(options, problems);
+    // A picture or a report without the plug-ins that were asked for is another one than was asked for.
+    const bool isUnusable = plugins.hasFurtherProblem() && workbench::BatchRun::endsByItself(options);
+    status = isUnusable ? workbench::BatchRun::UNUSABLE : runWindow(options, problems);
     for (const QString& problem : plugins.unloadAll()) {
         say(problem);
     }
