@@ -119,6 +119,10 @@ def uniform(curve, pieces=PIECES):
     return [oklab_to_srgb(*point) for point in equal_lengths(curve, pieces)]
 
 
+# Drawings limit the diameter of pores, analyses measure their volume. Balls of 1 and 2 mm across have 0.52 and 4.19 mm³
+# (pi / 6 * d ** 3), rounded down to numbers that are easy to read and on the safe side.
+PORE_VOLUMES = [0.5, 4]
+
 VERMILLION, ORANGE, BLUISH_GREEN = (213, 94, 0), (230, 159, 0), (0, 158, 115)
 FAIL, WARN, PASS = (tuple(channel / 255 for channel in color) for color in (VERMILLION, ORANGE, BLUISH_GREEN))
 
@@ -183,14 +187,14 @@ def smooth(name, colors, low, high, quantity="Length"):
     return preset(name, positions, sections, False, (low, high), quantity, True)
 
 
-def graded(name, positions, colors):
+def graded(name, positions, colors, quantity="Length"):
     """Hard steps; the sections between are gradients from a colour to the same one."""
     last = len(colors) - 1
     sections = [
         section("Gradient", color, color) if 0 < i < last else section("Constant", color)
         for i, color in enumerate(colors)
     ]
-    return preset(name, positions, sections, True, (positions[0], positions[-1]), "Length", False)
+    return preset(name, positions, sections, True, (positions[0], positions[-1]), quantity, False)
 
 
 def main():
@@ -207,6 +211,7 @@ def main():
         "tolerance-both-sides": graded("Tolerance Both Sides", [-0.2, -0.1, 0.1, 0.2], [FAIL, WARN, PASS, WARN, FAIL]),
         "tolerance-upper-limit": graded("Tolerance Upper Limit", [0.1, 0.2], [PASS, WARN, FAIL]),
         "tolerance-lower-limit": graded("Tolerance Lower Limit", [1, 1.5], [FAIL, WARN, PASS]),
+        "tolerance-pore-volume": graded("Tolerance Pore Volume", PORE_VOLUMES, [PASS, WARN, FAIL], "Volume"),
     }
     os.makedirs(folder, exist_ok=True)
     for name, text in files.items():

@@ -97,7 +97,7 @@ TEST_F(InstalledPresets, all_are_there_and_are_files_as_this_program_writes_them
     EXPECT_THAT(names, UnorderedElementsAre("Uniform Grey", "Uniform Blue Yellow", "Uniform Heat",
                                             "Uniform Violet Green Yellow", "Cubehelix", "Diverging Blue Orange",
                                             "Cyclic Blue Yellow", "Tolerance Both Sides", "Tolerance Upper Limit",
-                                            "Tolerance Lower Limit"));
+                                            "Tolerance Lower Limit", "Tolerance Pore Volume"));
     for (const LyqPresetStore::Entry& entry : handler->store(Lyr::InstalledPreset)->list()) {
         LyrObjectPtr proxy;
         LyrObjectFile::Report report;
@@ -187,6 +187,7 @@ TEST_F(InstalledPresets, tolerance_tables_step_at_their_limits_and_are_absolute)
          {{-1, fail}, {-0.15f, warn}, {-0.09f, pass}, {0, pass}, {0.1f, pass}, {0.11f, warn}, {0.21f, fail}}},
         {"Tolerance Upper Limit", {{-1, pass}, {0.09f, pass}, {0.11f, warn}, {0.2f, warn}, {0.21f, fail}}},
         {"Tolerance Lower Limit", {{0.99f, fail}, {1.01f, warn}, {1.5f, warn}, {1.51f, pass}, {9, pass}}},
+        {"Tolerance Pore Volume", {{0, pass}, {0.49f, pass}, {0.51f, warn}, {4, warn}, {4.01f, fail}, {99, fail}}},
     };
     for (const auto& [name, expected] : cases) {
         ASSERT_TRUE(handler->applyPreset(name, Lyr::InstalledPreset)) << handler->getMessage().utf8();
