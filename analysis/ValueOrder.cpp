@@ -1,4 +1,5 @@
 #include <analysis/AnalysisIdentifiers.h>
+#include <analysis/AnalysisMessage_p.h>
 #include <analysis/ValueOrder.h>
 #include <analysis/compute/LyrSortedValues.h>
 #include <lys_core/LyqBackgroundJob.h>
@@ -28,7 +29,7 @@ ValueOrder::ValueOrder(std::shared_ptr<const LyrVolume> volume) : mVolume(std::m
             control.cancel = cancelled.get();
             LyrAnalysisOutcome outcome;
             const bool made = LyrSortedValues::make(*source, *result, outcome, control);
-            message = QString::fromStdString(outcome.error);
+            message = lysAnalysisMessage(outcome, QString());
             return made;
         },
         QString::fromUtf8(LYS_ANALYSIS_MODULE));

@@ -1,7 +1,9 @@
+#include <analysis/AnalysisMessage_p.h>
 #include <analysis/DefectSurface.h>
 #include <analysis/LyrDefectLayer.h>
 #include <analysis/LyrThicknessLayer.h>
 #include <analysis/LyrValueLayer.h>
+#include <analysis/ReportMessage_p.h>
 #include <analysis/TableBoundaries.h>
 #include <analysis/VolumeAnalyses_p.h>
 #include <analysis/compute/LyrAnalysisReport.h>
@@ -55,15 +57,15 @@ protected:
     const std::shared_ptr<const LyrVolume>& volume() const { return mVolume; }
     const std::optional<float>& threshold() const { return mThreshold; }
 
-    static bool tell(const LyrAnalysisOutcome& outcome, QString& message) {
-        message = outcome.cancelled ? QString() : QString::fromStdString(outcome.error);
+    static bool tell(const LyrAnalysisOutcome& outcome, const QString& title, QString& message) {
+        message = lysAnalysisMessage(outcome, title);
         return false;
     }
     template <class Result, class... Further>
     static bool save(const QString& file, const Result& result, QString& message, const Further&... further) {
         std::string error;
         const bool saved = LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), result, error, further...);
-        message = QString::fromStdString(error);
+        message = saved ? QString() : lysReportMessage(file, error);
         return saved;
     }
 
@@ -88,10 +90,11 @@ public:
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrDefectResult>();
         if (!LyrDefectAnalysis::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
-            return tell(outcome, message);
+            return tell(outcome, tr("Defect volume"), message);
         }
         if (numbersOnly()) {
-            mSurface = {std::make_shared<LyrRendering::SurfaceMesh>(), {}};
+            mSurface = {};
+            mSurface.mesh = std::make_shared<LyrRendering::SurfaceMesh>();
             mResult = std::move(result);
             return true;
         }
@@ -102,7 +105,8 @@ public:
                 return false;
             }
             // The numbers are there; what is missing for lack of memory is a picture in one of the views.
-            mSurface = {std::make_shared<LyrRendering::SurfaceMesh>(), {}};
+            mSurface = {};
+            mSurface.mesh = std::make_shared<LyrRendering::SurfaceMesh>();
         }
         mResult = std::move(result);
         return true;
@@ -162,7 +166,7 @@ public:
         LyrAnalysisOutcome outcome;
         auto result = std::make_shared<LyrThicknessResult>();
         if (!LyrWallThickness::run(volume(), {.threshold = threshold()}, *result, outcome, control)) {
-            return tell(outcome, message);
+            return tell(outcome, tr("Wall thickness"), message);
         }
         mResult = std::move(result);
         return true;

@@ -128,12 +128,24 @@ bool AnalysisTask::claim(std::uint64_t bytes) {
         claimed_ += bytes;
         return true;
     }
-    return fail("needs " + gibibytes(bytes + claimed_) + " GiB of memory, and " + gibibytes(memory_) +
-                " GiB are free; close other programs or analyse a smaller part of the volume");
+    return fail(LYR_MARK_TEXT("LyrAnalysis",
+                              "needs %1 GiB of memory, and %2 GiB are free; close other programs or analyse a smaller "
+                              "part of the volume"),
+                {gibibytes(bytes + claimed_), gibibytes(memory_)});
 }
 
-bool AnalysisTask::fail(const std::string& reason) {
+bool AnalysisTask::fail(const char* text, std::vector<std::string> arguments) {
+    std::string reason = text;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const char mark[] = {'%', static_cast<char>('1' + i), '\0'};
+        const std::size_t place = reason.find(mark);
+        if (place != std::string::npos) {
+            reason.replace(place, 2, arguments[i]);
+        }
+    }
     outcome_.error = std::string(name_) + ": " + reason;
+    outcome_.text = text;
+    outcome_.arguments = std::move(arguments);
     return false;
 }
 
@@ -147,15 +159,16 @@ bool AnalysisTask::run(const std::function<bool()>& body) {
             stopped_ = !succeeded;
         }
     } catch (const std::bad_alloc&) {
-        return fail("not enough memory; close other programs or analyse a smaller part of the volume");
+        return fail(LYR_MARK_TEXT("LyrAnalysis",
+                                  "not enough memory; close other programs or analyse a smaller part of the volume"));
     } catch (const std::exception& problem) {
-        return fail(std::string("ended by an error (") + problem.what() + "); nothing was changed");
+        return fail(LYR_MARK_TEXT("LyrAnalysis", "ended by an error (%1); nothing was changed"), {problem.what()});
     } catch (...) {
-        return fail("ended by an unknown error; nothing was changed");
+        return fail(LYR_MARK_TEXT("LyrAnalysis", "ended by an unknown error; nothing was changed"));
     }
     if (!succeeded && outcome_.error.empty()) {
         outcome_.cancelled = true;
-        return fail("cancelled");
+        return fail(LYR_MARK_TEXT("LyrAnalysis", "cancelled"));
     }
     return succeeded;
 }

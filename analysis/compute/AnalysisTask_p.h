@@ -8,8 +8,12 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include <analysis/compute/LyrAnalysisControl.h>
+
+/** Marks a text for the translators, who find it in a context. What it stands for is the text itself. */
+#define LYR_MARK_TEXT(context, text) text
 
 namespace lyranalysis {
 
@@ -38,8 +42,9 @@ public:
     /** Counts them as free again. */
     void release(std::uint64_t bytes) { claimed_ -= std::min(bytes, claimed_); }
 
-    /** Sets the message and returns false. */
-    bool fail(const std::string& reason);
+    /** Sets the message and returns false. The text is one that was marked for translation and lives for ever; %1, %2
+     * and so on in it stand for the arguments. */
+    bool fail(const char* text, std::vector<std::string> arguments = {});
 
     /** Runs the body with everything it throws turned into messages, and ends the progress. False when the body
      *  returned false or threw. */

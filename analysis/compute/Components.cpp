@@ -57,9 +57,9 @@ private:
         std::partial_sum(rowStarts_.begin(), rowStarts_.end(), rowStarts_.begin());
         const std::size_t total = rowStarts_.back();
         if (total >= kNone) {
-            return task_.fail(
-                "the volume falls into too many pieces at this threshold; choose another threshold or "
-                "analyse a smaller part of the volume");
+            return task_.fail(LYR_MARK_TEXT("LyrAnalysis",
+                                            "the volume falls into too many pieces at this threshold; choose another "
+                                            "threshold or analyse a smaller part of the volume"));
         }
         return task_.claim(total * kBytesOfRun);
     }
@@ -242,7 +242,7 @@ private:
 bool findComponents(const Grid& grid, std::int64_t minimumVoxels, AnalysisTask& task, Components& out) {
     constexpr std::int64_t kLongest = std::numeric_limits<std::int32_t>::max();
     if (grid.size[0] > kLongest || grid.size[1] * grid.size[2] > kLongest) {
-        return task.fail("the volume has too many rows; analyse a smaller part of it");
+        return task.fail(LYR_MARK_TEXT("LyrAnalysis", "the volume has too many rows; analyse a smaller part of it"));
     }
     return Labeller(grid, task).run(minimumVoxels, out);
 }

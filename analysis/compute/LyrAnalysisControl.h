@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 /** How an analysis runs. A default object: unheard, not to be stopped, all processors, all memory that is free. */
 struct LyrAnalysisControl {
@@ -22,4 +23,8 @@ struct LyrAnalysisControl {
 struct LyrAnalysisOutcome {
     std::string error;       ///< what, where and what to do about it; empty when the analysis succeeded
     bool cancelled = false;  ///< it was cancelled; `error` says so too
+    /** What `error` says after the analysis' name, for translating: a text of the context "LyrAnalysis", in which %1,
+     *  %2 and so on stand for the arguments. Null when the analysis succeeded. */
+    const char* text = nullptr;
+    std::vector<std::string> arguments;
 };

@@ -52,8 +52,9 @@ public:
             return false;
         }
         if (regions_.materialVoxels == 0) {
-            return task_.fail(
-                "there is no material, because no sample reaches the threshold; choose a lower threshold");
+            return task_.fail(LYR_MARK_TEXT(
+                "LyrAnalysis",
+                "there is no material, because no sample reaches the threshold; choose a lower threshold"));
         }
         return task_.claim(regions_.count() * kBytesOfRegion) && measure() && sumUp() && fillField();
     }
@@ -214,7 +215,7 @@ bool LyrDefectAnalysis::run(const std::shared_ptr<const LyrVolume>& volume, cons
     LyrDefectResult found;
     const auto body = [&] {
         if (!volume) {
-            return task.fail("there is no volume; open one first");
+            return task.fail(LYR_MARK_TEXT("LyrAnalysis", "there is no volume; open one first"));
         }
         float threshold = 0.0F;
         if (!lyranalysis::chooseThreshold(*volume, options.threshold, task, threshold)) {

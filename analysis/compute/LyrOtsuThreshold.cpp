@@ -84,12 +84,13 @@ double bestCut(const Counts& counts) {
 bool findOtsuThreshold(const LyrVolume& volume, AnalysisTask& task, float& threshold) {
     const LyrVolume::ValueRange range = volume.valueRange();
     if (range.isEmpty()) {
-        return task.fail("the volume has no finite samples, so there is nothing to tell material from air by");
+        return task.fail(LYR_MARK_TEXT(
+            "LyrAnalysis", "the volume has no finite samples, so there is nothing to tell material from air by"));
     }
     if (range.low == range.high) {
-        return task.fail(
-            "all finite samples of the volume have the same value, so no threshold divides them into air and "
-            "material; open another volume or give a threshold");
+        return task.fail(LYR_MARK_TEXT("LyrAnalysis",
+                                       "all finite samples of the volume have the same value, so no threshold divides "
+                                       "them into air and material; open another volume or give a threshold"));
     }
     Counts counts;
     if (!countSamples(volume, task, counts)) {
@@ -108,7 +109,9 @@ bool chooseThreshold(const LyrVolume& volume, const std::optional<float>& given,
         return findOtsuThreshold(volume, task, threshold);
     }
     if (!std::isfinite(*given)) {
-        return task.fail("the threshold is not a finite number; give one between the grey values of air and material");
+        return task.fail(LYR_MARK_TEXT(
+            "LyrAnalysis",
+            "the threshold is not a finite number; give one between the grey values of air and material"));
     }
     threshold = *given;
     return task.stage(kOtsuWeight, 0, {});

@@ -94,13 +94,14 @@ private:
             out_.materialVoxels += count;
         }
         if (out_.materialVoxels == 0) {
-            return task_.fail(
-                "there is no material, because no sample reaches the threshold; choose a lower threshold");
+            return task_.fail(LYR_MARK_TEXT(
+                "LyrAnalysis",
+                "there is no material, because no sample reaches the threshold; choose a lower threshold"));
         }
         if (out_.materialVoxels == grid_.voxels()) {
-            return task_.fail(
-                "there is no air, because all samples reach the threshold, and so no surface to measure "
-                "from; choose a higher threshold");
+            return task_.fail(LYR_MARK_TEXT("LyrAnalysis",
+                                            "there is no air, because all samples reach the threshold, and so no "
+                                            "surface to measure from; choose a higher threshold"));
         }
         out_.countedMaterialVolume = static_cast<double>(out_.materialVoxels) * out_.voxelVolume;
         return true;
@@ -193,7 +194,7 @@ bool LyrWallThickness::run(const std::shared_ptr<const LyrVolume>& volume, const
     LyrThicknessResult found;
     const auto body = [&] {
         if (!volume) {
-            return task.fail("there is no volume; open one first");
+            return task.fail(LYR_MARK_TEXT("LyrAnalysis", "there is no volume; open one first"));
         }
         float threshold = 0.0F;
         if (!lyranalysis::chooseThreshold(*volume, options.threshold, task, threshold)) {
