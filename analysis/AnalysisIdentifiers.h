@@ -4,7 +4,7 @@
 #include <lyr_core/Lyrenum.h>
 
 /** The names that this library registers and exports, X(name), in the order of registration. */
-#define LYS_ANALYSIS_IDENTIFIERS(X) X(SurfaceValue) X(MarkedDefect) X(HighlightedSection)
+#define LYS_ANALYSIS_IDENTIFIERS(X) X(SurfaceValue) X(MarkedDefect) X(HighlightedSection) X(ToleranceTable)
 
 /** Module name of this library. */
 inline constexpr const char* LYS_ANALYSIS_MODULE = "lys_analysis";

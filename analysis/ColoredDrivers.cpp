@@ -72,21 +72,22 @@ const LyrMetaClass& ColoredSurfaceDriver::getMetaClass() const {
 bool ColoredSurfaceDriver::fetchSurface(LyrRendering::Surface& out) {
     const std::shared_ptr<const LyrRendering::SurfaceMesh> mesh = mLayer.mesh();
     const LyrColorLookupTable* table = mLayer.table();
-    if (!mesh || mesh->triangles.empty() || !table) {
+    const std::shared_ptr<const std::vector<float>> values = mLayer.surfaceValues();
+    if (!mesh || mesh->triangles.empty() || !table || !values) {
         return false;
     }
-    if (mSurface.mesh != mesh) {
+    if (mSurface.mesh != mesh || mValues != values) {
         mSurface = {mesh, nullptr};
-        mLayer.valuesOnMesh(*mesh, mValues);
+        mValues = values;
     }
     const LyrTimestamp changed =
         std::max({mLayer.getTableTimestamp(), mLayer.getFinishTimestamp(), mLayer.getHighlightTimestamp()});
     if (!mSurface.colors || changed > mColored) {
         mColored = LyrTimestamp::getCurrentTimestamp();
-        auto colors = std::make_shared<LyrRendering::SurfaceColors>(mValues.size() * 4);
+        auto colors = std::make_shared<LyrRendering::SurfaceColors>(values->size() * 4);
         // A surface is seen whole, whatever the opacity of the slices.
-        lysColorBytes(*table, mValues, *colors, 1.0f);
-        mLayer.dimMesh(mValues, *colors);
+        lysColorBytes(*table, *values, *colors, 1.0f);
+        mLayer.dimMesh(*values, *colors);
         mLayer.finishMesh(*colors);
         mSurface.colors = std::move(colors);
     }

@@ -44,6 +44,6 @@ protected:
 private:
     const LyrColoredLayer& mLayer;
     LyrRendering::Surface mSurface;
-    std::vector<float> mValues;  ///< at each vertex
+    std::shared_ptr<const std::vector<float>> mValues;  ///< at each vertex
     LyrTimestamp mColored;
 };

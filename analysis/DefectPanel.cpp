@@ -1,6 +1,9 @@
+#include <analysis/AnalysisIdentifiers.h>
 #include <analysis/DefectPanel.h>
 #include <analysis/DefectSurface.h>
 #include <analysis/LyrDefectLayer.h>
+#include <analysis/ReportMessage_p.h>
+#include <analysis/ToleranceChooser.h>
 #include <analysis/compute/LyrAnalysisReport.h>
 #include <analysis/compute/LyrDefectResult.h>
 #include <analysis/compute/LyrVerdict.h>
@@ -33,6 +36,8 @@ DefectPanel::DefectPanel(QWidget* parent)
       mModel(new DefectTableModel(this)),
       mTable(new QTableView(this)),
       mTotals(new QLabel(this)),
+      mToleranceTitle(new QLabel(tr("&Judged by:"), this)),
+      mTolerance(new ToleranceChooser(this)),
       mSave(new QPushButton(tr("Save &Report…"), this)),
       mVolume(Lyr::Volume) {
     mTable->setObjectName("defectList");
@@ -46,10 +51,15 @@ DefectPanel::DefectPanel(QWidget* parent)
     mTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     mTable->verticalHeader()->setDefaultSectionSize(mTable->fontMetrics().height() + 6);
     mTotals->setObjectName("defectTotals");
+    mTotals->setWordWrap(true);
     mTotals->setTextInteractionFlags(Qt::TextSelectableByMouse);
     mSave->setObjectName("saveDefects");
+    mToleranceTitle->setBuddy(mTolerance);
+    mTolerance->setAccessibleName(tr("Tolerance table"));
     auto* foot = new QHBoxLayout;
     foot->addWidget(mTotals, 1);
+    foot->addWidget(mToleranceTitle);
+    foot->addWidget(mTolerance);
     foot->addWidget(mSave);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(mTable, 1);
@@ -57,6 +67,7 @@ DefectPanel::DefectPanel(QWidget* parent)
     connect(mTable->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { select(current.row()); });
     connect(mSave, &QPushButton::clicked, this, &DefectPanel::save);
+    connect(mTolerance, &ToleranceChooser::toleranceChanged, this, &DefectPanel::judge);
     connect(&mVolume, &LyqUnitConverter::displayUnitChanged, this, &DefectPanel::updateTotals);
     const LyqSession& session = LyqSession::instance();
     connect(&session, &LyqSession::layersChanged, this, &DefectPanel::follow);
@@ -69,7 +80,7 @@ DefectPanel::DefectPanel(QWidget* parent)
 }
 
 QSize DefectPanel::sizeHint() const {
-    return {640, mTable->fontMetrics().height() * 11};
+    return {640, mTable->fontMetrics().height() * 13};
 }
 
 void DefectPanel::follow() {
@@ -84,6 +95,9 @@ void DefectPanel::follow() {
     mLayer = latest;
     mListened = latest;
     mTableListened = latest ? latest->table() : nullptr;
+    if (latest && mTolerance->tolerance()) {
+        latest->setToleranceTable(mTolerance->tolerance());
+    }
     mModel->setLayer(latest);
     updateTotals();
     if (auto* dock = qobject_cast<QDockWidget*>(parentWidget()); dock && latest) {
@@ -93,8 +107,17 @@ void DefectPanel::follow() {
 }
 
 bool DefectPanel::iocCallback(Message& message) {
-    mVerdictTimer->start(0);
+    if (message.getPropertyID() != Lyr::MarkedDefect && message.getPropertyID() != Lyr::HighlightedSection) {
+        mVerdictTimer->start(0);
+    }
     return LyrIOC::iocCallback(message);
+}
+
+void DefectPanel::judge() {
+    if (mLayer) {
+        mLayer->setToleranceTable(mTolerance->tolerance());
+        updateVerdicts();
+    }
 }
 
 void DefectPanel::updateVerdicts() {
@@ -152,7 +175,7 @@ void DefectPanel::save() {
                                                       tr("Reports (*.csv *.json)"));
     std::string error;
     if (!file.isEmpty() && mLayer &&
-        !LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), mLayer->result(), error, mModel->verdicts())) {
-        QMessageBox::warning(this, tr("The report is not written"), QString::fromStdString(error));
+        !LyrAnalysisReport::save(QFile::encodeName(file).toStdString(), mLayer->result(), error, mLayer->verdicts())) {
+        QMessageBox::warning(this, tr("The report is not written"), lysReportMessage(file, error));
     }
 }

@@ -13,6 +13,7 @@ class QLabel;
 class QPushButton;
 class QTableView;
 class QTimer;
+class ToleranceChooser;
 
 /** The defects that were found last, with their totals. A selected one is marked, and the views go there; one that is
  * clicked in a view becomes the selected one. */
@@ -30,6 +31,7 @@ private:
     void follow();
     void updateTotals();
     void updateVerdicts();
+    void judge();
     void select(int row);
     void pick(const LyrVector3<float>& position);
     void save();
@@ -41,6 +43,8 @@ private:
     DefectTableModel* mModel;
     QTableView* mTable;
     QLabel* mTotals;
+    QLabel* mToleranceTitle;
+    ToleranceChooser* mTolerance;
     QPushButton* mSave;
     LyqUnitConverter mVolume;
     bool mPicking = false;

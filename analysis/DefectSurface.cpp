@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <numbers>
 #include <span>
 
 namespace {
@@ -33,7 +34,7 @@ std::shared_ptr<const LyrVolume> hollowness(const LyrDefectResult& result) {
     const LyrVolume& volume = *result.volume;
     const float low = -std::max(volume.valueRange().high - result.threshold, std::numeric_limits<float>::min());
     std::vector<float> samples(volume.samples().size(), low);
-    const std::size_t shown = std::min(result.defects.size(), DefectSurface::MOST);
+    const std::size_t shown = DefectSurface::shownCount(result);
     for (const LyrDefect& defect : std::span(result.defects).first(shown)) {
         visitBox(defect, volume.size(), [&](std::size_t i) {
             const float grey = volume.samples()[i];
@@ -65,6 +66,21 @@ std::shared_ptr<LyrRendering::SurfaceMesh> meshOf(const LyrVolumeSurface& surfac
 }
 
 }  // namespace
+
+std::size_t DefectSurface::shownCount(const LyrDefectResult& result) {
+    double faces = 0.0;
+    for (std::size_t i = 0; i < result.defects.size(); ++i) {
+        const auto voxels = static_cast<double>(result.defects[i].voxels);
+        // A chain of voxels has the most faces, a ball the least: 6 of a cube's for each face of it, 1.5 of a ball's.
+        const double ball = 1.5 * std::cbrt(36.0 * std::numbers::pi * voxels * voxels);
+        const double sphericity = std::clamp(result.defects[i].sphericity, 0.05, 1.0);
+        faces += std::min(4.0 * voxels + 2.0, ball / sphericity);
+        if (faces > MOST_FACES) {
+            return std::max<std::size_t>(i, 1);
+        }
+    }
+    return result.defects.size();
+}
 
 std::uint32_t DefectSurface::defectNear(const LyrDefectResult& result, const LyrVector3<float>& place) {
     const LyrVolume& volume = *result.volume;
@@ -113,10 +129,12 @@ bool DefectSurface::extract(const LyrDefectResult& result, DefectSurface& out, s
             return false;
         }
         made.mesh = meshOf(*surface);
-        made.defects.reserve(surface->positions.size());
+        auto owners = std::make_shared<std::vector<std::uint32_t>>();
+        owners->reserve(surface->positions.size());
         for (const LyrVector3<float>& place : surface->positions) {
-            made.defects.push_back(defectNear(result, place));
+            owners->push_back(defectNear(result, place));
         }
+        made.defects = std::move(owners);
         out = std::move(made);
         return true;
     } catch (const std::bad_alloc&) {

@@ -15,11 +15,15 @@ struct LyrDefectResult;
 
 /** The surfaces of defects, at the threshold by which they were found. */
 struct LYS_ANALYSIS_EXPORT DefectSurface {
-    /** Of more defects than these only the largest have surfaces: a cloud of noise would fill the memory of a view. */
-    static constexpr std::size_t MOST = 100000;
+    /** Voxel faces that all surfaces together go around, at most; two triangles each. Of more defects only the largest
+     *  have surfaces: a cloud of noise would fill the memory of a view, and take long to draw. */
+    static constexpr double MOST_FACES = 100000.0;
+    /** How many of the defects, the largest first, have surfaces. */
+    static std::size_t shownCount(const LyrDefectResult& result);
 
     std::shared_ptr<const LyrRendering::SurfaceMesh> mesh;
-    std::vector<std::uint32_t> defects;  ///< number of the defect that each vertex belongs to
+    /** Number of the defect that each vertex belongs to; not null. */
+    std::shared_ptr<const std::vector<std::uint32_t>> defects = std::make_shared<std::vector<std::uint32_t>>();
 
     /** Extracts them; may run in any thread. False, with a message unless it was cancelled, and `out` untouched, when
      *  memory is short.

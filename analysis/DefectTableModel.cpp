@@ -1,11 +1,18 @@
+#include <analysis/AnalysisIdentifiers.h>
 #include <analysis/DefectTableModel.h>
 #include <analysis/LyrDefectLayer.h>
+#include <analysis/ToleranceTable.h>
 #include <analysis/compute/LyrDefectResult.h>
 #include <analysis/compute/LyrVerdict.h>
 #include <lyr_core/LyrHostIdentifiers.h>
+#include <lyr_core/LyrRGBA.h>
+#include <lys_core/LyqBackgroundJob.h>
+
+#include <QColor>
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -14,10 +21,70 @@ bool isLength(int column) {
            column == DefectTableModel::Size;
 }
 
+/** The colour that a tolerance table gives, beside the word: letters in it would be hard to read on some themes. */
+QVariant colorOf(LyrVerdict verdict) {
+    const LyrRGBA<float> color = lysColorOf(verdict);
+    return verdict == LyrVerdict::None ? QVariant() : QColor::fromRgbF(color.red, color.green, color.blue);
+}
+
+double valueOf(const LyrDefect& defect, const std::vector<LyrVerdict>& verdicts, int column) {
+    switch (column) {
+        case DefectTableModel::Volume:
+            return defect.volume;
+        case DefectTableModel::X:
+        case DefectTableModel::Y:
+        case DefectTableModel::Z:
+            return defect.center[static_cast<std::size_t>(column - DefectTableModel::X)];
+        case DefectTableModel::Size:
+            return defect.size;
+        case DefectTableModel::Sphericity:
+            return defect.sphericity;
+        case DefectTableModel::Verdict:
+            return verdicts.empty() ? 0.0 : static_cast<double>(verdicts[defect.number - 1]);
+        default:
+            return static_cast<double>(defect.number);
+    }
+}
+
 }  // namespace
 
+/** All that an order of the rows follows from, for any thread. */
+struct DefectTableModel::Order {
+    std::shared_ptr<const LyrDefectResult> result;
+    std::shared_ptr<const std::vector<LyrVerdict>> verdicts;
+    int column;
+    bool ascending;
+
+    std::vector<std::uint32_t> rows() const {
+        std::vector<std::uint32_t> all(result ? result->defects.size() : 0);
+        std::iota(all.begin(), all.end(), 0u);
+        if (column == Number) {
+            // They are numbered in their order.
+            if (!ascending) {
+                std::reverse(all.begin(), all.end());
+            }
+            return all;
+        }
+        std::vector<double> keys(all.size());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            keys[i] = valueOf(result->defects[i], *verdicts, column);
+        }
+        std::sort(all.begin(), all.end(), [&](std::uint32_t a, std::uint32_t b) {
+            if (keys[a] == keys[b]) {
+                return a < b;
+            }
+            return ascending ? keys[a] < keys[b] : keys[a] > keys[b];
+        });
+        return all;
+    }
+};
+
 DefectTableModel::DefectTableModel(QObject* parent)
-    : QAbstractTableModel(parent), mLength(Lyr::Length), mVolume(Lyr::Volume), mPlain(Lyr::Number) {
+    : QAbstractTableModel(parent),
+      mVerdicts(std::make_shared<std::vector<LyrVerdict>>()),
+      mLength(Lyr::Length),
+      mVolume(Lyr::Volume),
+      mPlain(Lyr::Number) {
     const auto refresh = [this] {
         Q_EMIT headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
         if (!mRows.empty()) {
@@ -28,35 +95,53 @@ DefectTableModel::DefectTableModel(QObject* parent)
     connect(&mVolume, &LyqUnitConverter::displayUnitChanged, this, refresh);
 }
 
+DefectTableModel::~DefectTableModel() = default;
+
+void DefectTableModel::setVerdicts(std::vector<LyrVerdict>&& verdicts) {
+    mVerdicts = std::make_shared<const std::vector<LyrVerdict>>(std::move(verdicts));
+}
+
 void DefectTableModel::setLayer(const LyrDefectLayer* layer) {
     beginResetModel();
     mLayer = layer;
-    mRows.resize(layer ? layer->result().defects.size() : 0);
-    mVerdicts = layer ? layer->verdicts() : std::vector<LyrVerdict>();
-    mSortColumn = mVerdicts.empty() && mSortColumn == Verdict ? static_cast<int>(Number) : mSortColumn;
-    std::iota(mRows.begin(), mRows.end(), 0u);
-    reorder();
+    setVerdicts(layer ? layer->verdicts() : std::vector<LyrVerdict>());
+    mSortColumn = mVerdicts->empty() && mSortColumn == Verdict ? static_cast<int>(Number) : mSortColumn;
+    Order order = wantedOrder();
+    const bool isLong = order.result && order.result->defects.size() > SORTED_AT_ONCE;
+    if (isLong && order.column != Number) {
+        order.column = Number;
+        order.ascending = true;
+    }
+    mRows = order.rows();
+    mSortAgain = mSortJob != nullptr;
     endResetModel();
+    if (isLong && mSortColumn != Number) {
+        sortInBackground();
+    }
+}
+
+DefectTableModel::Order DefectTableModel::wantedOrder() const {
+    return {mLayer ? mLayer->sharedResult() : nullptr, mVerdicts, mSortColumn, mOrder == Qt::AscendingOrder};
 }
 
 void DefectTableModel::updateVerdicts() {
     std::vector<LyrVerdict> now = mLayer ? mLayer->verdicts() : std::vector<LyrVerdict>();
-    if (now == mVerdicts) {
+    if (now == *mVerdicts) {
         return;
     }
-    if (mVerdicts.empty()) {
+    if (mVerdicts->empty()) {
         beginInsertColumns({}, Verdict, Verdict);
-        mVerdicts = std::move(now);
+        setVerdicts(std::move(now));
         endInsertColumns();
     } else if (now.empty()) {
         if (mSortColumn == Verdict) {
             sort(Number);
         }
         beginRemoveColumns({}, Verdict, Verdict);
-        mVerdicts.clear();
+        setVerdicts({});
         endRemoveColumns();
     } else {
-        mVerdicts = std::move(now);
+        setVerdicts(std::move(now));
         Q_EMIT dataChanged(index(0, Verdict), index(rowCount() - 1, Verdict));
         if (mSortColumn == Verdict) {
             sort(Verdict, mOrder);
@@ -78,39 +163,19 @@ int DefectTableModel::rowCount(const QModelIndex& parent) const {
 }
 
 int DefectTableModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : mVerdicts.empty() ? static_cast<int>(Verdict) : static_cast<int>(ColumnCount);
-}
-
-double DefectTableModel::value(std::size_t at, int column) const {
-    const LyrDefect& defect = mLayer->result().defects[at];
-    switch (column) {
-        case Volume:
-            return defect.volume;
-        case X:
-        case Y:
-        case Z:
-            return defect.center[static_cast<std::size_t>(column - X)];
-        case Size:
-            return defect.size;
-        case Sphericity:
-            return defect.sphericity;
-        case Verdict:
-            return mVerdicts.empty() ? 0.0 : static_cast<double>(mVerdicts[at]);
-        default:
-            return static_cast<double>(defect.number);
-    }
+    return parent.isValid() ? 0 : mVerdicts->empty() ? static_cast<int>(Verdict) : static_cast<int>(ColumnCount);
 }
 
 QString DefectTableModel::text(std::size_t defect, int column) const {
     if (column == Verdict) {
         const QString names[] = {QString(), tr("Pass"), tr("Warn"), tr("Fail")};
-        return names[static_cast<std::size_t>(value(defect, Verdict))];
+        return mVerdicts->empty() ? QString() : names[static_cast<std::size_t>((*mVerdicts)[defect])];
     }
+    const double value = valueOf(mLayer->result().defects[defect], *mVerdicts, column);
     const LyqUnitConverter& converter = column == Volume ? mVolume : isLength(column) ? mLength : mPlain;
     // A hundredth of a voxel and a thousandth of a volume say all that there is.
     constexpr int DIGITS = 5;
-    return converter.internalToDisplayString(value(defect, column), LyqUnitConverter::NumberOnly,
-                                             column == Number ? 10 : DIGITS);
+    return converter.internalToDisplayString(value, LyqUnitConverter::NumberOnly, column == Number ? 10 : DIGITS);
 }
 
 QVariant DefectTableModel::data(const QModelIndex& index, int role) const {
@@ -122,9 +187,12 @@ QVariant DefectTableModel::data(const QModelIndex& index, int role) const {
         case Qt::DisplayRole:
             return text(defect, index.column());
         case Qt::UserRole:
-            return value(defect, index.column());
+            return valueOf(mLayer->result().defects[defect], *mVerdicts, index.column());
+        case Qt::DecorationRole:
+            return index.column() == Verdict && !mVerdicts->empty() ? colorOf((*mVerdicts)[defect]) : QVariant();
         case Qt::TextAlignmentRole:
-            return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
+            // The word stands beside its colour.
+            return QVariant::fromValue((index.column() == Verdict ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
         default:
             return {};
     }
@@ -146,35 +214,60 @@ QVariant DefectTableModel::headerData(int section, Qt::Orientation orientation, 
 }
 
 void DefectTableModel::reorder() {
-    std::vector<double> keys(mRows.size());
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        keys[i] = value(i, mSortColumn);
+    if (mRows.size() > SORTED_AT_ONCE && mSortColumn != Number) {
+        sortInBackground();
+    } else {
+        mSortAgain = mSortJob != nullptr;
+        takeOrder(wantedOrder().rows());
     }
-    std::sort(mRows.begin(), mRows.end(), [&](std::uint32_t a, std::uint32_t b) {
-        if (keys[a] == keys[b]) {
-            return a < b;
-        }
-        return mOrder == Qt::AscendingOrder ? keys[a] < keys[b] : keys[a] > keys[b];
-    });
 }
 
-void DefectTableModel::sort(int column, Qt::SortOrder order) {
-    if (column < 0 || column >= columnCount()) {
+void DefectTableModel::sortInBackground() {
+    // One at a time: waiting for the one that is under way would take as long as it takes.
+    mSortAgain = mSortJob != nullptr;
+    if (mSortJob) {
         return;
     }
+    const auto rows = std::make_shared<std::vector<std::uint32_t>>();
+    mSortJob = std::make_unique<LyqBackgroundJob>(
+        [rows, order = wantedOrder()](const LyqBackgroundJob::Progress&, QString&) {
+            *rows = order.rows();
+            return true;
+        },
+        QString::fromUtf8(LYS_ANALYSIS_MODULE));
+    connect(mSortJob.get(), &LyqBackgroundJob::finished, this, [this, rows](bool done) {
+        mSortJob.release()->deleteLater();
+        if (mSortAgain) {
+            reorder();
+        } else if (done && rows->size() == mRows.size()) {
+            takeOrder(std::move(*rows));
+        }
+    });
+    mSortJob->start();
+}
+
+/** Puts the rows into another order; what is selected stays selected. */
+void DefectTableModel::takeOrder(std::vector<std::uint32_t>&& rows) {
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
     const QModelIndexList before = persistentIndexList();
     std::vector<std::uint32_t> numbers;
     for (const QModelIndex& each : before) {
         numbers.push_back(numberAt(each.row()));
     }
-    mSortColumn = column;
-    mOrder = order;
-    reorder();
+    mRows = std::move(rows);
     QModelIndexList after;
     for (qsizetype i = 0; i < before.size(); ++i) {
         after << index(rowOf(numbers[static_cast<std::size_t>(i)]), before[i].column());
     }
     changePersistentIndexList(before, after);
     Q_EMIT layoutChanged({}, VerticalSortHint);
+}
+
+void DefectTableModel::sort(int column, Qt::SortOrder order) {
+    if (column < 0 || column >= columnCount()) {
+        return;
+    }
+    mSortColumn = column;
+    mOrder = order;
+    reorder();
 }

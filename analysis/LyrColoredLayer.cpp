@@ -9,6 +9,7 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_volume/LyrVolumeObject.h>
+#include <lys_core/LyqBackgroundJob.h>
 #include <lys_core/LyqUnitConverter.h>
 
 #include <QCoreApplication>
@@ -21,6 +22,9 @@
 #include <utility>
 
 namespace {
+
+/** Vertices between two looks whether the layer is still wanted. */
+constexpr std::size_t VERTICES_AT_ONCE = 16384;
 
 /** Remembers when a link came to lead elsewhere. */
 class LinkWatch : public LyrProperty::Extension {
@@ -40,6 +44,8 @@ struct LyrColoredLayer::Private {
     LyrSingleValueOP<LyrSingleValuePropertyIF<float>> surfaceValue;
     LyrSingleValueOP<LyrSingleValuePropertyIF<long long>> highlighted;
     LyrTimestamp highlightedAt;
+    std::shared_ptr<const std::vector<float>> surfaceValues;  ///< null until they are worked out
+    std::unique_ptr<LyqBackgroundJob> surfaceJob;
     LinkWatch tableWatch;
     LinkWatch settingsWatch;
     QObject context;  ///< ends the line from the surface before anything else goes
@@ -123,19 +129,52 @@ LyrColoredLayer::LyrColoredLayer(LyrVolumeObject* document, std::shared_ptr<cons
     d->table.setValue(linkTo(table));
     d->settings.setValue(linkTo(settings));
     d->surface = PartSurface::of(document->volume());
-    connectSurface();
 }
 
 LyrColoredLayer::~LyrColoredLayer() = default;
 
-void LyrColoredLayer::connectSurface() {
-    const auto take = [this] {
-        if (d->surface->mesh()) {
-            d->surfaceValue.setValue(d->surface->value());
+void LyrColoredLayer::prepareSurface() {
+    surfaceCame();
+    if (!d->surface->isFinished()) {
+        QObject::connect(d->surface.get(), &PartSurface::finished, &d->context, [this] { surfaceCame(); });
+    }
+}
+
+void LyrColoredLayer::surfaceCame() {
+    if (d->surface->mesh()) {
+        d->surfaceValue.setValue(d->surface->value());
+    }
+    const std::shared_ptr<const LyrRendering::SurfaceMesh> shown = mesh();
+    if (!shown || d->surfaceJob) {
+        return;
+    }
+    const auto values = std::make_shared<std::vector<float>>();
+    d->surfaceJob = std::make_unique<LyqBackgroundJob>(
+        [shown, values, work = vertexValues()](const LyqBackgroundJob::Progress& goesOn, QString&) {
+            values->resize(shown->positions.size() / 3);
+            for (std::size_t first = 0; first < values->size(); first += VERTICES_AT_ONCE) {
+                const std::size_t count = std::min(VERTICES_AT_ONCE, values->size() - first);
+                work(*shown, first, std::span(*values).subspan(first, count));
+                if (!goesOn(static_cast<double>(first + count) / static_cast<double>(values->size()))) {
+                    return false;
+                }
+            }
+            return true;
+        },
+        QString::fromUtf8(LYS_ANALYSIS_MODULE));
+    QObject::connect(d->surfaceJob.get(), &LyqBackgroundJob::finished, &d->context, [this, values](bool done) {
+        if (done) {
+            takeValues(values);
         }
-    };
-    take();
-    QObject::connect(d->surface.get(), &PartSurface::finished, &d->context, take);
+    });
+    d->surfaceJob->start();
+}
+
+void LyrColoredLayer::takeValues(const std::shared_ptr<std::vector<float>>& values) {
+    d->surfaceValues = values;
+    // Views look again; the value of the surface itself may well be what it was.
+    Message message(this, Lyr::PropertyHasChanged, Lyr::SurfaceValue);
+    iocBroadcast(message);
 }
 
 const LyrMetaClass& LyrColoredLayer::metaClass() {
@@ -149,7 +188,8 @@ const LyrMetaClass& LyrColoredLayer::getMetaClass() const {
 }
 
 bool LyrColoredLayer::isComplete() const {
-    return d->surface->isFinished() && (!d->order || d->order->isFinished());
+    return d->surface->isFinished() && (!d->surfaceJob || !d->surfaceJob->isRunning()) &&
+           (!d->order || d->order->isFinished());
 }
 
 std::vector<LyqLayer::Content> LyrColoredLayer::contents() const {
@@ -196,11 +236,21 @@ std::shared_ptr<const LyrRendering::SurfaceMesh> LyrColoredLayer::mesh() const {
     return d->surface->mesh();
 }
 
+LyrColoredLayer::VertexValues LyrColoredLayer::vertexValues() const {
+    return [values = d->values](const LyrRendering::SurfaceMesh& mesh, std::size_t first, std::span<float> out) {
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            out[i] = sampleBetween(*values, mesh.positions.data() + 3 * (first + i));
+        }
+    };
+}
+
 void LyrColoredLayer::valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const {
     out.resize(mesh.positions.size() / 3);
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        out[i] = sampleBetween(*d->values, mesh.positions.data() + 3 * i);
-    }
+    vertexValues()(mesh, 0, out);
+}
+
+std::shared_ptr<const std::vector<float>> LyrColoredLayer::surfaceValues() const {
+    return d->surfaceValues;
 }
 
 void LyrColoredLayer::finishSlice(int, int, std::span<const float>, std::span<std::uint8_t>) const {}

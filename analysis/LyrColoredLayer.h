@@ -6,7 +6,9 @@
 #include <lyr_volume/LyrVolume.h>
 #include <lys_core/LyqLayer.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -48,8 +50,17 @@ public:
 
     /** The surface that scene views show, null while there is none: that of the part. */
     virtual std::shared_ptr<const LyrRendering::SurfaceMesh> mesh() const;
-    /** The values at the vertices of mesh(), by which they are coloured: samples of the values, weighted linearly. */
-    virtual void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const;
+    /** Works out the values at some vertices of a mesh, from `first` on, as many as `out` has room for. It is called in
+     * any thread, maybe after the layer is gone: it holds all that it reads. */
+    using VertexValues =
+        std::function<void(const LyrRendering::SurfaceMesh& mesh, std::size_t first, std::span<float> out)>;
+    /** How the vertices of mesh() come to the values that they are coloured by: samples of the values, weighted
+     * linearly. */
+    virtual VertexValues vertexValues() const;
+    /** The values at the vertices of a mesh, worked out at once. */
+    void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const;
+    /** The values at the vertices of mesh(), which are worked out in the background; null until they are there. */
+    std::shared_ptr<const std::vector<float>> surfaceValues() const;
     /** Changes the pixels (RGBA, 8 bits) of a slice after its values were coloured. */
     virtual void finishSlice(int axis, int index, std::span<const float> values, std::span<std::uint8_t> pixels) const;
     /** The same for the colours of the vertices. */
@@ -79,8 +90,13 @@ protected:
     LyrColoredLayer(LyrVolumeObject* document, std::shared_ptr<const LyrVolume> values, LyrColorLookupTable* table,
                     LyrObject* settings);
 
+    /** Begins to work out what scene views show. To be called once a layer is made, when mesh() and vertexValues() tell
+     * those of its class. */
+    void prepareSurface();
+
 private:
-    void connectSurface();
+    void surfaceCame();
+    void takeValues(const std::shared_ptr<std::vector<float>>& values);
     struct Private;
     std::unique_ptr<Private> d;
 };

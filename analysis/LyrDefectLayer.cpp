@@ -32,6 +32,8 @@ LyrDefectLayer::LyrDefectLayer(LyrVolumeObject* document, std::shared_ptr<const 
       mSurface(std::move(surface)) {
     mMarked.setComputed(true);
     addProperty(Lyr::MarkedDefect, &mMarked);
+    mTolerance.setComputed(true);
+    addProperty(Lyr::ToleranceTable, &mTolerance);
 }
 
 LyrDefectLayer* LyrDefectLayer::create(LyrVolumeObject* document, std::shared_ptr<const LyrDefectResult> result,
@@ -41,8 +43,10 @@ LyrDefectLayer* LyrDefectLayer::create(LyrVolumeObject* document, std::shared_pt
     if (!table || !settings) {
         return nullptr;
     }
-    return new LyrDefectLayer(document, std::move(result), std::move(surface),
-                              static_cast<LyrColorLookupTable*>(table.get()), settings.get());
+    auto* layer = new LyrDefectLayer(document, std::move(result), std::move(surface),
+                                     static_cast<LyrColorLookupTable*>(table.get()), settings.get());
+    layer->prepareSurface();
+    return layer;
 }
 
 const LyrMetaClass& LyrDefectLayer::metaClass() {
@@ -69,7 +73,20 @@ LyrVector3<float> LyrDefectLayer::centerOf(const LyrDefect& defect) const {
 }
 
 std::vector<LyrVerdict> LyrDefectLayer::verdicts() const {
-    return lysVerdicts(table(), mResult->defects);
+    return lysVerdicts(judgingTable(), mResult->defects);
+}
+
+void LyrDefectLayer::setToleranceTable(const LyrColorLookupTable* table) {
+    LyrObjectPtr copy;
+    if (table) {
+        copy = LyrObjectPtr(dynamic_cast<LyrObject*>(table->getMetaClass().clone(table)));
+    }
+    mTolerance.setValue(LyrObjectLink(copy.get(), nullptr, -1));
+}
+
+const LyrColorLookupTable* LyrDefectLayer::judgingTable() const {
+    const auto* chosen = dynamic_cast<const LyrColorLookupTable*>(mTolerance.getTarget());
+    return chosen ? chosen : table();
 }
 
 std::uint32_t LyrDefectLayer::markedDefect() const {
@@ -91,12 +108,15 @@ std::shared_ptr<const LyrRendering::SurfaceMesh> LyrDefectLayer::mesh() const {
     return mSurface.mesh;
 }
 
-void LyrDefectLayer::valuesOnMesh(const LyrRendering::SurfaceMesh&, std::vector<float>& out) const {
-    out.resize(mSurface.defects.size());
-    std::transform(mSurface.defects.begin(), mSurface.defects.end(), out.begin(), [this](std::uint32_t number) {
-        return number > 0 ? static_cast<float>(mResult->defects[number - 1].volume)
-                          : std::numeric_limits<float>::quiet_NaN();
-    });
+LyrColoredLayer::VertexValues LyrDefectLayer::vertexValues() const {
+    return [result = mResult, owners = mSurface.defects](const LyrRendering::SurfaceMesh&, std::size_t first,
+                                                         std::span<float> out) {
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            const std::uint32_t number = first + i < owners->size() ? (*owners)[first + i] : 0;
+            out[i] = number > 0 ? static_cast<float>(result->defects[number - 1].volume)
+                                : std::numeric_limits<float>::quiet_NaN();
+        }
+    };
 }
 
 void LyrDefectLayer::finishSlice(int axis, int index, std::span<const float> values,
@@ -136,8 +156,9 @@ void LyrDefectLayer::finishSlice(int axis, int index, std::span<const float> val
 
 void LyrDefectLayer::finishMesh(std::span<std::uint8_t> colors) const {
     const std::uint32_t marked = markedDefect();
-    for (std::size_t i = 0; marked > 0 && i < mSurface.defects.size(); ++i) {
-        if (mSurface.defects[i] == marked) {
+    const std::vector<std::uint32_t>& owners = *mSurface.defects;
+    for (std::size_t i = 0; marked > 0 && i < owners.size(); ++i) {
+        if (owners[i] == marked) {
             std::fill_n(colors.data() + 4 * i, 4, std::uint8_t{255});
         }
     }

@@ -2,6 +2,7 @@
 
 #include <analysis/DefectSurface.h>
 #include <analysis/LyrResultLayer.h>
+#include <lyr_core/LyrLinkProperty.h>
 #include <lyr_core/LyrSingleValueProperty.h>
 
 #include <vector>
@@ -12,8 +13,9 @@ enum class LyrVerdict;
 
 /** The defects of a part, coloured by their volumes: in slices, and as surfaces of their own.
  *
- *  Property beside those of LyrColoredLayer: `MarkedDefect` (computed: the number of the defect that stands out, 0 for
- *  none). */
+ *  Properties beside those of LyrColoredLayer: `MarkedDefect` (computed: the number of the defect that stands out, 0
+ * for none), `ToleranceTable` (computed: owning link to the table that judges, to nothing where the layer's own does).
+ */
 class LYS_ANALYSIS_EXPORT LyrDefectLayer : public LyrResultLayer {
 public:
     /** With a rainbow over the volumes that there are and a legend at the bottom. Null when memory ran out.
@@ -28,11 +30,16 @@ public:
 
     QString title() const override;
     const LyrDefectResult& result() const { return *mResult; }
+    /** The same, for work in another thread. */
+    const std::shared_ptr<const LyrDefectResult>& sharedResult() const { return mResult; }
 
     /** The defect at a place of the world (mm), null if none is there. */
     const LyrDefect* defectAt(const LyrVector3<float>& position) const;
-    /** What the table says of each defect; empty unless it is a tolerance table (ToleranceTable.h). */
+    /** What the table that judges says of each defect; empty unless it is a tolerance table (ToleranceTable.h). */
     std::vector<LyrVerdict> verdicts() const;
+    /** Has a copy of a table judge; null: the layer's own, as at first. */
+    void setToleranceTable(const LyrColorLookupTable* table);
+    const LyrColorLookupTable* judgingTable() const;
     /** The middle of a defect in the world, mm. */
     LyrVector3<float> centerOf(const LyrDefect& defect) const;
 
@@ -41,7 +48,7 @@ public:
     bool setMarkedDefect(std::uint32_t number);
 
     std::shared_ptr<const LyrRendering::SurfaceMesh> mesh() const override;
-    void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const override;
+    VertexValues vertexValues() const override;
     /** Draws an orange line around the marked defect. */
     void finishSlice(int axis, int index, std::span<const float> values, std::span<std::uint8_t> pixels) const override;
     /** The marked defect is white. */
@@ -55,5 +62,6 @@ private:
     std::shared_ptr<const LyrDefectResult> mResult;
     DefectSurface mSurface;
     LyrSingleValueOP<LyrSingleValuePropertyIF<long long>> mMarked;
+    LyrObjectHardLinkOP mTolerance;
     LyrTimestamp mMarkedAt;
 };

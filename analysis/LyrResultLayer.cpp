@@ -91,9 +91,10 @@ void LyrResultLayer::finishSlice(int, int, std::span<const float> values, std::s
     }
 }
 
-void LyrResultLayer::valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const {
-    out.resize(mesh.positions.size() / 3);
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        out[i] = nearestValue(*values(), mesh.positions.data() + 3 * i);
-    }
+LyrColoredLayer::VertexValues LyrResultLayer::vertexValues() const {
+    return [values = values()](const LyrRendering::SurfaceMesh& mesh, std::size_t first, std::span<float> out) {
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            out[i] = nearestValue(*values, mesh.positions.data() + 3 * (first + i));
+        }
+    };
 }

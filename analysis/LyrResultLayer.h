@@ -12,7 +12,7 @@ public:
     bool readout(const LyrVector3<float>& position, Readout& out) const override;
     void finishSlice(int axis, int index, std::span<const float> values, std::span<std::uint8_t> pixels) const override;
     /** A vertex without a value of its own takes that of the nearest voxel with one, at most two voxels away. */
-    void valuesOnMesh(const LyrRendering::SurfaceMesh& mesh, std::vector<float>& out) const override;
+    VertexValues vertexValues() const override;
 
 protected:
     using LyrColoredLayer::LyrColoredLayer;

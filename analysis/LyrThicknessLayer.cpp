@@ -20,6 +20,7 @@ LyrThicknessLayer* LyrThicknessLayer::create(LyrVolumeObject* document,
     auto* layer =
         new LyrThicknessLayer(document, result->values, static_cast<LyrColorLookupTable*>(table.get()), settings.get());
     layer->mResult = std::move(result);
+    layer->prepareSurface();
     return layer;
 }
 

@@ -21,8 +21,10 @@ LyrValueLayer* LyrValueLayer::create(LyrVolumeObject* document) {
     lyrSetValue<Lyrenum>(settings.get(), Lyr::Position, Lyr::Left);
     lyrSetValue<const char*>(settings.get(), Lyrenum("DescriptionTemplate", false),
                              QCoreApplication::translate("LyrValueLayer", "Value").toUtf8().constData());
-    return new LyrValueLayer(document, document->volume(), static_cast<LyrColorLookupTable*>(table.get()),
-                             settings.get());
+    auto* layer =
+        new LyrValueLayer(document, document->volume(), static_cast<LyrColorLookupTable*>(table.get()), settings.get());
+    layer->prepareSurface();
+    return layer;
 }
 
 const LyrMetaClass& LyrValueLayer::metaClass() {

@@ -7,17 +7,23 @@
 #include <QObject>
 #include <QString>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 class LyqBackgroundJob;
 
 /** The surface between material and air of a volume, extracted in the background, once for all layers that colour it.
- */
+ *  One of more than MOST_FACES voxel faces is extracted from a coarser volume, voxels of twice the length until it has
+ *  less: a cloud of noise would fill the memory, and each frame of it would take seconds to draw. */
 class LYS_ANALYSIS_EXPORT PartSurface : public QObject {
     Q_OBJECT
 
 public:
+    /** The surface of a casting of 256³ voxels has 0.44 million. Without a graphics card a million triangles take about
+     * 60 ms a frame; more of them than a large view has pixels show nothing more. */
+    static constexpr std::uint64_t MOST_FACES = 500000;
+
     /** That of a volume: the one that others hold already, or a new one that begins its work. Not null. */
     static std::shared_ptr<PartSurface> of(const std::shared_ptr<const LyrVolume>& volume);
     ~PartSurface() override;

@@ -48,7 +48,19 @@ bool judges(const LyrObject* object) {
            verdictOf(low) == verdictOf(high);
 }
 
-bool isTolerance(const LyrColorLookupTable& table) {
+}  // namespace
+
+LyrRGBA<float> lysColorOf(LyrVerdict verdict) {
+    for (const Meaning& each : MEANINGS) {
+        if (each.verdict == verdict) {
+            const auto channel = [&](std::size_t i) { return static_cast<float>(each.color[i]) / 255.0f; };
+            return {channel(0), channel(1), channel(2), channel(3)};
+        }
+    }
+    return {};
+}
+
+bool lysIsTolerance(const LyrColorLookupTable& table) {
     LyrValueArrayOPCache<LyrObjectLink> sections;
     if (!sections.load(&table, Lyr::SectionList) || sections.items().empty()) {
         return false;
@@ -62,10 +74,8 @@ bool isTolerance(const LyrColorLookupTable& table) {
     return table.getColor(0.0f, color);
 }
 
-}  // namespace
-
 std::vector<LyrVerdict> lysVerdicts(const LyrColorLookupTable* table, std::span<const LyrDefect> defects) {
-    if (!table || !isTolerance(*table)) {
+    if (!table || !lysIsTolerance(*table)) {
         return {};
     }
     std::vector<float> values;

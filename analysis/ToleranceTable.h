@@ -1,6 +1,7 @@
 #pragma once
 
 #include <analysis/LysAnalysisExport.h>
+#include <lyr_core/LyrRGBA.h>
 
 #include <span>
 #include <vector>
@@ -8,6 +9,12 @@
 class LyrColorLookupTable;
 struct LyrDefect;
 enum class LyrVerdict;
+
+/** Whether a table is a tolerance table, as lysVerdicts() tells. */
+LYS_ANALYSIS_EXPORT bool lysIsTolerance(const LyrColorLookupTable& table);
+
+/** The colour that stands for a verdict; transparent black for None. */
+LYS_ANALYSIS_EXPORT LyrRGBA<float> lysColorOf(LyrVerdict verdict);
 
 /** Judges defects by a tolerance table: one whose sections, constants or gradients from a colour to the same one, all
  * have one of three colours, to 8 bits a channel and opaque. They are those of the installed tolerance presets:

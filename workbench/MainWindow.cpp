@@ -60,6 +60,8 @@ MainWindow::MainWindow(bool remembers)
     setObjectName("workbench");
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
+    // A list at the bottom takes its height from the views, not from the editors, which need all of theirs.
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     setCentralWidget(mViews);
     buildStatusBar();
     buildMenus();

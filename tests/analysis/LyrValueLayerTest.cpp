@@ -10,6 +10,7 @@
 #include <lys_core/LyqApplication.h>
 
 #include <QSignalSpy>
+#include <QTest>
 #include <QUndoStack>
 
 #include <cmath>
@@ -102,8 +103,14 @@ TEST(LyrValueLayer, the_surface_comes_in_the_background_and_is_shared) {
     EXPECT_FALSE(first.layer().isComplete());
     EXPECT_TRUE(std::isnan(lyrGetValue(&first.layer(), Lyr::SurfaceValue, 0.0f)));
     ASSERT_TRUE(finished.count() > 0 || finished.wait(10000));
-    EXPECT_TRUE(first.layer().isComplete());
     ASSERT_TRUE(first.layer().surface().mesh());
+    // The values on the surface follow, in the background as well.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return first.layer().isComplete(); }, 10000));
+    const auto values = first.layer().surfaceValues();
+    ASSERT_TRUE(values);
+    std::vector<float> expected;
+    first.layer().valuesOnMesh(*first.layer().surface().mesh(), expected);
+    EXPECT_EQ(*values, expected);
     EXPECT_FALSE(first.layer().surface().mesh()->triangles.empty());
     const float value = lyrGetValue(&first.layer(), Lyr::SurfaceValue, 0.0f);
     EXPECT_GT(value, 0.0f);

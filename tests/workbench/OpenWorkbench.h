@@ -39,9 +39,9 @@ protected:
     }
 
     /** Opens a volume and waits until all of it is shown. */
-    bool open(const QString& path) {
+    bool open(const QString& path, int milliseconds = 20000) {
         window->openVolume(path);
-        const bool done = QTest::qWaitFor([&] { return !window->isBusy(); }, 20000);
+        const bool done = QTest::qWaitFor([&] { return !window->isBusy(); }, milliseconds);
         settle();
         return done;
     }

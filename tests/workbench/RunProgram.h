@@ -1,0 +1,39 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+/** How the program ended. */
+struct EndedProgram {
+    int status = -1;  ///< -1: it crashed or did not end
+    QString errors;
+};
+
+/** Runs the workbench as a user would. */
+inline EndedProgram runWorkbench(const QStringList& arguments) {
+    QProcess process;
+    process.start(WORKBENCH_PROGRAM, arguments);
+    EXPECT_TRUE(process.waitForFinished(120000));
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromLocal8Bit(process.readAllStandardError())};
+}
+
+inline QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    return file.readAll();
+}
+
+/** Writes a volume of bytes, x fastest; `fields` are further lines of the header. */
+inline void writeBytes(const QString& path, int width, int height, int depth, const QByteArray& samples,
+                       const QByteArray& fields = {}) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();
+    const QByteArray sizes =
+        QByteArray::number(width) + ' ' + QByteArray::number(height) + ' ' + QByteArray::number(depth);
+    file.write("NRRD0004\ntype: uint8\ndimension: 3\nsizes: " + sizes + "\nencoding: raw\n" + fields + "\n" + samples);
+}
