@@ -49,6 +49,8 @@ DefectPanel::DefectPanel(QWidget* parent)
     mTable->sortByColumn(DefectTableModel::Number, Qt::AscendingOrder);
     mTable->verticalHeader()->hide();
     mTable->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // Bold titles of the selected row would not fit their columns.
+    mTable->horizontalHeader()->setHighlightSections(false);
     mTable->verticalHeader()->setDefaultSectionSize(mTable->fontMetrics().height() + 6);
     mTotals->setObjectName("defectTotals");
     mTotals->setWordWrap(true);

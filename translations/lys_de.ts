@@ -1124,8 +1124,8 @@ Die angegebenen Parameter sind ungültig.</translation>
         <translation>das Volumen hat keine endlichen Werte, an denen sich Material und Luft unterscheiden ließen</translation>
     </message>
     <message>
-        <source>all samples of the volume have the same value, so no threshold divides them into air and material; open another volume or give a threshold</source>
-        <translation>alle Werte des Volumens sind gleich, sodass kein Schwellwert sie in Luft und Material trennt; öffnen Sie ein anderes Volumen oder geben Sie einen Schwellwert an</translation>
+        <source>all finite samples of the volume have the same value, so no threshold divides them into air and material; open another volume or give a threshold</source>
+        <translation>alle endlichen Werte des Volumens sind gleich, sodass kein Schwellwert sie in Luft und Material trennt; öffnen Sie ein anderes Volumen oder geben Sie einen Schwellwert an</translation>
     </message>
     <message>
         <source>the threshold is not a finite number; give one between the grey values of air and material</source>

@@ -35,10 +35,10 @@ struct Messages : ToolkitApplication {
 
 TEST(AnalysisMessage, tells_which_analysis_failed_why_and_what_to_do) {
     const Messages said("wall-thickness", 7.0f);
-    EXPECT_EQ(
-        said.analysis,
-        "Wall thickness: all samples of the volume have the same value, so no threshold divides them into air and "
-        "material; open another volume or give a threshold");
+    EXPECT_EQ(said.analysis,
+              "Wall thickness: all finite samples of the volume have the same value, so no threshold divides them into "
+              "air and "
+              "material; open another volume or give a threshold");
     EXPECT_TRUE(said.cancelled.isEmpty());
 }
 
@@ -48,7 +48,8 @@ TEST(AnalysisMessage, is_in_the_users_language) {
     const Messages constant("wall-thickness", 7.0f);
     const Messages nothing("defect-volume", std::numeric_limits<float>::quiet_NaN());
     LyqTranslations::remove();
-    EXPECT_TRUE(constant.analysis.startsWith(QString::fromUtf8("Wandstärke: alle Werte des Volumens sind gleich")))
+    EXPECT_TRUE(
+        constant.analysis.startsWith(QString::fromUtf8("Wandstärke: alle endlichen Werte des Volumens sind gleich")))
         << constant.analysis.toStdString();
     EXPECT_TRUE(nothing.analysis.startsWith(QString::fromUtf8("Defektvolumen: das Volumen hat keine endlichen Werte")))
         << nothing.analysis.toStdString();

@@ -176,6 +176,19 @@ TEST_F(InstalledPresets, the_cyclic_table_ends_where_it_begins_and_measures_angl
     EXPECT_GT(distance(quarter, threeQuarters), 40) << "the way up is told from the way down";
 }
 
+TEST_F(InstalledPresets, the_tolerance_of_pores_measures_volumes_just_below_those_of_balls_of_1_and_2_mm) {
+    ASSERT_TRUE(handler->applyPreset("Tolerance Pore Volume", Lyr::InstalledPreset)) << handler->getMessage().utf8();
+    EXPECT_EQ(lyrGetValue(table.get(), Lyr::Quantity, Lyrenum(-1)), Lyr::Volume);
+    const auto limits = model::listOf<float>(*table, Lyr::PositionList);
+    ASSERT_EQ(limits.size(), 2u);
+    for (const double diameter : {1.0, 2.0}) {
+        const double ball = std::numbers::pi / 6 * diameter * diameter * diameter;
+        const double limit = limits[diameter > 1.5 ? 1 : 0];
+        EXPECT_LE(limit, ball);
+        EXPECT_GE(limit, 0.9 * ball);
+    }
+}
+
 TEST_F(InstalledPresets, tolerance_tables_step_at_their_limits_and_are_absolute) {
     const LyrRGBA<float> fail{213 / 255.0f, 94 / 255.0f, 0, 1}, warn{230 / 255.0f, 159 / 255.0f, 0, 1},
         pass{0, 158 / 255.0f, 115 / 255.0f, 1};
