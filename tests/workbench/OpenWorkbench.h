@@ -17,7 +17,9 @@ struct ApplicationWithOpenGL {
     ApplicationWithOpenGL() {
         // Software OpenGL draws in the thread of the test then: how many frames are under way, and the memory that they
         // take, would depend on what else the machine does.
-        qputenv("LP_NUM_THREADS", "0");
+        if (!qEnvironmentVariableIsSet("LP_NUM_THREADS")) {
+            qputenv("LP_NUM_THREADS", "0");
+        }
         LyqCameraWidget::prepareOpenGL();
         const ToolkitApplication application;
     }

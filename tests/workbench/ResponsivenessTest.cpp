@@ -55,7 +55,13 @@ void expectAnswers(const Heartbeat& heart) {
 
 }  // namespace
 
-class AnsweringWindow : public OpenWorkbench, public ::testing::WithParamInterface<const char*> {};
+/** Software OpenGL draws in threads of its own, as in the program. */
+struct DrawnInThreads {
+    DrawnInThreads() { qputenv("LP_NUM_THREADS", "2"); }
+    ~DrawnInThreads() { qunsetenv("LP_NUM_THREADS"); }
+};
+class Answering : private DrawnInThreads, public OpenWorkbench {};
+class AnsweringWindow : public Answering, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(AnsweringWindow, takes_a_turn_within_100_ms_while_an_analysis_runs_and_its_result_comes) {
     ASSERT_TRUE(open(QString("builtin:casting@%1").arg(edge())));
@@ -71,7 +77,7 @@ TEST_P(AnsweringWindow, takes_a_turn_within_100_ms_while_an_analysis_runs_and_it
     expectAnswers(heart);
 }
 
-TEST_F(OpenWorkbench, noise_full_of_defects_is_analysed_listed_sorted_and_selected_while_the_window_answers) {
+TEST_F(Answering, noise_full_of_defects_is_analysed_listed_sorted_and_selected_while_the_window_answers) {
     bool isNumber = false;
     const int given = qEnvironmentVariableIntValue("LYS_WINDOW_NOISE_EDGE", &isNumber);
     const int length = isNumber ? given : 64;
