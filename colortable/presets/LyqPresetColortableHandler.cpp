@@ -170,7 +170,7 @@ bool LyqPresetColortableHandler::presetToApp(const LyrString& name, Lyrenum kind
 }
 
 LyrObjectRefPtr LyqPresetColortableHandler::getDefaultPresetProxy(const LyrString& name) {
-    const LyrObjectRefPtr proxy(PROXY_CLASS, Lyr::TransientScope);
+    LyrObjectRefPtr proxy(PROXY_CLASS, Lyr::TransientScope);
     if (!proxy) {
         return proxy;
     }
