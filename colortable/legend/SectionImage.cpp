@@ -141,16 +141,15 @@ QImage sectionImage(const QSize& size, Halves halves, const Section& section, co
     if (size.isEmpty()) {
         return {};
     }
-    QImage image(size, QImage::Format_RGB32);
-    if (image.isNull()) {
-        return image;
-    }
+    QImage image;
     std::vector<Patch> patches;
-    const int length = lengthOf(size, halves);
-    if (!reportScarceMemory(section, [&] {
-            const auto colors = sampleLines(length, {0, length - 1}, section, previous, next);
-            patches = makePatches(image.rect(), halves, colors);
-        })) {
+    const bool done = reportScarceMemory(section, [&] {
+        image = QImage(size, QImage::Format_RGB32);
+        const int length = image.isNull() ? 0 : lengthOf(size, halves);  // no colours for a picture that is too large
+        const auto colors = sampleLines(length, {0, length - 1}, section, previous, next);
+        patches = makePatches(image.rect(), halves, colors);
+    });
+    if (!done || image.isNull()) {
         return {};
     }
     for (const Patch& patch : patches) {
