@@ -150,11 +150,12 @@ function(lys_add_program target)
   install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endfunction()
 
-# lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL]): one GoogleTest program of all *.cpp files of a folder.
-# WIDGETS: the cases need Qt Widgets and run without a display. OPENGL: they need an X display with OpenGL (./check starts
-# one), carry the label "opengl" and run one after the other, because they share the display's focus.
+# lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL] [THREADS]): one GoogleTest program of all *.cpp files of
+# a folder. WIDGETS: the cases need Qt Widgets and run without a display. OPENGL: they need an X display with OpenGL
+# (./check starts one), carry the label "opengl" and run one after the other, because they share the display's focus.
+# THREADS: some cases start threads; the program carries the label "threads" and belongs to the target threaded_tests.
 function(lys_add_test target)
-  cmake_parse_arguments(A "WIDGETS;OPENGL" "FOLDER" "LIBRARIES" ${ARGN})
+  cmake_parse_arguments(A "WIDGETS;OPENGL;THREADS" "FOLDER" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.h")
   if(NOT sources)
     return()
@@ -172,6 +173,13 @@ function(lys_add_test target)
     list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   elseif(A_OPENGL)
     list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=xcb" LABELS opengl RESOURCE_LOCK display)
+  endif()
+  if(A_THREADS)
+    list(APPEND properties LABELS threads)
+    if(NOT TARGET threaded_tests)
+      add_custom_target(threaded_tests)
+    endif()
+    add_dependencies(threaded_tests ${target})
   endif()
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${target}." PROPERTIES ${properties})
 endfunction()

@@ -1,5 +1,6 @@
 #include <lyr_core/LyrClass.h>
 #include <lyr_core/LyrClassManager.h>
+#include <lyr_core/LyrLiveClasses_p.h>
 #include <lyr_core/LyrMetaClass.h>
 
 #include <cstddef>
@@ -25,6 +26,9 @@ struct LiveObjects {
 
 bool fits(const LyrClass& object, const LyrClassManager::SearchPattern& pattern) {
     const LyrMetaClass& meta = object.getMetaClass();
+    if (!lyr_live_classes::contains(meta)) {
+        return false;
+    }
     if (pattern.module && std::strcmp(meta.getModule(), pattern.module) != 0) {
         return false;
     }

@@ -3,11 +3,13 @@
 #include <lyr_core/LyrError.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrKeepAlive_p.h>
+#include <lyr_core/LyrLiveClasses_p.h>
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrObject.h>
 #include <lyr_core/LyrScratch.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <map>
@@ -46,6 +48,29 @@ struct Registry {
                 }
             }
         }
+    }
+};
+
+/** All meta classes, also those whose name another one has. A lock of its own: it is asked with others held. */
+struct LiveClasses {
+    std::mutex mutex;
+    std::vector<const LyrMetaClass*> all;
+    std::atomic<bool> someAreGone{false};
+
+    /** Never destroyed, like the registry. */
+    static LiveClasses& instance() {
+        alignas(LiveClasses) static std::byte memory[sizeof(LiveClasses)];
+        static LiveClasses& classes = *new (memory) LiveClasses;
+        return classes;
+    }
+    void add(const LyrMetaClass* meta) {
+        const std::lock_guard lock(mutex);
+        all.push_back(meta);
+    }
+    void remove(const LyrMetaClass* meta) {
+        const std::lock_guard lock(mutex);
+        std::erase(all, meta);
+        someAreGone = true;
     }
 };
 
@@ -116,6 +141,7 @@ LyrMetaClass::LyrMetaClass(const char* className, std::size_t instanceSize, cons
         mClassName = className ? className : "";
         mModule = module ? module : "";
         mNamedFlags.assign(namedFlags, namedFlags + (namedFlags ? namedFlagCount : 0));
+        LiveClasses::instance().add(this);
         Registry& registry = Registry::instance();
         const std::lock_guard lock(registry.mutex);
         if (registry.classes.try_emplace(mClassName, this).second) {
@@ -130,12 +156,26 @@ LyrMetaClass::LyrMetaClass(const char* className, std::size_t instanceSize, cons
 }
 
 LyrMetaClass::~LyrMetaClass() {
+    LiveClasses::instance().remove(this);
     Registry& registry = Registry::instance();
     const std::lock_guard lock(registry.mutex);
     auto found = registry.classes.find(mClassName);
     if (found != registry.classes.end() && found->second == this) {
         registry.classes.erase(found);
     }
+}
+
+bool lyr_live_classes::contains(const LyrMetaClass& meta) noexcept {
+    LiveClasses& classes = LiveClasses::instance();
+    if (!classes.someAreGone) {
+        return true;
+    }
+    const std::lock_guard lock(classes.mutex);
+    const LyrMetaClass* at = &meta;
+    while (at && std::find(classes.all.begin(), classes.all.end(), at) != classes.all.end()) {
+        at = at->getParent();
+    }
+    return !at;
 }
 
 bool LyrMetaClass::isOfType(const LyrMetaClass& other) const noexcept {
