@@ -181,5 +181,7 @@ function(lys_add_test target)
     endif()
     add_dependencies(threaded_tests ${target})
   endif()
+  # What the toolkit remembers, the folder of the last file dialog for instance, is not the developer's.
+  list(APPEND properties ENVIRONMENT_MODIFICATION "XDG_CONFIG_HOME=set:${CMAKE_BINARY_DIR}/tests/config")
   gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${target}." PROPERTIES ${properties})
 endfunction()

@@ -24,11 +24,21 @@ struct LiveObjects {
     }
 };
 
+/** Null where memory ran out for a meta class that nobody has asked for before. */
+const LyrMetaClass* metaOf(const LyrClass& object) noexcept {
+    try {
+        return &object.getMetaClass();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 bool fits(const LyrClass& object, const LyrClassManager::SearchPattern& pattern) {
-    const LyrMetaClass& meta = object.getMetaClass();
-    if (!lyr_live_classes::contains(meta)) {
+    const LyrMetaClass* const known = metaOf(object);
+    if (!known || !lyr_live_classes::contains(*known)) {
         return false;
     }
+    const LyrMetaClass& meta = *known;
     if (pattern.module && std::strcmp(meta.getModule(), pattern.module) != 0) {
         return false;
     }

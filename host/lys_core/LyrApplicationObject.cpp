@@ -64,6 +64,9 @@ bool LyrDisplayUnits::setInchSystem(bool inches) {
 }
 
 LyrApplicationObject::LyrApplicationObject() {
+    // Now, when there is memory, rather than when somebody looks through all objects.
+    metaClass();
+    LyrDisplayUnits::metaClass();
     const LyrObjectPtr units(new LyrDisplayUnits);
     mDisplayUnits.setValue(LyrObjectLink(units.get(), nullptr, -1));
     addProperty(Lyr::DisplayUnitList, &mDisplayUnits);

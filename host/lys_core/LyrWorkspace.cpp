@@ -17,6 +17,7 @@ bool isFinite(const LyrVector3<float>& v) {
 }  // namespace
 
 LyrWorkspace::LyrWorkspace() {
+    metaClass();  // now, when there is memory, rather than when somebody looks through all objects
     mSceneMax.setValue({1.0f, 1.0f, 1.0f});
     mSceneStep.setValue({1.0f, 1.0f, 1.0f});
     mCrossPosition.setValue({0.5f, 0.5f, 0.5f});

@@ -118,8 +118,9 @@ TEST_F(DefectReport, of_the_layers_own_table_is_the_same_once_a_preset_was_appli
 }
 
 TEST_F(DefectReport, that_cannot_be_written_is_a_message_with_the_path) {
-    // Nobody, not even root, makes a file in there.
-    const QString path = "/sys/defects.csv";
+    // A link to where nobody, not even root, can make a file; the file dialog lists the link's own folder only.
+    const QString path = folder.filePath("defects.csv");
+    ASSERT_TRUE(QFile::link("/there/is/no/folder/defects.csv", path));
     QString told;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, window.get(), [&] {
@@ -130,6 +131,6 @@ TEST_F(DefectReport, that_cannot_be_written_is_a_message_with_the_path) {
     });
     watch.start(20);
     save(path);
-    EXPECT_TRUE(told.contains(path)) << told.toStdString();
+    EXPECT_TRUE(told.contains("defects.csv")) << told.toStdString();
     EXPECT_FALSE(QFile::exists(path));
 }

@@ -5,19 +5,18 @@
 #include <workbench/MainWindow.h>
 #include <workbench/Options.h>
 #include <workbench/PluginHost.h>
+#include <workbench/app/VirtualDisplay.h>
 
 #include <QApplication>
 #include <QLocale>
 #include <QLoggingCategory>
 
-#include <unistd.h>
-
 #include <cstdio>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 namespace {
+
+/** Windows keep their size where the screen is larger, in pixels. */
+constexpr QSize SMALLEST_SCREEN(1600, 1200);
 
 void say(const QString& message) {
     std::fprintf(stderr, "workbench: %s\n", message.toLocal8Bit().constData());
@@ -26,20 +25,6 @@ void say(const QString& message) {
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
            !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-}
-
-/** Starts the program once more under a virtual display, in the place of this process. Returns where there is none. */
-void continueUnderVirtualDisplay(char** argv, const workbench::Options& options) {
-    const QSize screen = options.size.expandedTo({1600, 1200});
-    const QByteArray arguments = QString("-screen 0 %1x%2x24").arg(screen.width()).arg(screen.height()).toLatin1();
-    std::error_code error;
-    const std::string program = std::filesystem::read_symlink("/proc/self/exe", error).string();
-    std::vector<const char*> words = {"xvfb-run", "-a", "-s", arguments.constData(), program.c_str()};
-    for (char** each = argv + 1; *each; ++each) {
-        words.push_back(*each);
-    }
-    words.push_back(nullptr);
-    execvp(words[0], const_cast<char* const*>(words.data()));
 }
 
 int runWindow(const workbench::Options& options, const QStringList& problems) {
@@ -84,8 +69,9 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         QLoggingCategory::setFilterRules("lys.views.warning=false");
     }
+    workbench::VirtualDisplay display;
     if (!hasDisplay() && !options.screenshot.isEmpty()) {
-        continueUnderVirtualDisplay(argv, options);
+        display.start(options.size.expandedTo(SMALLEST_SCREEN));
     }
     if (!hasDisplay()) {
         say("there is no display. Without one, run it under a virtual display:\n"
