@@ -48,12 +48,13 @@ TableSource::TableSource(const std::string& nameOrPath) : mName(nameOrPath) {
         return;
     }
     PresetLibrary library;
-    mBuiltIn = library.find(nameOrPath) == Lyr::DefaultPreset;
-    if (isFolder && library.find(nameOrPath) == -1) {
+    const Lyrenum kind = library.find(nameOrPath);
+    mBuiltIn = kind == Lyr::DefaultPreset;
+    if (kind == -1 && isFolder) {
         load();
         return;
     }
-    if (library.find(nameOrPath) == -1) {
+    if (kind == -1) {
         throwUnusable(printable(nameOrPath) + ": there is no such file, and no preset of this name; presets are " +
                       knownNames(library));
     }

@@ -1,4 +1,5 @@
 #include "OpenWorkbench.h"
+#include "RunProgram.h"
 
 #include <gtest/gtest.h>
 #include <lyr_core/LyrHostIdentifiers.h>
@@ -23,7 +24,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMap>
-#include <QProcess>
 #include <QTableView>
 #include <QTemporaryDir>
 
@@ -31,32 +31,6 @@
 #include <cmath>
 
 namespace {
-
-struct Ended {
-    int status;
-    QString errors;
-};
-
-Ended run(const QStringList& arguments, bool display = true) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    if (!display) {
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-            environment.remove(name);
-        }
-    }
-    process.setProcessEnvironment(environment);
-    process.start(WORKBENCH_PROGRAM, arguments);
-    EXPECT_TRUE(process.waitForFinished(120000));
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromLocal8Bit(process.readAllStandardError())};
-}
-
-QByteArray content(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-}
 
 LyqAnalysisExtension& analysis(const char* id) {
     auto* found = LyqExtensionRegistry::instance().find<LyqAnalysisExtension>(id);
@@ -70,7 +44,7 @@ struct OwnLimits {
         const QDir data(folder.path());
         EXPECT_TRUE(data.mkpath("lys_colortable/presets"));
         QByteArray text =
-            content(QString::fromStdString(LyqPresetFolders::installed()) + "/tolerance-upper-limit.json");
+            contentOf(QString::fromStdString(LyqPresetFolders::installed()) + "/tolerance-upper-limit.json");
         text.replace("\"PositionList\": [0.1, 0.2]", "\"PositionList\": [20, 100]");
         text.replace("Tolerance Upper Limit", "Own Limits");
         QFile file(data.filePath("lys_colortable/presets/own.json"));
@@ -96,7 +70,8 @@ QVariant total(const LyqReport& report, const QString& id) {
 
 TEST(AnalysisReport, a_name_that_says_no_kind_of_report_is_refused_before_anything_is_opened) {
     for (const char* name : {"r.txt", "r", "csv", "r.json.gz"}) {
-        const Ended ended = run({"/there/is/no/volume.nrrd", "--analysis", "defect-volume", "--report", name}, false);
+        const EndedProgram ended =
+            runWorkbench({"/there/is/no/volume.nrrd", "--analysis", "defect-volume", "--report", name}, false);
         EXPECT_EQ(ended.status, 2) << name;
         EXPECT_TRUE(ended.errors.contains("--report")) << ended.errors.toStdString();
         EXPECT_FALSE(ended.errors.contains("volume.nrrd")) << ended.errors.toStdString();
@@ -106,13 +81,14 @@ TEST(AnalysisReport, a_name_that_says_no_kind_of_report_is_refused_before_anythi
 TEST(AnalysisReport, numbers_alone_are_written_without_a_word) {
     const QTemporaryDir folder;
     const QString report = folder.filePath("r.csv");
-    const Ended ended =
-        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.5", "--report", report}, false);
+    const EndedProgram ended = runWorkbench(
+        {"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.5", "--report", report}, false);
     EXPECT_EQ(ended.status, 0);
     EXPECT_FALSE(ended.errors.contains("views")) << ended.errors.toStdString();
-    EXPECT_FALSE(content(report).isEmpty());
+    EXPECT_FALSE(contentOf(report).isEmpty());
     EXPECT_EQ(
-        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "1e-50", "--report", report}, false)
+        runWorkbench({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "1e-50", "--report", report},
+                     false)
             .status,
         0);
 }
@@ -121,11 +97,11 @@ TEST(AnalysisReport, every_pore_of_the_casting_is_in_the_report_with_its_volume_
     const QTemporaryDir folder;
     const QString report = folder.filePath("defects.json");
     const QString picture = folder.filePath("defects.png");
-    const Ended ended = run({"builtin:casting@128", "--analysis", "defect-volume", "--report", report, "--screenshot",
-                             picture, "--size", "1000x760"});
+    const EndedProgram ended = runWorkbench({"builtin:casting@128", "--analysis", "defect-volume", "--report", report,
+                                             "--screenshot", picture, "--size", "1000x760"});
     EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
     EXPECT_EQ(QImage(picture).size(), QSize(1000, 760));
-    const QJsonArray defects = QJsonDocument::fromJson(content(report)).object()["defects"].toArray();
+    const QJsonArray defects = QJsonDocument::fromJson(contentOf(report)).object()["defects"].toArray();
     const LyrCasting::Truth truth = LyrCasting::truth(128);
     EXPECT_EQ(std::size_t(defects.size()), truth.pores.size());
     for (const LyrCasting::Pore& pore : truth.pores) {
@@ -150,16 +126,17 @@ TEST(AnalysisReport, every_pore_of_the_casting_is_in_the_report_with_its_volume_
 TEST(AnalysisReport, numbers_need_no_display) {
     const QTemporaryDir folder;
     const QString report = folder.filePath("walls.csv");
-    const Ended ended = run({"builtin:casting@32", "--analysis", "wall-thickness", "--report", report}, false);
+    const EndedProgram ended =
+        runWorkbench({"builtin:casting@32", "--analysis", "wall-thickness", "--report", report}, false);
     EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
-    EXPECT_TRUE(content(report).startsWith("# analysis,wall-thickness\n"));
+    EXPECT_TRUE(contentOf(report).startsWith("# analysis,wall-thickness\n"));
 }
 
 TEST(AnalysisReport, a_report_that_cannot_be_written_is_a_message_and_status_1) {
     const QTemporaryDir folder;
     const QString file = "/there/is/no/folder/r.csv";
-    const Ended ended = run({"builtin:casting@32", "--analysis", "defect-volume", "--report", file, "--screenshot",
-                             folder.filePath("window.png")});
+    const EndedProgram ended = runWorkbench({"builtin:casting@32", "--analysis", "defect-volume", "--report", file,
+                                             "--screenshot", folder.filePath("window.png")});
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(ended.errors.contains(file)) << ended.errors.toStdString();
     EXPECT_FALSE(QFile::exists(folder.filePath("window.png")));
@@ -167,10 +144,11 @@ TEST(AnalysisReport, a_report_that_cannot_be_written_is_a_message_and_status_1) 
 
 TEST(AnalysisReport, an_unknown_analysis_and_a_report_without_one_are_status_2) {
     const QTemporaryDir folder;
-    const Ended unknown = run({"builtin:casting@16", "--analysis", "nonsense", "--report", folder.filePath("r.csv")});
+    const EndedProgram unknown =
+        runWorkbench({"builtin:casting@16", "--analysis", "nonsense", "--report", folder.filePath("r.csv")});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_TRUE(unknown.errors.contains("defect-volume")) << unknown.errors.toStdString();
-    const Ended without = run({"builtin:casting@16", "--report", folder.filePath("r.csv")});
+    const EndedProgram without = runWorkbench({"builtin:casting@16", "--report", folder.filePath("r.csv")});
     EXPECT_EQ(without.status, 2);
     EXPECT_TRUE(without.errors.contains("--analysis")) << without.errors.toStdString();
 }
@@ -178,15 +156,15 @@ TEST(AnalysisReport, an_unknown_analysis_and_a_report_without_one_are_status_2) 
 TEST(AnalysisReport, goes_by_a_threshold_that_is_given) {
     const QTemporaryDir folder;
     const QString report = folder.filePath("r.json");
-    const Ended ended =
-        run({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.25", "--report", report});
+    const EndedProgram ended =
+        runWorkbench({"builtin:casting@32", "--analysis", "defect-volume", "--threshold", "0.25", "--report", report});
     ASSERT_EQ(ended.status, 0) << ended.errors.toStdString();
-    const QJsonObject told = QJsonDocument::fromJson(content(report)).object();
+    const QJsonObject told = QJsonDocument::fromJson(contentOf(report)).object();
     EXPECT_EQ(told["threshold"].toDouble(), 0.25);
     EXPECT_EQ(told["threshold_by"].toString(), "user");
     for (const char* wrong : {"nan", "1,5", "x", "1e99"}) {
-        const Ended refused =
-            run({"builtin:casting@16", "--analysis", "defect-volume", "--threshold", wrong, "--report", report});
+        const EndedProgram refused = runWorkbench(
+            {"builtin:casting@16", "--analysis", "defect-volume", "--threshold", wrong, "--report", report});
         EXPECT_EQ(refused.status, 2) << wrong;
         EXPECT_TRUE(refused.errors.contains("--threshold")) << refused.errors.toStdString();
     }
@@ -197,12 +175,12 @@ TEST(AnalysisReport, an_unknown_preset_is_a_message_and_status_2_and_a_known_one
     const QString report = folder.filePath("r.csv");
     const QStringList arguments = {"builtin:casting@16", "--analysis", "wall-thickness",
                                    "--report",           report,       "--preset"};
-    const Ended unknown = run(arguments + QStringList{"no such preset"});
+    const EndedProgram unknown = runWorkbench(arguments + QStringList{"no such preset"});
     EXPECT_EQ(unknown.status, 2);
     EXPECT_TRUE(unknown.errors.contains("no such preset")) << unknown.errors.toStdString();
     EXPECT_TRUE(unknown.errors.contains("Reverse Rainbow")) << unknown.errors.toStdString();
     EXPECT_FALSE(QFile::exists(report));
-    const Ended known = run(arguments + QStringList{"Reverse Rainbow"});
+    const EndedProgram known = runWorkbench(arguments + QStringList{"Reverse Rainbow"});
     EXPECT_EQ(known.status, 0) << known.errors.toStdString();
     EXPECT_TRUE(QFile::exists(report));
 }
@@ -212,13 +190,13 @@ TEST(AnalysisReport, judges_each_defect_by_a_tolerance_table_and_says_nothing_wi
     const QTemporaryDir folder;
     const QString report = folder.filePath("r.json");
     const QStringList arguments = {"builtin:casting@64", "--analysis", "defect-volume", "--report", report};
-    ASSERT_EQ(run(arguments).status, 0);
-    const QJsonObject plain = QJsonDocument::fromJson(content(report)).object();
+    ASSERT_EQ(runWorkbench(arguments).status, 0);
+    const QJsonObject plain = QJsonDocument::fromJson(contentOf(report)).object();
     EXPECT_FALSE(plain.contains("pass_count"));
     EXPECT_FALSE(plain["defects"].toArray()[0].toObject().contains("verdict"));
-    const Ended ended = run(arguments + QStringList{"--preset", "Own Limits"});
+    const EndedProgram ended = runWorkbench(arguments + QStringList{"--preset", "Own Limits"});
     ASSERT_EQ(ended.status, 0) << ended.errors.toStdString();
-    const QJsonObject judged = QJsonDocument::fromJson(content(report)).object();
+    const QJsonObject judged = QJsonDocument::fromJson(contentOf(report)).object();
     QMap<QString, int> counts;
     for (const auto& each : judged["defects"].toArray()) {
         const double volume = each.toObject()["volume_mm3"].toDouble();
@@ -239,7 +217,8 @@ TEST(AnalysisReport, a_volume_that_cannot_be_analysed_is_a_message_and_status_1)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("NRRD0004\ntype: uint8\ndimension: 3\nsizes: 4 4 4\nencoding: raw\n\n" + QByteArray(64, '\7'));
     file.close();
-    const Ended ended = run({path, "--analysis", "wall-thickness", "--report", folder.filePath("r.csv")});
+    const EndedProgram ended =
+        runWorkbench({path, "--analysis", "wall-thickness", "--report", folder.filePath("r.csv")});
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(ended.errors.contains("workbench:")) << ended.errors.toStdString();
     EXPECT_FALSE(QFile::exists(folder.filePath("r.csv")));
@@ -257,8 +236,8 @@ TEST_F(OpenWorkbench, an_analysis_shows_its_layer_and_tells_the_numbers_of_the_r
     const LyqReport shown = LyqSession::instance().reports()[0];
     const QTemporaryDir folder;
     const QString file = folder.filePath("r.json");
-    ASSERT_EQ(run({"builtin:casting@64", "--analysis", "defect-volume", "--report", file}).status, 0);
-    const QJsonObject report = QJsonDocument::fromJson(content(file)).object();
+    ASSERT_EQ(runWorkbench({"builtin:casting@64", "--analysis", "defect-volume", "--report", file}).status, 0);
+    const QJsonObject report = QJsonDocument::fromJson(contentOf(file)).object();
     EXPECT_EQ(total(shown, "porosity_percent").toDouble(), report["porosity_percent"].toDouble());
     const QJsonArray defects = report["defects"].toArray();
     ASSERT_EQ(shown.rows.size(), defects.size());

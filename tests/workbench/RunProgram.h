@@ -13,9 +13,16 @@ struct EndedProgram {
     QString errors;
 };
 
-/** Runs the workbench as a user would. */
-inline EndedProgram runWorkbench(const QStringList& arguments) {
+/** Runs the workbench as a user would, with the display of the tests or with none. */
+inline EndedProgram runWorkbench(const QStringList& arguments, bool display = true) {
     QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!display) {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+            environment.remove(name);
+        }
+    }
+    process.setProcessEnvironment(environment);
     process.start(WORKBENCH_PROGRAM, arguments);
     EXPECT_TRUE(process.waitForFinished(120000));
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,

@@ -1,42 +1,16 @@
+#include "RunProgram.h"
+
 #include <gtest/gtest.h>
 
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
-
-namespace {
-
-struct Ended {
-    int status;
-    QString errors;
-    QString output;
-};
-
-/** Runs the program as a user would. */
-Ended run(const QStringList& arguments, bool display = true) {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    if (!display) {
-        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-            environment.remove(name);
-        }
-    }
-    process.setProcessEnvironment(environment);
-    process.start(WORKBENCH_PROGRAM, arguments);
-    EXPECT_TRUE(process.waitForFinished(60000));
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromLocal8Bit(process.readAllStandardError()),
-            QString::fromLocal8Bit(process.readAllStandardOutput())};
-}
-
-}  // namespace
 
 TEST(Screenshot, writes_a_picture_of_the_window_with_the_volume_in_color_and_ends) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("window.png");
-    const Ended ended = run({"builtin:casting@48", "--screenshot", file, "--size", "900x700"});
+    const EndedProgram ended = runWorkbench({"builtin:casting@48", "--screenshot", file, "--size", "900x700"});
     EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
     EXPECT_FALSE(ended.errors.contains("workbench:")) << ended.errors.toStdString();
     const QImage picture(file);
@@ -58,47 +32,47 @@ TEST(Screenshot, writes_a_picture_of_the_window_with_the_volume_in_color_and_end
 TEST(Screenshot, a_volume_that_cannot_be_read_is_a_message_and_status_2) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("window.png");
-    const Ended ended = run({"/there/is/no/volume.nrrd", "--screenshot", file});
+    const EndedProgram ended = runWorkbench({"/there/is/no/volume.nrrd", "--screenshot", file});
     EXPECT_EQ(ended.status, 2);
     EXPECT_TRUE(ended.errors.contains("volume.nrrd"));
     EXPECT_FALSE(QFile::exists(file));
 }
 
 TEST(Screenshot, a_picture_that_cannot_be_written_is_a_message_and_status_1) {
-    const Ended ended = run({"builtin:casting@16", "--screenshot", "/there/is/no/folder/window.png"});
+    const EndedProgram ended = runWorkbench({"builtin:casting@16", "--screenshot", "/there/is/no/folder/window.png"});
     EXPECT_EQ(ended.status, 1);
     EXPECT_TRUE(ended.errors.contains("/there/is/no/folder/window.png"));
 }
 
 TEST(Screenshot, wrong_usage_is_status_2_and_says_why) {
-    EXPECT_EQ(run({"--nonsense"}).status, 2);
-    const Ended size = run({"--size", "12"});
+    EXPECT_EQ(runWorkbench({"--nonsense"}).status, 2);
+    const EndedProgram size = runWorkbench({"--size", "12"});
     EXPECT_EQ(size.status, 2);
     EXPECT_TRUE(size.errors.contains("--size"));
-    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_EQ(runWorkbench({"--help"}).status, 0);
 }
 
 TEST(Screenshot, a_value_that_is_empty_is_wrong_usage) {
     for (const char* option : {"--analysis", "--preset", "--report", "--screenshot", "--size", "--threshold"}) {
-        const Ended ended =
-            run({"builtin:casting@16", "--analysis", "defect-volume", "--report", "/there/is/no/r.csv", option, ""});
+        const EndedProgram ended = runWorkbench(
+            {"builtin:casting@16", "--analysis", "defect-volume", "--report", "/there/is/no/r.csv", option, ""});
         EXPECT_EQ(ended.status, 2) << option;
         EXPECT_TRUE(ended.errors.contains(option)) << ended.errors.toStdString();
     }
-    EXPECT_EQ(run({""}, false).status, 2);
+    EXPECT_EQ(runWorkbench({""}, false).status, 2);
 }
 
 TEST(Screenshot, without_a_display_the_picture_is_drawn_under_a_virtual_one) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("a window.png");
-    const Ended ended = run({"builtin:casting@16", "--screenshot", file, "--size", "900x700"}, false);
+    const EndedProgram ended = runWorkbench({"builtin:casting@16", "--screenshot", file, "--size", "900x700"}, false);
     EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
     EXPECT_EQ(QImage(file).size(), QSize(900, 700));
-    EXPECT_EQ(run({"/there/is/no/volume.nrrd", "--screenshot", file}, false).status, 2);
+    EXPECT_EQ(runWorkbench({"/there/is/no/volume.nrrd", "--screenshot", file}, false).status, 2);
 }
 
 TEST(Screenshot, without_a_display_it_says_how_to_have_one) {
-    const Ended ended = run({}, false);
+    const EndedProgram ended = runWorkbench({}, false);
     EXPECT_EQ(ended.status, 2);
     EXPECT_TRUE(ended.errors.contains("xvfb-run"));
 }
