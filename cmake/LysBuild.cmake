@@ -24,7 +24,8 @@ set(LYS_MODULE_INSTALL_DIRECTORY "${CMAKE_INSTALL_LIBDIR}/lys")
 find_program(LYS_CCACHE ccache)
 if(LYS_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_C_COMPILER_LAUNCHER "${LYS_CCACHE}")
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${LYS_CCACHE}")
+  # The settings are what it asks for to cache sources that use precompiled headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${LYS_CCACHE}")
 endif()
 
 # -ffp-contract=off: every evaluation step keeps its documented precision, fused operations would change bits.
@@ -52,8 +53,8 @@ endif()
 add_library(lys_warnings INTERFACE)
 target_compile_options(lys_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
 
-# Builds under sanitizers spend most of their time on the toolkit's headers and on optimising tests; ordinary builds keep
-# to narrow includes.
+# Builds under sanitizers spend most of their time on the toolkit's headers; ordinary builds of the libraries keep to
+# narrow includes.
 function(lys_precompile target header)
   if(LYS_PRECOMPILE)
     target_precompile_headers(${target} PRIVATE "${CMAKE_SOURCE_DIR}/${header}")
@@ -150,12 +151,28 @@ function(lys_add_program target)
   install(TARGETS ${target} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 endfunction()
 
-# lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL] [THREADS]): one GoogleTest program of all *.cpp files of
+# lys_add_test_headers(NAME header LIBRARIES lib...): headers read once for all test programs that name it. Reading them
+# anew was half of the time that tests took to compile.
+function(lys_add_test_headers target header)
+  cmake_parse_arguments(A "" "" "LIBRARIES" ${ARGN})
+  add_executable(${target} precompiled/empty.cpp)
+  target_link_libraries(${target} PRIVATE ${A_LIBRARIES} GTest::gmock GTest::gtest_main lys_warnings)
+  target_compile_options(${target} PRIVATE ${LYS_TEST_OPTIONS})
+  target_precompile_headers(${target} PRIVATE "${CMAKE_CURRENT_SOURCE_DIR}/precompiled/${header}")
+  set_target_properties(${target} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+endfunction()
+
+# Tests are compiled more often than they run: not optimised, that takes half as long. -fpch-preprocess is for ccache.
+# Precompiled headers are of use only where all is alike: -fPIC, since the toolkit asks its programs for it.
+set(LYS_TEST_OPTIONS -O0 -fPIC -fpch-preprocess)
+
+# lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL] [THREADS] [OPTIMISED]): one GoogleTest program of all *.cpp files of
 # a folder. WIDGETS: the cases need Qt Widgets and run without a display. OPENGL: they need an X display with OpenGL
 # (./check starts one), carry the label "opengl" and run one after the other, because they share the display's focus.
 # THREADS: some cases start threads; the program carries the label "threads" and belongs to the target threaded_tests.
+# OPTIMISED: its cases compute much themselves.
 function(lys_add_test target)
-  cmake_parse_arguments(A "WIDGETS;OPENGL;THREADS" "FOLDER" "LIBRARIES" ${ARGN})
+  cmake_parse_arguments(A "WIDGETS;OPENGL;THREADS;OPTIMISED" "FOLDER" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${A_FOLDER}/*.h")
   if(NOT sources)
     return()
@@ -164,9 +181,16 @@ function(lys_add_test target)
   target_link_libraries(${target} PRIVATE ${A_LIBRARIES} GTest::gmock GTest::gtest_main lys_warnings)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  lys_precompile(${target} tests/CommonHeaders.h)
-  if(LYS_PRECOMPILE)
-    target_compile_options(${target} PRIVATE -O0)
+  set(headers test_plain_headers)
+  if(A_WIDGETS OR A_OPENGL)
+    set(headers test_toolkit_headers)
+    target_link_libraries(${target} PRIVATE Qt6::Test)
+  endif()
+  if(A_OPTIMISED)
+    target_compile_options(${target} PRIVATE -O2)
+  else()
+    target_compile_options(${target} PRIVATE ${LYS_TEST_OPTIONS})
+    target_precompile_headers(${target} REUSE_FROM ${headers})
   endif()
   set(properties TIMEOUT 120)
   if(A_WIDGETS)
