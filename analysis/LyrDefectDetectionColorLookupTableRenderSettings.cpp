@@ -6,9 +6,25 @@
 #include <lyr_core/LyrMetaClass.h>
 #include <lyr_core/LyrPropertyPtr.h>
 
+namespace {
+
+/** Where the legend stands and what it is called, unless somebody changes it. */
+void setDefaults(LyrObject& settings) {
+    lyrSetResetValue<Lyrenum>(&settings, Lyr::Position, Lyr::Bottom);
+    lyrSetResetValue<const char*>(&settings, Lyrenum("DescriptionTemplate", false), "%{value.type} %{value.unit}");
+}
+
+}  // namespace
+
 LyrDefectDetectionColorLookupTableRenderSettings::LyrDefectDetectionColorLookupTableRenderSettings() {
-    lyrSetValue<Lyrenum>(this, Lyr::Position, Lyr::Bottom);
-    lyrSetValue<const char*>(this, Lyrenum("DescriptionTemplate", false), "%{value.type} %{value.unit}");
+    setDefaults(*this);
+    resetToDefaults();
+}
+
+LyrDefectDetectionColorLookupTableRenderSettings::LyrDefectDetectionColorLookupTableRenderSettings(
+    const LyrDefectDetectionColorLookupTableRenderSettings& other)
+    : LyrColorLookupTableRenderSettings(other) {
+    setDefaults(*this);
 }
 
 const LyrMetaClass& LyrDefectDetectionColorLookupTableRenderSettings::metaClass() {

@@ -7,7 +7,7 @@
 class LYS_ANALYSIS_EXPORT LyrDefectDetectionColorLookupTableRenderSettings : public LyrColorLookupTableRenderSettings {
 public:
     LyrDefectDetectionColorLookupTableRenderSettings();
-    LyrDefectDetectionColorLookupTableRenderSettings(const LyrDefectDetectionColorLookupTableRenderSettings&) = default;
+    LyrDefectDetectionColorLookupTableRenderSettings(const LyrDefectDetectionColorLookupTableRenderSettings& other);
     LyrDefectDetectionColorLookupTableRenderSettings& operator=(
         const LyrDefectDetectionColorLookupTableRenderSettings&) = default;
 

@@ -8,7 +8,7 @@
 class LYS_ANALYSIS_EXPORT LyrWallThicknessColorLookupTableRenderSettings : public LyrColorLookupTableRenderSettings {
 public:
     LyrWallThicknessColorLookupTableRenderSettings();
-    LyrWallThicknessColorLookupTableRenderSettings(const LyrWallThicknessColorLookupTableRenderSettings&) = default;
+    LyrWallThicknessColorLookupTableRenderSettings(const LyrWallThicknessColorLookupTableRenderSettings& other);
     LyrWallThicknessColorLookupTableRenderSettings& operator=(const LyrWallThicknessColorLookupTableRenderSettings&) =
         default;
 

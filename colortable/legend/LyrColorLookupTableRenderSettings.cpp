@@ -33,13 +33,20 @@ template <class Base, class Default>
 class DefaultedAttr : public Base {
 public:
     DefaultedAttr() {
-        this->setResetValue(Default::value());
+        Base::setResetValue(Default::value());
         DefaultedAttr::resetData();
+    }
+    bool setResetValue(const typename Base::T& value) override {
+        mOwn = Base::setResetValue(value);
+        return mOwn;
     }
     bool resetData() override {
         const ApplyingDefault applying(*this);
-        return this->setValue(Default::value()) || Base::resetData();
+        return this->setValue(mOwn ? this->getResetValue() : Default::value()) || Base::resetData();
     }
+
+private:
+    bool mOwn = false;  ///< a derived class has a default of its own
 };
 
 struct White {

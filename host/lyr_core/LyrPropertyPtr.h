@@ -42,6 +42,14 @@ bool lyrSetValue(LyrObject* object, Lyrenum id, const T& value) {
     return property && property->setValue(value);
 }
 
+/** Changes the default of a single value by identifier, and leaves the value. False if the object has no such property,
+ * or its default cannot be changed. */
+template <class T>
+bool lyrSetResetValue(LyrObject* object, Lyrenum id, const T& value) {
+    const LyrSingleValueOPPtr<LyrSingleValuePropertyIF<T>> property(object, id);
+    return property && property->setResetValue(value);
+}
+
 /** The scratch of code that edits lists: reads a whole list, to be changed and written back in one call. */
 template <class T>
 class LyrValueArrayOPCache {

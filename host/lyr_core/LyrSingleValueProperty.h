@@ -42,6 +42,9 @@ public:
     }
 
     virtual T getResetValue() const = 0;
+    /** Sets what getResetValue() and resetData() give from now on, for a class whose default differs from that of its
+     * parent; the value stays as it is. False where memory ran out or the default cannot be changed. */
+    virtual bool setResetValue(const T&) { return false; }
 
     /** The verdict on a value that is about to be written (`forWrite`) or only asked about: 1 accepts it. */
     virtual unsigned int checkData(const T&, bool /*forWrite*/) const { return 1; }
@@ -108,6 +111,14 @@ public:
     LyrSingleValueOP() = default;
 
     T getResetValue() const override { return Traits::fromStorage(mResetValue); }
+    bool setResetValue(const T& value) override {
+        try {
+            mResetValue = Traits::toStorage(value);
+            return true;
+        } catch (...) {
+            return this->emitError(Lyr::AllocationFailed);
+        }
+    }
     bool resetData() override { return this->setValue(getResetValue()); }
 
     std::unique_ptr<LyrProperty::State> takeState() const override {
@@ -135,16 +146,6 @@ public:
     const Storage& stored() const noexcept { return mValue; }
 
 protected:
-    /** Sets what getResetValue() and the base's resetData() give. */
-    bool setResetValue(const T& value) {
-        try {
-            mResetValue = Traits::toStorage(value);
-            return true;
-        } catch (...) {
-            return this->emitError(Lyr::AllocationFailed);
-        }
-    }
-
     bool readStored(T& out) const override {
         out = Traits::fromStorage(mValue);
         return true;
