@@ -4,8 +4,8 @@
 #include <string>
 
 /** What the fuzzer feeds with bytes. Each target gives them to one reader of foreign input and checks what the reader
- * promises; a broken promise, a crash, a second of time or 512 MiB of memory is a finding. The same functions replay
- * the corpora in the ordinary test run. */
+ * promises; a broken promise, a crash, a second of processor time or 512 MiB of memory is a finding. The same functions
+ * replay the corpora in the ordinary test run. */
 namespace fuzz {
 
 using Bytes = std::span<const unsigned char>;
