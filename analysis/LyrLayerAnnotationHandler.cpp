@@ -83,7 +83,7 @@ LyrObjectPtr LyrLayerAnnotationHandler::annotationFor(const LyrObject& table, co
         return legend.table == &table && legend.container == &container;
     });
     const bool known = found != mLegends.end();
-    const LyrObjectPtr annotation =
+    LyrObjectPtr annotation =
         known ? found->annotation : LyrObjectRefPtr("LyqColorLookupTableAnnotation", Lyr::TransientScope);
     if (annotation) {
         shown.push_back({&table, &container, annotation});

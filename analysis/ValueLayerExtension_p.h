@@ -20,7 +20,7 @@ public:
     }
     LyrObjectPtr createLayer(LyrObject* document, QString& message) override {
         auto* volume = dynamic_cast<LyrVolumeObject*>(document);
-        const LyrObjectPtr layer(volume ? LyrValueLayer::create(volume) : nullptr);
+        LyrObjectPtr layer(volume ? LyrValueLayer::create(volume) : nullptr);
         if (!layer) {
             message = tr("The values cannot be shown in color: memory ran out.");
         }

@@ -14,6 +14,7 @@
 #include <QSvgGenerator>
 
 #include <array>
+#include <cmath>
 #include <functional>
 
 namespace lys::cli {
@@ -143,7 +144,7 @@ QByteArray LegendPicture::encodePdf() const {
     QPdfWriter writer(&buffer);
     const auto resolution = static_cast<double>(LyqScaling::effectiveDotsPerInch(mReading.input.dotsPerInch));
     const QSizeF points = QSizeF(mReading.input.size) * 72.0 / resolution;
-    writer.setResolution(static_cast<int>(resolution + 0.5));
+    writer.setResolution(static_cast<int>(std::lround(resolution)));
     writer.setPageSize(QPageSize(points, QPageSize::Point, QString(), QPageSize::ExactMatch));
     writer.setPageMargins(QMarginsF(0, 0, 0, 0));
     writer.setTitle(mReading.input.caption);

@@ -1,7 +1,6 @@
 #include "Process.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <csignal>

@@ -69,7 +69,7 @@ QStringList PluginHost::furtherFiles(QStringList& problems) const {
     if (folder.canonicalFilePath() == QFileInfo(mFolder).canonicalFilePath()) {
         return {};
     }
-    const QStringList files = modulesIn(folder.absoluteFilePath());
+    QStringList files = modulesIn(folder.absoluteFilePath());
     if (files.isEmpty()) {
         problems << tr("There are no plug-ins (*.so) in the folder %1, or it may not be read. Build them, or name "
                        "another folder after --plug-ins.")
@@ -86,7 +86,7 @@ QString PluginHost::loadModule(const QString& file) {
         return toQString(message);
     }
     if (!LyrModuleLoader::init(name.utf8(), message)) {
-        const QString problem = toQString(message);
+        QString problem = toQString(message);
         LyrModuleLoader::unload(name.utf8(), message);
         return problem;
     }

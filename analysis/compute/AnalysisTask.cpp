@@ -10,6 +10,7 @@
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace lyranalysis {
@@ -58,7 +59,7 @@ AnalysisTask::AnalysisTask(const char* name, double weight, const LyrAnalysisCon
 void AnalysisTask::keep(std::exception_ptr problem) {
     const std::lock_guard lock(mutex_);
     if (!problem_) {
-        problem_ = problem;
+        problem_ = std::move(problem);
     }
     stopped_ = true;
 }

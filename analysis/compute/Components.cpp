@@ -150,7 +150,7 @@ private:
     bool touchesEdge(const Run& run) const {
         const std::size_t y = run.row % grid_.height();
         const std::size_t z = run.row / grid_.height();
-        const auto end = static_cast<std::size_t>(run.first + run.length);
+        const std::size_t end = static_cast<std::size_t>(run.first) + static_cast<std::size_t>(run.length);
         return (grid_.width() > 1 && (run.first == 0 || end == grid_.width())) ||
                (grid_.height() > 1 && (y == 0 || y + 1 == grid_.height())) ||
                (grid_.depth() > 1 && (z == 0 || z + 1 == grid_.depth()));

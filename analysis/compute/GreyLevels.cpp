@@ -167,7 +167,7 @@ bool levelOfClass(const Grid& grid, const MaterialNeighbours& nearest, const Mat
 }  // namespace
 
 bool MaterialNeighbours::count(const Grid& grid, int radius, AnalysisTask& task) {
-    const auto edge = static_cast<std::size_t>(2 * radius + 1);
+    const std::size_t edge = 2 * static_cast<std::size_t>(radius) + 1;
     full_ = static_cast<std::uint8_t>(edge * edge * edge);
     const std::size_t nx = grid.width();
     const std::size_t ny = grid.height();

@@ -61,7 +61,8 @@ void LyqColorLookupTableEditorUI::makeSettings() {
     mAutoScaleCheckBox = named(new QCheckBox(mAutoLabelGroupBox), "mAutoScaleCheckBox");
     mAutoScalePushButton = named(new QPushButton(mAutoLabelGroupBox), "mAutoScalePushButton");
     mCustomCheckBox = named(new QCheckBox(mAutoLabelGroupBox), "mCustomCheckBox");
-    auto* column = new QVBoxLayout(mAutoLabelGroupBox);
+    auto* column = new QVBoxLayout;
+    mAutoLabelGroupBox->setLayout(column);
     for (QWidget* widget : std::initializer_list<QWidget*>{mAutoLabelCheckBox, mAutoScaleCheckBox, mAutoScalePushButton,
                                                            mCustomCheckBox}) {
         // At their own width: what can be clicked of a check box is its text.

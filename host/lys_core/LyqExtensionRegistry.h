@@ -11,7 +11,7 @@
 /** All that plug-ins offer to the host's window. Plug-ins add when they are initialised and remove when they are
  * cleaned up; the window listens, so that either may happen while it is open. What a plug-in forgets goes with its
  * module. */
-class LYS_CORE_EXPORT LyqExtensionRegistry : public QObject {
+class LYS_CORE_EXPORT LyqExtensionRegistry : public QObject {  // NOLINT(*-virtual-class-destructor): made once
     Q_OBJECT
 
 public:

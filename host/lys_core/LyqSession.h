@@ -14,7 +14,7 @@ class LyrObject;
 
 /** What is open in the host's window: one document, the layers that show it, the layer that editors act on, and the
  * reports of analyses. The window and plug-ins both use it; to be used from the thread of the user interface. */
-class LYS_CORE_EXPORT LyqSession : public QObject {
+class LYS_CORE_EXPORT LyqSession : public QObject {  // NOLINT(*-virtual-class-destructor): made once
     Q_OBJECT
 
 public:
