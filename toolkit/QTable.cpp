@@ -122,7 +122,8 @@ private:
     }
 
     void paintArrow(QPainter* painter, const QStyleOptionViewItem& option) const {
-        QStyleOption arrow = option;
+        const QStyleOption& common = option;
+        QStyleOption arrow = common;
         const int side = option.rect.height() / 2;
         arrow.rect = QRect(option.rect.right() - side - side / 2, option.rect.top() + (option.rect.height() - side) / 2,
                            side, side);

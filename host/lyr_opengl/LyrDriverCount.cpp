@@ -16,6 +16,8 @@ public:
         return census;
     }
 
+    ~DriverCensus() override { LyrModuleLoader::removeUnloadGuard(this); }
+
     LyrString reasonToStay(const char* module) override {
         const auto found = mCounts.find(module);
         if (found == mCounts.end() || found->second == 0) {
@@ -37,7 +39,6 @@ public:
 
 private:
     DriverCensus() { LyrModuleLoader::addUnloadGuard(this); }
-    ~DriverCensus() override { LyrModuleLoader::removeUnloadGuard(this); }
 };
 
 }  // namespace

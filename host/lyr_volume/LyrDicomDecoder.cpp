@@ -14,8 +14,6 @@
 #include <lyr_volume/LyrDicomDecoder_p.h>
 #include <lyr_volume/LyrDicomProtocol_p.h>
 
-extern char** environ;
-
 namespace lyrvolume {
 namespace {
 

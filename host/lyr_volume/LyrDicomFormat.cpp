@@ -217,6 +217,7 @@ bool readDicom(const std::string& source, const std::vector<std::string>& paths,
         return false;
     }
     std::vector<Placed> slices;
+    slices.reserve(chosen.size());
     for (DicomSlice& slice : chosen) {
         slices.push_back({std::move(slice)});
     }

@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kMostAxes = 16;  // as many as the format allows
 
 /** Field names have more than one spelling. */
-std::string mainName(std::string name) {
+std::string mainName(const std::string& name) {
     if (name == "datafile") {
         return "data file";
     }

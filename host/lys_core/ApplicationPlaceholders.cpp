@@ -106,7 +106,7 @@ bool Placeholders::contains(const LyrString& key) {
 
 QString Placeholders::internalToDisplayText(const QString& text, const LyrObject* object, bool* error) {
     bool unknown = false;
-    const QString result = replacePlaces(text, INTERNAL_OPENING, [&](qsizetype, QStringView key, QString& with) {
+    QString result = replacePlaces(text, INTERNAL_OPENING, [&](qsizetype, QStringView key, QString& with) {
         const Entry* entry = findBy(&Entry::key, key);
         unknown = unknown || !entry;
         return entry && resolve(*entry, object, with);

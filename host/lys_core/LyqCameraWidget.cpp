@@ -359,6 +359,7 @@ void LyqCameraWidget::followLayers() {
                   [&](const LyrObjectLink& link) { return contains(d->layers, link) || contains(wanted, link); });
     list.items().insert(list.items().end(), wanted.begin(), wanted.end());
     std::vector<LyrObjectPtr> held;
+    held.reserve(wanted.size());
     for (const LyrObjectLink& link : wanted) {
         held.emplace_back(link.getLink());
     }

@@ -13,7 +13,7 @@ public:
 
     /** Makes these the items, silently. Items that are there already stay, with the current one and an open list; else
      * the current index stays where it is, as far as the new list reaches. */
-    void setItems(const QStringList& items);
+    void setItems(const QStringList& fresh);
     QStringList items() const;
 
     /** Chooses an item, silently. */

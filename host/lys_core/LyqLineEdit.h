@@ -13,5 +13,5 @@ public:
 
     /** Shows a text, silently. The same text stays alone; with another one the cursor stays where it is, as far as the
      * text reaches. */
-    void showText(const QString& text);
+    void showText(const QString& shown);
 };

@@ -52,7 +52,7 @@ QString probe(const QSurfaceFormat& format) {
                               "OpenGL could not be started, so views stay empty. Install a graphics driver with "
                               "OpenGL 2.1 or later, for example Mesa."));
     }
-    const QString found = LyqOpenGLProbe::problemOf(context);
+    QString found = LyqOpenGLProbe::problemOf(context);
     context.doneCurrent();
     return found;
 }

@@ -150,6 +150,7 @@ std::vector<LyqPresetStore::Entry> LyqPresetStore::list(LyrString* message) cons
         }
     }
     std::vector<Entry> result;
+    result.reserve(named.size());
     for (auto& [name, ranked] : named) {
         result.push_back(std::move(ranked.second));
     }
@@ -236,7 +237,7 @@ std::string LyqPresetStore::targetFor(const LyrString& name, const Entry* presen
         }
         return present->path;
     }
-    const std::string path = mFolder + '/' + lys::presets::fileNameOf(name);
+    std::string path = mFolder + '/' + lys::presets::fileNameOf(name);
     struct stat status {};
     const bool isTaken = ::lstat(path.c_str(), &status) == 0;
     if (isTaken || errno != ENOENT) {

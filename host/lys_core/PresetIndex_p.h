@@ -21,7 +21,7 @@ struct PresetHeader {
     /** Reads a file, which must be an ordinary one. */
     static PresetHeader read(const std::string& path);
     static PresetHeader parse(const std::string& path, const std::string& bytes);
-    bool isOf(const std::string& className) const;
+    bool isOf(const std::string& wanted) const;
 };
 
 /** Reads a whole ordinary file of at most as many bytes as an object file may have; links are not followed. False, and
