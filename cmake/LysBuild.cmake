@@ -166,6 +166,13 @@ endfunction()
 # Precompiled headers are of use only where all is alike: -fPIC, since the toolkit asks its programs for it.
 set(LYS_TEST_OPTIONS -O0 -fPIC -fpch-preprocess)
 
+# Seconds that a case may take. Code under a sanitizer takes several times as long, and to make a copy of its process, which
+# cases do that trace one, takes a good part of a second.
+set(LYS_TEST_TIMEOUT 120)
+if(LYS_SANITIZE)
+  set(LYS_TEST_TIMEOUT 600)
+endif()
+
 # lys_add_test(NAME FOLDER dir LIBRARIES lib... [WIDGETS | OPENGL] [THREADS] [OPTIMISED]): one GoogleTest program of all *.cpp files of
 # a folder. WIDGETS: the cases need Qt Widgets and run without a display. OPENGL: they need an X display with OpenGL
 # (./check starts one), carry the label "opengl" and run one after the other, because they share the display's focus.
@@ -192,7 +199,7 @@ function(lys_add_test target)
     target_compile_options(${target} PRIVATE ${LYS_TEST_OPTIONS})
     target_precompile_headers(${target} REUSE_FROM ${headers})
   endif()
-  set(properties TIMEOUT 120)
+  set(properties TIMEOUT ${LYS_TEST_TIMEOUT})
   if(A_WIDGETS)
     list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   elseif(A_OPENGL)

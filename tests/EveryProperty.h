@@ -174,7 +174,7 @@ bool isSameValue(const LyrProperty& property, const LyrProperty& expected) {
             std::vector<T> wanted(static_cast<std::size_t>(other->getArraySize()));
             return list->getArrayItems(0, list->getArraySize() - 1, items.data()) &&
                    other->getArrayItems(0, other->getArraySize() - 1, wanted.data()) && items.size() == wanted.size() &&
-                   std::memcmp(items.data(), wanted.data(), items.size() * sizeof(T)) == 0;
+                   (items.empty() || std::memcmp(items.data(), wanted.data(), items.size() * sizeof(T)) == 0);
         }
     }
     T value{};

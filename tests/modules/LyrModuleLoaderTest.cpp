@@ -12,6 +12,8 @@
 
 #include <gmock/gmock.h>
 
+#include <Sanitizers.h>
+
 #include <algorithm>
 
 using namespace modules;
@@ -125,11 +127,6 @@ TEST_F(LyrModuleLoaderTest, names_keep_their_numbers_when_their_module_comes_bac
 
 TEST_F(LyrModuleLoaderTest, loading_and_unloading_again_and_again_leaves_nothing_behind) {
     constexpr int WARM_UP = 50;
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    constexpr bool SANITIZED = true;
-#else
-    constexpr bool SANITIZED = false;
-#endif
     // LYS_MODULE_ROUNDS asks for more than a test run has time for.
     const char* wanted = std::getenv("LYS_MODULE_ROUNDS");
     const int rounds = wanted ? std::atoi(wanted) : SANITIZED ? 80 : 400;

@@ -1,4 +1,5 @@
 #include <Heartbeat.h>
+#include <Sanitizers.h>
 #include "OpenWorkbench.h"
 #include "RunProgram.h"
 
@@ -44,8 +45,8 @@ long residentMegabytes() {
 
 /** The window's own thread works for less than 100 ms at a time. What it waits for is looser: software that draws has
  *  threads of its own, which on a busy machine wait for a processor like everybody else. */
-constexpr double WORKING = 100.0;
-constexpr double BLOCKED = 1000.0;
+constexpr double WORKING = 100.0 * SANITIZER_SLOWDOWN;
+constexpr double BLOCKED = 1000.0 * SANITIZER_SLOWDOWN;
 
 Heartbeat::Gap longestOf(const Heartbeat& heart) {
     const Heartbeat::Gap longest = heart.longest();

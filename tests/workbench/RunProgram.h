@@ -22,6 +22,11 @@ inline EndedProgram runWorkbench(const QStringList& arguments, bool display = tr
             environment.remove(name);
         }
     }
+#if defined(KEPT_DRIVERS)
+    // The library that keeps them is loaded before the sanitizer's, which would refuse that.
+    environment.insert("LD_PRELOAD", KEPT_DRIVERS);
+    environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":verify_asan_link_order=0");
+#endif
     process.setProcessEnvironment(environment);
     process.start(WORKBENCH_PROGRAM, arguments);
     EXPECT_TRUE(process.waitForFinished(120000));
