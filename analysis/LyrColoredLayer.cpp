@@ -168,7 +168,7 @@ void LyrColoredLayer::surfaceCame() {
         }
     });
     d->surfaceJob->start();
-}
+}  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the job owns the closure
 
 void LyrColoredLayer::takeValues(const std::shared_ptr<std::vector<float>>& values) {
     d->surfaceValues = values;

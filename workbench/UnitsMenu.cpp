@@ -40,6 +40,7 @@ void UnitsMenu::build() {
         }
         QMenu* menu = addMenu(toQString(LyrQuantity::getQuantityName(quantity)));
         auto* group = new QActionGroup(menu);
+        group->setExclusive(true);
         for (const Lyrenum unit : choices) {
             const QString text = QString("%1 (%2)").arg(toQString(LyrQuantity::getUnitName(unit)),
                                                         toQString(LyrQuantity::getUnitSymbol(unit)));

@@ -9,7 +9,6 @@
 
 namespace {
 
-using LyrRendering::Surface;
 using LyrRendering::SurfaceColors;
 using LyrRendering::SurfaceMesh;
 using LyrSceneGraph::CameraTransform;
