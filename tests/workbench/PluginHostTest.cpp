@@ -1,4 +1,5 @@
 #include "OpenWorkbench.h"
+#include "RunProgram.h"
 
 #include <lyr_core/LyrModuleLoader.h>
 #include <lys_core/LyqExtensionRegistry.h>
@@ -6,7 +7,6 @@
 
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace {
@@ -21,19 +21,6 @@ QString write(const QTemporaryDir& folder, const QString& name, const QByteArray
 bool isMapped(const QByteArray& name) {
     QFile maps("/proc/self/maps");
     return maps.open(QIODevice::ReadOnly) && maps.readAll().contains(name);
-}
-
-struct Ended {
-    int status;
-    QString errors;
-};
-
-Ended run(const QStringList& arguments) {
-    QProcess process;
-    process.start(WORKBENCH_PROGRAM, arguments);
-    EXPECT_TRUE(process.waitForFinished(60000));
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromLocal8Bit(process.readAllStandardError())};
 }
 
 /** Pixels in which two pictures of one size differ. */
@@ -118,8 +105,8 @@ TEST(PluginHost, the_program_shows_the_legend_of_a_plug_in_of_the_users_folder) 
     const QString plain = folder.filePath("plain.png");
     const QString further = folder.filePath("further.png");
     const QStringList arguments = {"builtin:casting@16", "--size", "900x700", "--screenshot"};
-    ASSERT_EQ(run(arguments + QStringList{plain}).status, 0);
-    const Ended ended = run(arguments + QStringList{further, "--plug-ins", EXAMPLE_MODULES});
+    ASSERT_EQ(runWorkbench(arguments + QStringList{plain}).status, 0);
+    const EndedProgram ended = runWorkbench(arguments + QStringList{further, "--plug-ins", EXAMPLE_MODULES});
     EXPECT_EQ(ended.status, 0) << ended.errors.toStdString();
     EXPECT_FALSE(ended.errors.contains("workbench:")) << ended.errors.toStdString();
     // A bar and its labels in each of the four views.
@@ -130,13 +117,13 @@ TEST(PluginHost, a_missing_folder_and_a_damaged_plug_in_are_a_message_and_status
     const QTemporaryDir folder;
     const QString picture = folder.filePath("window.png");
     const QStringList arguments = {"builtin:casting@16", "--screenshot", picture, "--plug-ins"};
-    const Ended missing = run(arguments + QStringList{"/there/is/no/folder"});
+    const EndedProgram missing = runWorkbench(arguments + QStringList{"/there/is/no/folder"});
     EXPECT_EQ(missing.status, 2);
     EXPECT_TRUE(missing.errors.contains("/there/is/no/folder")) << missing.errors.toStdString();
     QFile whole(QString(EXAMPLE_MODULES) + "/libexample_handler.so");
     ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
     const QString cut = write(folder, "libexample_handler.so", whole.read(whole.size() / 2));
-    const Ended damaged = run(arguments + QStringList{folder.path()});
+    const EndedProgram damaged = runWorkbench(arguments + QStringList{folder.path()});
     EXPECT_EQ(damaged.status, 2);
     EXPECT_TRUE(damaged.errors.contains(cut)) << damaged.errors.toStdString();
     EXPECT_TRUE(damaged.errors.contains("Build the plug-in anew")) << damaged.errors.toStdString();
