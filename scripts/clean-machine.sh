@@ -55,7 +55,7 @@ cp -r examples /srv/examples
 cd /srv
 rm -rf $clone
 for example in embed handler; do
-    step "configure \$example" cmake -S examples/\$example -B client/\$example -DCMAKE_PREFIX_PATH=$prefix
+    step "configure \$example" cmake -G Ninja -S examples/\$example -B client/\$example -DCMAKE_PREFIX_PATH=$prefix
     step "build \$example" cmake --build client/\$example
 done
 step "the client's window" env QT_QPA_PLATFORM=offscreen client/embed/embed /srv/embed.png
