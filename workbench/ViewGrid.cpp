@@ -107,11 +107,7 @@ void ViewGrid::addSliceView(int axis, const QString& title) {
 
 void ViewGrid::connectView(LyqCameraWidget* view) {
     view->installEventFilter(this);
-    connect(view, &LyqCameraWidget::positionHovered, this, [this](const LyrVector3<float>& position, bool inside) {
-        mHovered = position;
-        mInside = inside;
-        Q_EMIT positionHovered(position, inside);
-    });
+    connect(view, &LyqCameraWidget::positionHovered, this, &ViewGrid::positionHovered);
     connect(view, &LyqCameraWidget::maximizeRequested, this,
             [this, view] { setMaximizedView(mMaximized == view ? nullptr : view); });
 }
@@ -123,8 +119,11 @@ bool ViewGrid::eventFilter(QObject* watched, QEvent* event) {
     } else if (event->type() == QEvent::MouseButtonRelease) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         const bool isClick = (mouse->pos() - mPressed).manhattanLength() < QApplication::startDragDistance();
-        if (isClick && mInside && mouse->button() == Qt::LeftButton) {
-            Q_EMIT positionPicked(mHovered);
+        // The view is asked: a click may come without a move before it, and after the pointer has left.
+        auto* view = qobject_cast<LyqCameraWidget*>(watched);
+        LyrVector3<float> place;
+        if (isClick && view && mouse->button() == Qt::LeftButton && view->findPlace(mouse->position(), place)) {
+            Q_EMIT positionPicked(place);
         }
     }
     return QWidget::eventFilter(watched, event);

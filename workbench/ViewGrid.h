@@ -54,8 +54,6 @@ private:
     std::array<LyqSliceWidget*, 3> mSlices{};
     LyqSceneWidget* mScene = nullptr;
     LyqCameraWidget* mMaximized = nullptr;
-    LyrVector3<float> mHovered;
-    bool mInside = false;
     QPoint mPressed;
 };
 

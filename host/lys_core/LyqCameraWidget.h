@@ -52,6 +52,8 @@ public:
     QImage getImage();
 
     bool iocCallback(Message& message) override;
+    /** The place in the scene at a position of the widget; false if there is none. */
+    virtual bool findPlace(const QPointF& position, LyrVector3<float>& place) = 0;
 
 Q_SIGNALS:
     /** The view was drawn. Its context is current: do nothing here that draws or destroys. */
@@ -80,8 +82,6 @@ protected:
     virtual void workspaceChanged(Lyrenum property);
     /** Draws the view's marks, with the context current. */
     virtual void drawMarks() = 0;
-    /** The place in the scene at a position of the widget; false if there is none. */
-    virtual bool findPlace(const QPointF& position, LyrVector3<float>& place) = 0;
     /** The left button went down, or was dragged by some pixels. */
     virtual void leftPressed(const QPointF& position);
     virtual void leftDragged(const QPointF& position, const LyrVector2<float>& pixels) = 0;

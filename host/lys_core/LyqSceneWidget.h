@@ -12,10 +12,10 @@ public:
     ~LyqSceneWidget() override;
     static const LyrMetaClass& metaClass();
     const LyrMetaClass& getMetaClass() const override;
+    bool findPlace(const QPointF& position, LyrVector3<float>& place) override;
 
 protected:
     void drawMarks() override;
-    bool findPlace(const QPointF& position, LyrVector3<float>& place) override;
     void leftDragged(const QPointF& position, const LyrVector2<float>& pixels) override;
     void wheelEvent(QWheelEvent* event) override;
 };

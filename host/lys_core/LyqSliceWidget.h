@@ -28,6 +28,7 @@ public:
     int getSliceIndex() const;
     /** Moves the workspace's cross into a slice; the first or last one for an index beyond. */
     void setSliceIndex(int index);
+    bool findPlace(const QPointF& position, LyrVector3<float>& place) override;
 
 Q_SIGNALS:
     /** For scroll bars: another slice is shown, or there are more or fewer of them. */
@@ -36,7 +37,6 @@ Q_SIGNALS:
 protected:
     void workspaceChanged(Lyrenum property) override;
     void drawMarks() override;
-    bool findPlace(const QPointF& position, LyrVector3<float>& place) override;
     void leftPressed(const QPointF& position) override;
     void leftDragged(const QPointF& position, const LyrVector2<float>& pixels) override;
     void wheelEvent(QWheelEvent* event) override;
