@@ -45,11 +45,7 @@ protected:
         }
         return section() == wanted;
     }
-    void moveTo(int y) {
-        const QPointF place(preview->width() / 4.0, y);
-        QMouseEvent move(QEvent::MouseMove, place, place, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(preview, &move);
-    }
+    void moveTo(int y) { movePointer(preview, QPointF(preview->width() / 4.0, y)); }
     void leave() {
         QEvent event(QEvent::Leave);
         QApplication::sendEvent(preview, &event);

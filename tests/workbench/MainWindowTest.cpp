@@ -113,9 +113,7 @@ TEST_F(OpenWorkbench, the_readout_tells_the_color_that_the_slice_shows) {
     LyqSliceWidget* view = window->views().sliceView(2);
     // Off the cross and the legend: a third of the way from the middle to the lower right corner of the slice.
     const QPoint place(view->width() * 5 / 8, view->height() * 5 / 8);
-    QTest::mouseMove(view, place - QPoint(1, 1));
-    QTest::mouseMove(view, place);
-    settle();
+    movePointer(view, place);
     const QColor told = window->readout().color();
     ASSERT_TRUE(told.isValid()) << window->readout().text().toStdString();
     EXPECT_EQ(view->getImage().pixelColor(place).rgb(), told.rgb());
@@ -216,8 +214,7 @@ TEST_F(OpenWorkbench, a_click_in_a_slice_picks_its_place_and_a_drag_does_not) {
             [&](const LyrVector3<float>& place) { picks.push_back(place); });
     LyqSliceWidget* view = window->views().sliceView(2);
     const QPoint middle(view->width() / 2, view->height() / 2);
-    QTest::mouseMove(view, middle - QPoint(1, 1));
-    QTest::mouseMove(view, middle);
+    movePointer(view, middle);
     QTest::mouseClick(view, Qt::LeftButton, {}, middle);
     ASSERT_EQ(picks.size(), 1u);
     // The casting's cube of 64 mm is in the middle of its view; half a pixel is some tenths of a millimetre.
@@ -230,7 +227,7 @@ TEST_F(OpenWorkbench, a_click_in_a_slice_picks_its_place_and_a_drag_does_not) {
     ASSERT_EQ(picks.size(), 2u);
     EXPECT_NEAR(picks[1].x, 32.0f, 0.5f);
     QTest::mousePress(view, Qt::LeftButton, {}, middle);
-    QTest::mouseMove(view, middle + QPoint(60, 0));
+    movePointer(view, middle + QPoint(60, 0));
     QTest::mouseRelease(view, Qt::LeftButton, {}, middle + QPoint(60, 0));
     EXPECT_EQ(picks.size(), 2u);
 }

@@ -7,6 +7,7 @@
 #include <workbench/PluginHost.h>
 #include <workbench/ViewGrid.h>
 
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -52,6 +53,13 @@ protected:
         QTest::qWait(50);
         window->views().finishFrames();
         QTest::qWait(50);
+    }
+    /** Tells a widget that the pointer is somewhere in it. The display's own pointer stays: what it does comes late
+     * where the machine is busy. */
+    static void movePointer(QWidget* widget, const QPointF& place) {
+        QMouseEvent move(QEvent::MouseMove, place, widget->mapToGlobal(place), Qt::NoButton, Qt::NoButton,
+                         Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &move);
     }
 
 private:

@@ -101,10 +101,8 @@ TEST_F(OpenWorkbench, the_status_bar_tells_a_position_in_the_volumes_own_axes_an
     Q_EMIT window->views().positionHovered({}, false);
     EXPECT_TRUE(text("readoutPosition").isEmpty());
     EXPECT_TRUE(text("readoutValue").isEmpty());
-    // Where the mouse really is: the middle of the slice across z through the middle of the volume.
+    // Where the pointer is: the middle of the slice across z through the middle of the volume.
     LyqSliceWidget* view = window->views().sliceView(2);
-    QTest::mouseMove(view, view->rect().center() - QPoint(2, 2));
-    QTest::mouseMove(view, view->rect().center() + QPoint(2, 2));
-    settle();
+    movePointer(view, view->rect().center() + QPoint(2, 2));
     EXPECT_FALSE(text("readoutPosition").isEmpty());
 }
