@@ -9,7 +9,9 @@ namespace lyrvolume {
 namespace {
 
 constexpr std::size_t kLongestHeader = std::size_t{1} << 20U;
-constexpr std::int64_t kMostFiles = 1'000'000;
+// A header of a line must not make names without end. The largest detectors give a few thousand slices.
+constexpr std::int64_t kMostFiles = 100'000;
+constexpr std::size_t kMostNameBytes = std::size_t{4} << 20U;
 
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\v' || c == '\f';
@@ -90,7 +92,8 @@ std::optional<std::vector<std::string>> numberedNames(std::string_view pattern, 
         end < pattern.size() && pattern[end] == 'd' && width < 100 && pattern.find('%', end) == std::string_view::npos;
     const auto sensible = [](std::int64_t n) { return n >= -1'000'000'000 && n <= 1'000'000'000; };
     if (!wellFormed || !sensible(first) || !sensible(last) || !sensible(step) || step == 0 ||
-        (last - first) / step < 0 || (last - first) / step >= kMostFiles) {
+        (last - first) / step < 0 || (last - first) / step >= kMostFiles ||
+        static_cast<std::size_t>((last - first) / step) >= kMostNameBytes / (pattern.size() + width)) {
         return std::nullopt;
     }
     const bool zeros = pattern[percent + 1] == '0';

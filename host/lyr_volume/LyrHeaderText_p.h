@@ -68,7 +68,7 @@ private:
 std::string besideHeader(const std::string& headerPath, std::string_view name);
 
 /** The names of a numbered row of files: `pattern` holds one "%d" or "%03d". Nothing if it is malformed or if more than
- * a million files are asked for. */
+ * a hundred thousand files, or more than 4 MiB of names, are asked for. */
 std::optional<std::vector<std::string>> numberedNames(std::string_view pattern, std::int64_t first, std::int64_t last,
                                                       std::int64_t step);
 

@@ -85,6 +85,10 @@ TEST(MetaImageReader, reads_detached_data_lists_and_numbered_rows) {
     folder.write("s2.raw", ramp<std::uint8_t>(12, 12));
     expectRamp(readVolume(folder.write("b.mhd", Bytes(header("MET_UCHAR", "LIST") + "s1.raw\ns2.raw\n"))), {4, 3, 2});
     expectRamp(readVolume(folder.write("c.mhd", Bytes(header("MET_UCHAR", "s%d.raw 1 2 1")))), {4, 3, 2});
+    // A line that asks for more names than there can be slices, or for too long ones, takes no memory for them.
+    for (const std::string& rows : {std::string("s%d.raw 1 900000 1"), std::string(1000, 's') + "%d.raw 1 90000 1"}) {
+        expectRefused(readVolume(folder.write("m.mhd", Bytes(header("MET_UCHAR", rows)))), {"names no usable file"});
+    }
     folder.write("head.raw", Bytes("HEADER").append(ramp<std::uint8_t>(24)));
     expectRamp(readVolume(folder.write("d.mhd", Bytes(header("MET_UCHAR", "head.raw", "HeaderSize = 6\n")))),
                {4, 3, 2});
