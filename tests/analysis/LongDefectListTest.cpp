@@ -15,6 +15,7 @@
 #include <QTableView>
 #include <QTest>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
@@ -115,16 +116,19 @@ protected:
 }  // namespace
 
 TEST_F(LongList, is_shown_sorted_and_selected_while_the_window_answers_in_little_memory) {
+    bool isFresh = true;
     long taken = 0;
     constexpr double WORKING = 100.0 * SANITIZER_SLOWDOWN;
     constexpr double BLOCKED = 1000.0 * SANITIZER_SLOWDOWN;
     const Heartbeat::Gap longest = calmestOf3(WORKING, BLOCKED, [&](Heartbeat::Gap& gap) {
-        if (taken != 0) {
+        if (!isFresh) {
             close();
             show();
         }
+        isFresh = false;
         ASSERT_NO_FATAL_FAILURE(use());
-        taken = residentMegabytes() - before;
+        // A list that is shown again takes memory that the one before gave back.
+        taken = std::max(taken, residentMegabytes() - before);
         gap = heart->longest();
         std::cout << "longest gap in ms: working " << gap.working << ", blocked " << gap.blocked << "; " << taken
                   << " MB\n";
