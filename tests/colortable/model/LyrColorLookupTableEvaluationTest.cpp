@@ -311,6 +311,16 @@ TEST(LyrColorLookupTableEvaluation, a_neighbour_that_is_no_section_is_absent_wit
     expectRefused(*table, 0.5f, transparent);
 }
 
+TEST(LyrColorLookupTableEvaluation, the_last_section_is_a_neighbour_of_the_one_before_it) {
+    const Errors errors;
+    const auto table = countingTable({0, 1, 2});
+    std::vector<LyrObject*> sections = sectionsOf(*table);
+    sections[1] = new LyrObject;
+    ASSERT_TRUE(setSections(*table, sections));
+    ASSERT_TRUE(setType(sectionAt(*table, 2), Lyr::Continue));
+    EXPECT_EQ(colorAt(*table, 1.5f).red, 3.0f);
+}
+
 TEST(LyrColorLookupTableEvaluation, many_values_are_coloured_from_the_last_to_the_first_until_one_fails) {
     const Errors errors;
     const auto table = newTable();

@@ -187,6 +187,19 @@ TEST(LyrColorLookupTableMessages, a_listener_may_colour_values_and_let_the_table
     EXPECT_EQ(section->getParentLink().getOwner(), nullptr);
 }
 
+TEST(LyrColorLookupTableMessages, a_table_that_nobody_counts_is_not_let_go_by_its_own_news) {
+    Table* const table = new Table;
+    ASSERT_EQ(table->getRefCount(), 0);
+    const LyrObjectPtr section(&sectionAt(*table, 1));
+    ASSERT_TRUE(setType(*section, Lyr::HueCycle));
+    EXPECT_EQ(section->getParentLink().getOwner(), table);
+    Color out;
+    EXPECT_TRUE(table->getColor(0.0f, out));
+    EXPECT_EQ(out, Color(0, 1, 1, 1));
+    delete table;
+    EXPECT_EQ(section->getParentLink().getOwner(), nullptr);
+}
+
 TEST(LyrColorLookupTableMessages, between_the_writes_of_its_two_lists_a_table_colours_nothing_and_then_again) {
     struct Watch : LyrIOC {
         bool iocCallback(Message& message) override {

@@ -323,3 +323,13 @@ TEST_F(TableGenerators, a_table_that_has_lost_one_of_its_lists_keeps_the_other) 
     EXPECT_FALSE(LyrColorLookupTable::createStepped(other.get(), 7.0f, 8.0f, 1.0f, Lyr::Rainbow));
     EXPECT_EQ(positionsOf(other), (std::vector<float>{-1.0f, 1.0f}));
 }
+
+TEST_F(TableGenerators, a_table_that_has_lost_its_parameters_is_refused_as_one_of_zeros) {
+    ASSERT_TRUE(table->removeProperty(Lyr::CreationParameters));
+    for (const Lyrenum action : {Lyr::CreateSmooth, Lyr::CreateStepped, Lyr::CreateSphereSegmentStepped}) {
+        errors.codes.clear();
+        EXPECT_FALSE(table->runAction(action));
+        EXPECT_EQ(errors.codes, std::vector<int>{REFUSED});
+    }
+    EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
+}
