@@ -483,7 +483,7 @@ Die angegebenen Parameter sind ungültig.</translation>
     </message>
     <message>
         <source>Detail</source>
-        <translation>Darstellung</translation>
+        <translation>Bild</translation>
     </message>
     <message>
         <source>Create smooth</source>
