@@ -17,6 +17,8 @@ namespace {
 // The distance grows by this towards the open side of the widest wedge whose balls count; in edges, corners and bumps
 // of the surface it grows faster.
 constexpr double kSteepestGrowth = 0.6;
+// Where it rises less steeply than this towards the edge of the volume it grows faster than that along the edge.
+constexpr double kLeastRiseOutward = 0.8;
 
 }  // namespace
 
@@ -93,8 +95,8 @@ private:
         const std::int64_t i = place[axis];
         const std::int64_t last = grid_.size[axis] - 1;
         const double here = at(index);
-        if (here > 0.0 && ((i == 0 && here >= at(index + stride)) || (i == last && here >= at(index - stride)))) {
-            // The middle of what the edge of the volume cuts off may lie beyond it.
+        if ((i == 0 || i == last) && here > 0.0 && riseOutward(place) >= kLeastRiseOutward) {
+            // The middle of what the edge of the volume cuts off lies beyond it.
             addBall(grid_, place, axis, {0.0, here}, out);
         }
         if (i == 0 || i + 2 > last || (here <= 0.0 && at(index + stride) <= 0.0)) {
@@ -118,9 +120,52 @@ private:
         // No distance can rise faster than the way to it.
         const Peak peak{middle, std::min(here + riseBelow * middle, (here + next + spacing) / 2.0)};
         if (turnAround(place, axis, riseBelow + riseAbove) >= kSmallestTurn &&
+            growthAlongMiddle(place, axis, riseBelow - riseAbove) <= kSteepestGrowth &&
             !growsOn(grid_, distances_, place, axis, peak)) {
             addBall(grid_, place, axis, peak, out);
         }
+    }
+
+    /** How steeply the distance rises towards the edges of the volume that a voxel lies at. */
+    double riseOutward(const Place& place) const {
+        double squares = 0.0;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const bool atStart = place[axis] == 0;
+            if (grid_.size[axis] > 1 && (atStart || place[axis] == grid_.size[axis] - 1)) {
+                Place inner = place;
+                inner[axis] += atStart ? 1 : -1;
+                const double rise =
+                    at(grid_.index(place[0], place[1], place[2])) - at(grid_.index(inner[0], inner[1], inner[2]));
+                squares += std::pow(std::max(rise / grid_.spacing[axis], 0.0), 2.0);
+            }
+        }
+        return std::sqrt(squares);
+    }
+
+    /** How steeply the middle itself rises: the mean of the rises on its two sides, of which `alongAxis` is twice the
+     *  part along the axis between the two voxels that it lies between. */
+    double growthAlongMiddle(const Place& place, std::size_t axis, double alongAxis) const {
+        double squares = alongAxis * alongAxis / 4.0;
+        for (std::size_t other = 0; other < 3; ++other) {
+            if (other != axis) {
+                const double growth = std::max(riseOfBoth(place, axis, other, -1), riseOfBoth(place, axis, other, 1));
+                squares += std::pow(std::max(growth, 0.0), 2.0);
+            }
+        }
+        return std::sqrt(squares);
+    }
+
+    /** The mean rise of a voxel and the next one along an axis to those beside them. */
+    double riseOfBoth(const Place& place, std::size_t axis, std::size_t across, std::int64_t step) const {
+        double rise = 0.0;
+        for (const std::int64_t along : {0, 1}) {
+            Place from = place;
+            from[axis] += along;
+            Place to = from;
+            to[across] = grid_.inside(across, to[across] + step);
+            rise += at(grid_.index(to[0], to[1], to[2])) - at(grid_.index(from[0], from[1], from[2]));
+        }
+        return rise / (2.0 * grid_.spacing[across]);
     }
 
     /** How far the direction of the rise turns around a middle, from what it does along one axis and the others. */

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numbers>
 
 #include "TestVolumes.h"
 
@@ -184,6 +185,20 @@ TEST(LyrWallThickness, takes_edges_and_corners_for_as_thick_as_what_lies_beside_
     EXPECT_NEAR(result.least, 6.0, 0.1);
     EXPECT_NEAR(result.greatest, 6.0, 0.1);
     EXPECT_NEAR(result.values->at(4, 4, 4), 6.0F, 0.1F);
+}
+
+// Right edges, at whatever angle they stand in the grid: a square bar is as thick in them as from side to side.
+TEST(LyrWallThickness, takes_the_edges_of_a_turned_bar_for_as_thick_as_the_bar) {
+    for (const double degrees : {45.0, 30.0, 12.0}) {
+        const double cosine = std::cos(degrees * std::numbers::pi / 180.0);
+        const double sine = std::sin(degrees * std::numbers::pi / 180.0);
+        const LyrThicknessResult result = analyse(makeShape({34, 34, 12}, [=](const Place& p) {
+            const Place q{p[0] - 16.3, p[1] - 16.6, p[2]};
+            return std::max(std::abs(q[0] * cosine + q[1] * sine), std::abs(q[1] * cosine - q[0] * sine)) < 9.0;
+        }));
+        EXPECT_NEAR(result.median, 18.0, 0.5) << degrees;
+        EXPECT_NEAR(result.least, 18.0, 1.0) << degrees;
+    }
 }
 
 TEST(LyrWallThickness, takes_a_bump_for_as_thick_as_what_it_stands_on) {
