@@ -80,6 +80,7 @@ RC_GTEST_PROP(HistogramLayoutProperty, boundaries_stand_inside_each_once_in_thei
     const Case at = anyCase();
     const auto& lines = at.layout.lines;
     RC_ASSERT(std::adjacent_find(lines.begin(), lines.end(), std::greater_equal<>()) == lines.end());
+    RC_ASSERT(lines.size() <= at.boundaries.size());
     RC_ASSERT((lines.empty() || lines.front() >= 0));
     RC_ASSERT((lines.empty() || lines.back() < at.layout.size.width()));
     for (const float boundary : at.boundaries) {

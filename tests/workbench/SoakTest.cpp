@@ -31,7 +31,9 @@ constexpr int BLOCKS = 20;
 constexpr int FIRST_BLOCKS = 5;
 
 /** What the memory in use goes up and down by, whatever happens. */
-constexpr double NOISE = 512.0 * 1024.0;
+constexpr double NOISE = 128.0 * 1024.0;
+/** The same where the window is resized: pictures of an earlier size among them. */
+constexpr double HANDLING_NOISE = 1024.0 * 1024.0;
 
 /** The number that the environment asks for, at least one for each block, shared out among them. */
 int countForBlock(const char* variable, int usual) {
@@ -260,5 +262,5 @@ TEST_F(Soak, much_handling_of_the_window_leaves_its_memory_as_it_was) {
     // Some blocks end with pictures of an earlier size that the toolkit still keeps, 1 MB together.
     const auto middle = record.begin() + (FIRST_BLOCKS + BLOCKS) / 2;
     const std::size_t before = *std::min_element(record.begin() + FIRST_BLOCKS - 1, middle);
-    EXPECT_LT(double(*std::min_element(middle, record.end())), double(before) + 2.0 * NOISE);
+    EXPECT_LT(double(*std::min_element(middle, record.end())), double(before) + HANDLING_NOISE);
 }
