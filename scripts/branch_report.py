@@ -18,7 +18,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 PARTS = {
     "colour tables": r"colortable/model/.*",
     "properties and journal": r"host/lyr_core/Lyr(Property|PropertyTraits|PropertyPtr|SingleValueProperty|ValueArrayProperty"
-                              r"|LinkProperty|LinkSlot_p|BooleanOP|ReadOnlyProxyExtension|SameValue|UndoJournal)\.(cpp|h)",
+                              r"|LinkProperty|LinkSlot_p|BooleanOP|ReadOnlyProxyExtension|SameValue|UndoJournal|WholeWrite"
+                              r"|ValueList|EmbeddedList)\.(cpp|h)",
     "object files": r"host/lyr_core/Lyr(ObjectFile|ObjectToJson|ObjectFromJson|ObjectJson_p|ObjectUnknownData_p|JsonCodec"
                     r"|JsonCodec_p|JsonValue|JsonValue_p|FileIo|FileIo_p|FileSaver)\.(cpp|h)",
 }

@@ -6,13 +6,14 @@ usage: scripts/mutate.py [--group eval|model] [--file PART] [--constants N] [--s
                          [--minutes N] [--again] [--keep]
 
 The sources are copied to build/mutation and rewritten there so that an environment variable chooses the mutant while
-the tests run; they are compiled once. What the compiler evaluates (constants, array sizes) cannot be chosen so: of those
-mutants a sample (--constants, 60) is compiled one by one. A mutant is killed when a test fails, the program dies or takes
-too long. Mutants that make no difference to any result stand in scripts/mutation/equivalent.txt with the reason. Ends
-with status 1 if less than 90 % of the others are killed.
+the tests run; they are compiled once. Of what is in the program and no test comes by, every mutant has survived untried:
+it counts, as "not reached". What the compiler alone evaluates (constants, array sizes, arguments of templates) cannot be
+chosen so, and leaves nothing in the program: of those mutants a sample (--constants, 60) is compiled one by one. A mutant
+is killed when a test fails, the program dies or takes too long. Mutants that make no difference to any result stand in
+scripts/mutation/equivalent.txt with the reason. Four figures come out, for both test programs what can be chosen and what
+has to be compiled; the script ends with status 1 if one of them says that less than 90 % of the others are killed.
 """
 import argparse
-import fnmatch
 import json
 import os
 import pathlib
@@ -32,13 +33,16 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build" / "mutation"
 EVAL = "colortable/model/eval/"
 LIMIT = 90.0
+LONGEST_RUN = 1800  # seconds by the clock
 
 
 class EvalGroup:
     """The evaluation on plain data: a program of its own sources and tests, nothing else."""
     name = "eval"
-    # Beyond the end of an array a program stops, as it does under the sanitizers that the tests run with as well.
-    flags = ["-std=c++20", "-O1", "-w", "-ffp-contract=off", "-fsanitize=bounds", "-fsanitize-undefined-trap-on-error"]
+    # Beyond the end of an array, or where a shift is none, a program stops, as under the sanitizers that the tests run
+    # with as well.
+    flags = ["-std=c++20", "-O1", "-w", "-ffp-contract=off", "-fsanitize=bounds,object-size,shift,alignment",
+             "-fsanitize-undefined-trap-on-error"]
 
     def __init__(self):
         self.tree = WORK / "eval"
@@ -202,26 +206,38 @@ def build_rewritten(group, found, count):
 
 
 def run_tests(group, tests, seconds, environment=None):
-    """True if all pass. `seconds` of processor time, or all memory but 4 GiB, are a failure as well."""
+    """The program's status, 0 if all pass. `seconds` of processor time, or all memory but 4 GiB, are a failure as well."""
     def limit():
         os.nice(5)
         resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
         resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    done = subprocess.run([str(group.program), "--gtest_brief=1", "--gtest_fail_fast"],
-                          env=dict(os.environ, GTEST_FILTER=tests, **group.environment, **(environment or {})),
-                          preexec_fn=limit, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=1800)
-    return done.returncode
+    try:
+        return subprocess.run([str(group.program), "--gtest_brief=1", "--gtest_fail_fast"],
+                              env=dict(os.environ, GTEST_FILTER=tests, **group.environment, **(environment or {})),
+                              preexec_fn=limit, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              timeout=LONGEST_RUN).returncode
+    except subprocess.TimeoutExpired:
+        return -9  # killed by now; one that waits takes no processor time
 
 
 def baseline(group, reached_file):
-    """Runs the tests without a mutant: how long each takes, and what is reached."""
+    """Runs the tests without a mutant: how long each takes, what is in the program and what of it is reached."""
     times = group.tree / "times.json"
     reached_file.unlink(missing_ok=True)
     environment = dict(os.environ, GTEST_FILTER=group.filter, LYS_MUTANTS_REACHED=str(reached_file), **group.environment)
     done = subprocess.run([str(group.program), f"--gtest_output=json:{times}", "--gtest_brief=1"], env=environment)
     if done.returncode != 0:
         sys.exit("mutate: the tests fail without any mutant")
+
+
+def read_reached(reached_file):
+    """Numbers of the mutants that are in the program, and of those that the tests come by."""
+    numbers = {"compiled": set(), "reached": set()}
+    for line in reached_file.read_text().splitlines():
+        what, number = line.split()
+        numbers[what].add(int(number))
+    return numbers["compiled"], numbers["reached"]
 
 
 def plan_runs(group, longest):
@@ -254,20 +270,27 @@ def kills(group, runs, environment=None):
 
 
 class Equivalents:
-    """Lines of file, line of the source, change and reason; in the second and third * alone or ... stand for anything."""
+    """What scripts/mutation/equivalent.txt says of a group's mutants."""
 
-    def __init__(self):
-        self.entries = []
-        path = ROOT / "scripts/mutation/equivalent.txt"
-        for line in path.read_text().splitlines() if path.exists() else []:
-            if line.strip() and not line.startswith("#"):
-                self.entries.append(line.split("\t"))
+    def __init__(self, files, mutants):
+        self.reasons = {}
+        lines = (ROOT / "scripts/mutation/equivalent.txt").read_text().splitlines()
+        for number, text in enumerate(lines, 1):
+            if not text.strip() or text.startswith("#"):
+                continue
+            file, line, change, reason = text.split("\t")
+            if file not in files:
+                continue
+            change, *which = change.split(" #")
+            found = [m for m in mutants if m.file == file and self.fits(m.source_line, line) and self.fits(m.change, change)]
+            if which:
+                found = [found[int(n) - 1] for n in which[0].split(",") if int(n) <= len(found)]
+            if not found:
+                sys.exit(f"mutate: equivalent.txt:{number}: no mutant is like this")
+            self.reasons |= {m.id: reason for m in found}
 
     def reason(self, mutant):
-        for name, line, change, reason in self.entries:
-            if name == mutant.file and self.fits(mutant.source_line, line) and self.fits(mutant.change, change):
-                return reason
-        return None
+        return self.reasons.get(mutant.id)
 
     @staticmethod
     def fits(text, pattern):
@@ -287,22 +310,23 @@ def try_compiled(group, mutant, runs):
     return outcome
 
 
-def examine(group, options, equivalents, results):
+def examine(group, options, results):
     started = time.time()
     if group.tree.exists() and not options.again:
         shutil.rmtree(group.tree)
     found, count = find_all(group)
     copy_sources(group, [name for name in group.sources() if not options.again or name not in found])
     mutants = {m.id: m for sites in found.values() for s in sites for m in s.mutants}
+    equivalents = Equivalents(group.files, mutants.values())
     build_rewritten(group, found, count)
     reached_file = group.tree / "reached.txt"
     times = group.tree / "times.json"
     if not (reached_file.exists() and times.exists() and times.stat().st_mtime > group.program.stat().st_mtime):
         baseline(group, reached_file)
     runs = plan_runs(group, options.longest)
-    reached = {int(line) for line in reached_file.read_text().split()}
-    print(f"{group.name}: {count} mutants, {len(reached)} reached at run time, built in {time.time() - started:.0f} s",
-          flush=True)
+    compiled, reached = read_reached(reached_file)
+    print(f"{group.name}: {count} mutants, {len(compiled)} of them in the program, {len(reached)} reached, built in "
+          f"{time.time() - started:.0f} s", flush=True)
     rest = []
     # In random order, so that what was tried is a fair sample when time runs out.
     order = list(mutants.items())
@@ -310,35 +334,49 @@ def examine(group, options, equivalents, results):
     for number, mutant in order:
         if options.file not in mutant.file or re.search(group.outside, mutant.source_line):
             continue
-        known = options.known.get(key_of(mutant), "survived")
-        if known not in ("survived", "not tried", "equivalent"):
+        mutant.at_run_time = number in compiled
+        known = options.known.get(key_of(mutant))
+        if known in ("killed", "timed out", "not compiled"):
             results.append((mutant, known))
         elif equivalents.reason(mutant):
             results.append((mutant, "equivalent"))
-        elif number not in reached:
+        elif not mutant.at_run_time:
             rest.append(mutant)
+        elif number not in reached:
+            results.append((mutant, "not reached"))
+            tell(results[-1])
         elif time.time() > options.end:
-            results.append((mutant, "survived" if options.known.get(key_of(mutant)) == "survived" else "not tried"))
+            results.append((mutant, "survived" if known == "survived" else "not tried"))
         else:
             results.append((mutant, kills(group, runs, {"LYS_MUTANT": str(number)}) or "survived"))
             tell(results[-1])
-            tried = sum(1 for _, outcome in results if outcome not in ("equivalent", "not tried"))
+            tried = sum(1 for _, outcome in results if outcome not in ("equivalent", "not reached", "not tried"))
             if tried % 50 == 0:
                 print(f"  {tried} tried, {time.time() - started:.0f} s", flush=True)
-    sample = sorted(random.Random(options.seed).sample(rest, min(options.constants, len(rest))), key=lambda m: m.id)
+    compile_some(group, options, runs, rest, results)
+    if not options.keep:
+        shutil.rmtree(group.tree)
+
+
+def compile_some(group, options, runs, rest, results):
+    """Tries a sample of `rest`, compiled one by one; those that were tried last time are in it."""
+    before = sum(1 for mutant, outcome in results if not mutant.at_run_time and outcome in ("killed", "timed out"))
+    survivors = [mutant for mutant in rest if options.known.get(key_of(mutant)) == "survived"]
+    others = [mutant for mutant in rest if mutant not in survivors]
+    wanted = max(0, options.constants - before - len(survivors))
+    sample = survivors + random.Random(options.seed).sample(others, min(wanted, len(others)))
     results += [(mutant, "not tried") for mutant in rest if mutant not in sample]
-    if sample:
+    if sample and time.time() < options.end:
         shutil.rmtree(group.tree)
         copy_sources(group, group.sources())
         done = group.build([])
         if done.returncode != 0:
             sys.exit(f"mutate: the sources do not compile:\n{done.stdout[-4000:]}")
-    for mutant in sample:
+    for mutant in sorted(sample, key=lambda m: m.id):
         late = time.time() > options.end
-        results.append((mutant, "not tried" if late else try_compiled(group, mutant, runs) or "survived"))
+        outcome = "survived" if mutant in survivors else "not tried"
+        results.append((mutant, outcome if late else try_compiled(group, mutant, runs) or "survived"))
         tell(results[-1])
-    if not options.keep:
-        shutil.rmtree(group.tree)
 
 
 def key_of(mutant):
@@ -351,25 +389,42 @@ def tell(result):
         print(f"  {outcome}: {mutant.file}:{mutant.line}: {mutant.change}: {mutant.source_line}", flush=True)
 
 
+OUTCOMES = {"killed": "killed", "timed out": "time-out", "survived": "survived", "not reached": "not reached",
+            "equivalent": "equal", "not compiled": "no code", "not tried": "not tried"}
+
+
+def count_of(results):
+    return {name: sum(1 for _, outcome in results if outcome == name) for name in OUTCOMES}
+
+
 def summarize(results):
-    print(f"\n{'killed':>7} {'time-out':>9} {'survived':>9} {'equal':>6} {'no code':>8} {'not tried':>10}  file")
-    names = ("killed", "timed out", "survived", "equivalent", "not compiled", "not tried")
-    totals = dict.fromkeys(names, 0)
+    """Prints the figures of each file, and of what has to reach the limit; the program's status."""
+    print("\n" + " ".join(f"{title:>11}" for title in OUTCOMES.values()) + "  file")
     for file in sorted({mutant.file for mutant, _ in results}):
-        counts = {name: sum(1 for m, outcome in results if m.file == file and outcome == name) for name in names}
-        for name in names:
-            totals[name] += counts[name]
-        print_row(counts, file)
-    print_row(totals, "all")
-    killed = totals["killed"] + totals["timed out"]
-    tried = killed + totals["survived"]
-    share = 100 * killed / tried if tried else 0.0
-    print(f"\n{killed} of {tried} mutants killed: {share:.1f} %")
-    return 0 if share >= LIMIT else 1
+        print_row(count_of([(m, outcome) for m, outcome in results if m.file == file]), file)
+    print()
+    good = True
+    for title, some in parts_of(results):
+        counts = count_of(some)
+        print_row(counts, title)
+        killed = counts["killed"] + counts["timed out"]
+        tried = killed + counts["survived"] + counts["not reached"]
+        share = 100 * killed / tried if tried else 0.0 if counts["not tried"] else 100.0
+        good = good and share >= LIMIT
+        print(f"{killed} of {tried} mutants killed: {share:.1f} %{'' if share >= LIMIT else f' (below {LIMIT:g} %)'}")
+    return 0 if good else 1
+
+
+def parts_of(results):
+    for group in (EvalGroup(), ModelGroup()):
+        for at_run_time, title in ((True, "chosen while the tests run"), (False, "compiled one by one")):
+            some = [(m, outcome) for m, outcome in results if m.file in group.files and m.at_run_time == at_run_time]
+            if some:
+                yield f"{group.name}, {title}", some
 
 
 def print_row(counts, name):
-    print("{:7} {:9} {:9} {:6} {:8} {:10}  {}".format(*counts.values(), name))
+    print(" ".join(f"{count:11}" for count in counts.values()) + f"  {name}")
 
 
 def main():
@@ -388,10 +443,9 @@ def main():
     notes = WORK / f"outcomes-{options.group or 'all'}.json"
     options.known = json.loads(notes.read_text()) if options.again and notes.exists() else {}
     results = []
-    equivalents = Equivalents()
     for group in (EvalGroup(), ModelGroup()):
         if options.group in (None, group.name):
-            examine(group, options, equivalents, results)
+            examine(group, options, results)
     notes.write_text(json.dumps(options.known | {key_of(mutant): outcome for mutant, outcome in results}, indent=0))
     return summarize(results)
 

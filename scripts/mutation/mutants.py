@@ -48,6 +48,7 @@ class Mutant:
     was: str
     plain: str
     id: int = -1
+    at_run_time: bool = True  # can be chosen while the program runs
 
     @property
     def change(self):

@@ -63,6 +63,7 @@ TEST(LyrValueList, values_are_removed_only_inside_the_list) {
     EXPECT_TRUE(list.remove(1, 2));
     EXPECT_EQ(list, listOf({1, 4}));
     EXPECT_FALSE(list.remove(2));
+    EXPECT_FALSE(list.remove(3, 0));
     EXPECT_FALSE(list.remove(-1));
     EXPECT_FALSE(list.remove(1, 2));
     EXPECT_FALSE(list.remove(0, -1));

@@ -52,6 +52,24 @@ TEST(LyrWholeWrite, writes_that_are_kept_stay) {
     content.expectChanged(fresh.get());
 }
 
+TEST(LyrWholeWrite, what_is_kept_is_kept_once_and_takes_no_further_properties) {
+    const Content content;
+    const Held<> fresh;
+    Steps steps;
+    Action action;
+    {
+        LyrWholeWrite whole;
+        ASSERT_TRUE(addAll(whole, *content.node));
+        ASSERT_TRUE(change(*content.node, fresh.get()));
+        whole.keep();
+        whole.keep();  // ends no action that is not its own
+        EXPECT_FALSE(whole.add(&content.node->weight));
+    }
+    content.expectChanged(fresh.get());
+    action.end();
+    EXPECT_EQ(steps.size(), 1u);
+}
+
 TEST(LyrWholeWrite, writes_that_are_not_kept_are_taken_back_with_the_same_objects) {
     const Content content;
     const Held<> fresh;

@@ -1,12 +1,12 @@
 #include <colortable/model/eval/ColorPlan.h>
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include <thread>
 
 #include <colortable/model/eval/KernelTarget_p.h>
 
+#include "GuardedArray.h"
 #include "TestTables.h"
 
 #if defined(__x86_64__)
@@ -86,29 +86,6 @@ struct Expected {
                                          KernelTarget target, size_t shift = 0) {
     return colorsAs(Expected(table, values), table, values, target, shift);
 }
-
-/// An array that lies against an unreadable page, with its first or its last entry.
-class GuardedArray {
-public:
-    GuardedArray(size_t count, bool atEnd) {
-        const size_t bytes = (count * sizeof(float) + page - 1) / page * page;
-        size_ = bytes + 2 * page;
-        memory_ = static_cast<char*>(mmap(nullptr, size_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        EXPECT_EQ(mprotect(memory_ + page, bytes, PROT_READ | PROT_WRITE), 0);
-        data_ = reinterpret_cast<float*>(memory_ + page + (atEnd ? bytes - count * sizeof(float) : 0));
-    }
-    ~GuardedArray() { munmap(memory_, size_); }
-    GuardedArray(const GuardedArray&) = delete;
-    GuardedArray& operator=(const GuardedArray&) = delete;
-
-    float* data() const { return data_; }
-
-private:
-    static constexpr size_t page = 4096;
-    char* memory_;
-    size_t size_;
-    float* data_;
-};
 
 /// Sections of one type each between constant ends.
 plain::Table wholeOf(Rule rule) {
@@ -385,6 +362,42 @@ TEST(ColorPlan, failing_sections_that_touch_count_as_one_and_eight_apart_have_a_
     EXPECT_TRUE(isFlat(8, false));
     EXPECT_FALSE(isFlat(9, false));
     EXPECT_TRUE(isFlat(20, true));
+}
+
+TEST(ColorPlan, what_is_below_all_boundaries_or_between_twins_takes_no_place_among_the_eight) {
+    plain::Table t;
+    for (int k = 0; k < 9; ++k) {
+        t.positions.push_back(float(k));
+        t.positions.push_back(float(k));
+    }
+    for (size_t k = 0; k <= t.positions.size(); ++k)
+        t.sections.push_back(plain::analyticSection(Rule::HueCycle));  // between twins no rule has a colour
+    ColorPlan plan;
+    ASSERT_TRUE(plan.build(t.view()));
+    EXPECT_TRUE(plan.isFlat());
+    t.sections[0].rule = Rule::None;
+    ASSERT_TRUE(plan.build(t.view()));
+    EXPECT_TRUE(plan.isFlat());
+    for (const KernelTarget target : targets()) {
+        EXPECT_TRUE(equalToScalar(t, {1.0f, 0.5f, 7.0f, 9.0f, 8.5f}, target));
+        EXPECT_TRUE(equalToScalar(t, {1.0f, -0.5f, 7.0f}, target));
+    }
+}
+
+TEST(ColorPlan, a_plan_of_a_list_is_that_of_its_table) {
+    plain::Table t = plain::rainbowTable();
+    const float values[3] = {-2.0f, 0.5f, 2.0f};
+    for (const bool below : {false, true}) {
+        for (const bool above : {false, true}) {
+            t.below = below;
+            t.above = above;
+            ColorPlan plan;
+            ASSERT_TRUE(plan.build(t.positions.data(), 2, t.sections.data(), below, above));
+            const Coloring run(plan, values, 3);
+            const Expected want(t, {-2.0f, 0.5f, 2.0f});
+            EXPECT_EQ(std::memcmp(run.out, want.colors.data(), sizeof(float) * 12), 0) << below << above;
+        }
+    }
 }
 
 TEST(ColorPlan, boundaries_that_are_not_finite_equal_the_scalar_path) {

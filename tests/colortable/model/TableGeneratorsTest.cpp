@@ -141,6 +141,7 @@ TEST_F(TableGenerators, parameters_that_make_no_table_are_refused) {
     EXPECT_FALSE(LyrColorLookupTable::createSmooth(object, nan, 1.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSmooth(object, 0.0f, inf, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, 0.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, -0.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, -1.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, nan, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, 1.0f, 1e-30f, Lyr::Rainbow));
@@ -148,8 +149,9 @@ TEST_F(TableGenerators, parameters_that_make_no_table_are_refused) {
     EXPECT_FALSE(LyrColorLookupTable::createStepped(object, 0.0f, nan, 1.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, 1.6f, 3.0f, 0.1f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, 0.0f, 1.0f, 0.0f, Lyr::Rainbow));
+    EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, 0.0f, 1.0f, -0.0f, Lyr::Rainbow));
     EXPECT_FALSE(LyrColorLookupTable::createSphereSegmentStepped(object, -inf, 1.0f, 0.1f, Lyr::Rainbow));
-    EXPECT_EQ(errors.codes, std::vector<int>(12, REFUSED));
+    EXPECT_EQ(errors.codes, std::vector<int>(14, REFUSED));
     EXPECT_EQ(positionsOf(table), (std::vector<float>{-1.0f, 1.0f}));
 }
 
