@@ -42,8 +42,9 @@ std::vector<int> sectionsBy(KernelTarget target, const std::vector<float>& posit
 void expectSections(const std::vector<float>& positions, const std::vector<float>& values,
                     const std::vector<int>& want) {
     for (const KernelTarget target : allKernelTargets) {
-        if (isKernelTargetAvailable(target))
+        if (isKernelTargetAvailable(target)) {
             EXPECT_EQ(sectionsBy(target, positions, values), want) << kernelTargetName(target);
+        }
     }
 }
 
@@ -104,6 +105,32 @@ TEST(BucketIndex, the_search_is_padded_for_all_steps_and_has_four_buckets_or_mor
     EXPECT_EQ(bucketCountFor(65536), 1);  // more than 16 bits can number
 }
 
+TEST(BucketIndex, an_index_is_written_into_its_own_keys_and_starts_alone) {
+    for (const int count : {2, 3, 10, 63, 64, 80, 1000, 70000}) {
+        std::vector<float> even;
+        std::vector<float> crowded;
+        for (int k = 0; k < count; ++k) {
+            even.push_back(float(k));
+            crowded.push_back(std::ldexp(1.0f, k % 200) * (k < 200 ? 1.0f : 1.5f));
+        }
+        std::sort(crowded.begin(), crowded.end());
+        for (const std::vector<float>& positions : {even, crowded}) {
+            const auto keyCount = size_t(paddedKeyCount(count));
+            const auto startCount = size_t(bucketCountFor(count)) + 1;
+            std::vector<int32_t> keys(keyCount + 2, -77);
+            std::vector<uint16_t> starts(startCount + 2, 777);
+            BucketIndex index;
+            buildBucketIndex(positions.data(), count, &keys[1], &starts[1], &index);
+            EXPECT_EQ(keys.front(), -77) << count;
+            EXPECT_EQ(keys.back(), -77) << count;
+            EXPECT_EQ(keys[keyCount], INT32_MAX) << count;
+            EXPECT_EQ(starts.front(), 777) << count;
+            EXPECT_EQ(starts.back(), 777) << count;
+            EXPECT_EQ(starts[1], 0) << count;
+        }
+    }
+}
+
 TEST(BucketIndex, a_plan_of_up_to_63_boundaries_stays_inside_its_own_memory) {
     struct Fenced {
         ColorPlan plan;
@@ -126,8 +153,13 @@ TEST(BucketIndex, a_plan_of_up_to_63_boundaries_stays_inside_its_own_memory) {
 }
 
 TEST(BucketIndex, no_boundary_around_the_list_is_read) {
-    for (const std::vector<float>& list : std::vector<std::vector<float>>{
-             {inf, inf}, {-inf, -inf}, {-inf, inf}, {-inf, 0.0f, inf}, {-2.0f, -1.0f}, {0.0f, 1.0f, 1.0f, 4.0f}}) {
+    for (const std::vector<float>& list : std::vector<std::vector<float>>{{inf, inf},
+                                                                          {-inf, -inf},
+                                                                          {-inf, inf},
+                                                                          {-inf, 0.0f, inf},
+                                                                          {0.0f, inf},
+                                                                          {-2.0f, -1.0f},
+                                                                          {0.0f, 1.0f, 1.0f, 4.0f}}) {
         plain::Table table = numberedTable(list);
         for (const bool atEnd : {false, true}) {
             const GuardedArray positions(list.size(), atEnd);

@@ -324,6 +324,7 @@ TEST_F(TableGenerators, a_table_that_has_lost_one_of_its_lists_keeps_the_other) 
     ASSERT_TRUE(other->removeProperty(Lyr::SectionList));
     EXPECT_FALSE(LyrColorLookupTable::createStepped(other.get(), 7.0f, 8.0f, 1.0f, Lyr::Rainbow));
     EXPECT_EQ(positionsOf(other), (std::vector<float>{-1.0f, 1.0f}));
+    EXPECT_EQ(errors.codes, std::vector<int>(2, static_cast<int>(0xF3CB0001u)));
 }
 
 TEST_F(TableGenerators, a_table_that_has_lost_its_parameters_is_refused_as_one_of_zeros) {
