@@ -11,6 +11,9 @@ bool registerRole() {
            LyrObject::RoleManager::addDefaultRole(LyrCamera::metaClass(), Lyr::Camera);
 }
 
+/** Object files may name the class before there is a camera. */
+[[maybe_unused]] const LyrMetaClass& sKnown = LyrCamera::metaClass();
+
 }  // namespace
 
 LyrCamera::LyrCamera() {

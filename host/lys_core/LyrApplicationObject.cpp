@@ -7,6 +7,13 @@
 
 #include <algorithm>
 
+namespace {
+
+/** Object files may name the class before there is an application. */
+[[maybe_unused]] const LyrMetaClass& sKnown = LyrDisplayUnits::metaClass();
+
+}  // namespace
+
 LyrDisplayUnits::UnitListAttr::UnitListAttr() {
     const Lyrenum units[] = {Lyr::Millimeter, Lyr::SquareMillimeter, Lyr::CubicMillimeter, Lyrenum("Degree", true)};
     setResetItems(units);
@@ -66,7 +73,6 @@ bool LyrDisplayUnits::setInchSystem(bool inches) {
 LyrApplicationObject::LyrApplicationObject() {
     // Now, when there is memory, rather than when somebody looks through all objects.
     metaClass();
-    LyrDisplayUnits::metaClass();
     const LyrObjectPtr units(new LyrDisplayUnits);
     mDisplayUnits.setValue(LyrObjectLink(units.get(), nullptr, -1));
     addProperty(Lyr::DisplayUnitList, &mDisplayUnits);
