@@ -10,6 +10,8 @@
 #include <lyr_core/LyrPropertyPtr.h>
 #include <lyr_core/LyrRGBA.h>
 
+#include <QUtf8StringView>
+
 #include <optional>
 
 namespace lys::cli {
@@ -110,7 +112,11 @@ void replace(LyrObject& settings, const std::string& assignment) {
         throwUnusable("--set " + assignment + ": render settings have no property \"" + name +
                       "\"; give NAME=VALUE such as Position=Bottom");
     }
-    if (!replaceValue(settings, *property, assignment.substr(equals + 1))) {
+    const std::string value = assignment.substr(equals + 1);
+    if (!QUtf8StringView(value.data(), qsizetype(value.size())).isValidUtf8()) {
+        throwUnusable("--set " + name + ": the value is not valid UTF-8 text; type it anew");
+    }
+    if (!replaceValue(settings, *property, value)) {
         throwUnusable("--set " + assignment + ": the property does not take this value");
     }
 }

@@ -198,6 +198,10 @@ void drawLayers(QPainter& painter, const QRect& bounds, const DrawText& draw, co
 QFont fontFromString(const QString& text, bool* valid) {
     QFont font = QGuiApplication::font();
     const bool fits = isFontDescription(text.split(QLatin1Char(','))) && font.fromString(text);
+    if (fits && font.pointSizeF() > 0.0) {
+        // The toolkit writes six digits of a size: a font that is written once more stays the same.
+        font.setPointSizeF(QString::number(font.pointSizeF()).toDouble());
+    }
     if (valid) {
         *valid = fits;
     }

@@ -49,7 +49,8 @@ LYS_COLORTABLE_EXPORT QString captionText(const LyrObject* table, const LyrObjec
                                           const LyqUnitConverter& converter);
 
 /** The font that a font string describes, as the toolkit writes it now or wrote it in its 3.3 series. A string that is
- * empty, "Default" or none of that gives the application's font. `valid` (may be null) tells which. */
+ * empty, "Default" or none of that gives the application's font. `valid` (may be null) tells which. Of a size in points
+ * six digits count, as many as the toolkit writes. */
 LYS_COLORTABLE_EXPORT QFont fontFromString(const QString& text, bool* valid = nullptr);
 
 /** True for a table that can be drawn: at least two boundaries and one section more. */

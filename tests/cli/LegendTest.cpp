@@ -236,6 +236,18 @@ TEST(Legend, what_cannot_be_used_is_refused_and_leaves_nothing) {
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"table.json", "unknown.json"}));
 }
 
+TEST(Legend, a_text_that_is_not_utf8_is_refused_because_no_file_could_hold_it) {
+    for (const char* text : {"DescriptionTemplate=%\xea\x03", "Font=Arial\xff,10,-1,5,50,0,0,0,0,0"}) {
+        const ProgramRun run = ProgramRun::of(legend({"--size", "100x100", "--describe", "--set", text}));
+        EXPECT_EQ(run.status, 2) << run.error;
+        EXPECT_EQ(run.out, "");
+        EXPECT_NE(run.error.find("UTF-8"), std::string::npos) << run.error;
+    }
+    const ProgramRun run =
+        ProgramRun::of(legend({"--size", "100x100", "--describe", "--set", "DescriptionTemplate=\xc3\xa4"}));
+    EXPECT_EQ(run.status, 0) << run.error;
+}
+
 TEST(Legend, an_output_that_cannot_be_written_prints_no_description) {
     const ProgramRun run = ProgramRun::of(legend({"--size", "100x100", "--describe", "-o", "/nowhere/bar.png"}));
     EXPECT_EQ(run.status, 1);

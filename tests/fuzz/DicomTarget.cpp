@@ -57,9 +57,9 @@ private:
 }  // namespace
 
 /** A compressed frame, and what the process that decodes it may answer. */
-void fuzz::dicomFrame(Bytes bytes) {
+fuzz::Accepted fuzz::dicomFrame(Bytes bytes) {
     if (bytes.size() < HEAD) {
-        return;
+        return 0;
     }
     const DicomPixelLayout layout = layoutOf(bytes);
     const Bytes rest = bytes.subspan(HEAD);
@@ -68,14 +68,12 @@ void fuzz::dicomFrame(Bytes bytes) {
     const Bytes answer = rest.subspan(split, std::min(rest.size() - split, LONGEST_STREAM));
 
     std::vector<unsigned char> samples;
-    if (lyrvolume::decodeRunLength(stream, layout, samples)) {
-        require(samples.size() == layout.rows * layout.columns * layout.bitsAllocated / 8,
-                "run-length data fill their frame");
-    }
+    const bool unpacked = lyrvolume::decodeRunLength(stream, layout, samples);
+    require(!unpacked || samples.size() == layout.rows * layout.columns * layout.bitsAllocated / 8,
+            "run-length data fill their frame");
     const std::string syntax = TRANSFER_SYNTAXES[(bytes[2] >> 2U) % std::size(TRANSFER_SYNTAXES)];
-    require(stream.size() > 4 || !lyrvolume::codestreamProblem(stream, layout, syntax).empty(),
-            "a stream without a header is refused");
-    lyrvolume::codestreamProblem(stream, layout, syntax);
+    const bool sound = lyrvolume::codestreamProblem(stream, layout, syntax).empty();
+    require(stream.size() > 4 || !sound, "a stream without a header is refused");
 
     const Answered other(answer);
     lyrvolume::DicomDecoder decoder(other.socket());
@@ -85,4 +83,5 @@ void fuzz::dicomFrame(Bytes bytes) {
     require(decoded == problem.empty(), "a frame is refused with a reason");
     require(!decoded || frame.bytes.size() == layout.rows * layout.columns * lyrvolume::sampleBytes(frame.type),
             "a decoded frame has a sample for each pixel");
+    return bitIf(unpacked, 0) | bitIf(sound, 1) | bitIf(decoded, 2);
 }

@@ -9,25 +9,29 @@
 namespace fuzz {
 
 using Bytes = std::span<const unsigned char>;
+/** Which of its readers took an input, one bit for each: a reader that refuses everything keeps its promises as well.
+ */
+using Accepted = unsigned;
 
-void dicomFrame(Bytes bytes);
-void fontString(Bytes bytes);
-void legendSettings(Bytes bytes);
-void number(Bytes bytes);
-void objectFile(Bytes bytes);
-void placeholders(Bytes bytes);
-void presetFile(Bytes bytes);
-void presetNames(Bytes bytes);
-void volumeDicom(Bytes bytes);
-void volumeMetaImage(Bytes bytes);
-void volumeNifti(Bytes bytes);
-void volumeNrrd(Bytes bytes);
-void volumeTiff(Bytes bytes);
+Accepted dicomFrame(Bytes bytes);
+Accepted fontString(Bytes bytes);
+Accepted legendSettings(Bytes bytes);
+Accepted number(Bytes bytes);
+Accepted objectFile(Bytes bytes);
+Accepted placeholders(Bytes bytes);
+Accepted presetFile(Bytes bytes);
+Accepted presetNames(Bytes bytes);
+Accepted volumeDicom(Bytes bytes);
+Accepted volumeMetaImage(Bytes bytes);
+Accepted volumeNifti(Bytes bytes);
+Accepted volumeNrrd(Bytes bytes);
+Accepted volumeTiff(Bytes bytes);
 
 struct Target {
     const char* name;  ///< also the folder of its corpus
-    void (*run)(Bytes);
-    int longest;  ///< bytes of an input, where the fuzzer is not told otherwise
+    Accepted (*run)(Bytes);
+    Accepted readers;  ///< all of them; the corpus has an input for each
+    int longest;       ///< bytes of an input, where the fuzzer is not told otherwise
 };
 
 std::span<const Target> targets();
@@ -39,6 +43,10 @@ inline void require(bool kept, const char* promise) {
     if (!kept) {
         broken(promise);
     }
+}
+
+inline Accepted bitIf(bool taken, int reader) {
+    return taken ? 1U << reader : 0U;
 }
 
 inline std::string textOf(Bytes bytes) {

@@ -1,26 +1,32 @@
 #include "cli/Failure.h"
 #include "cli/LegendSettings.h"
-#include "fuzz/FuzzTargets.h"
+#include "fuzz/ObjectChecks.h"
 
+#include <colortable/LibraryInit.h>
 #include <colortable/legend/LegendPicture.h>
-#include <lyr_core/LyrHostIdentifiers.h>
-#include <lyr_core/LyrObjectFile.h>
-#include <lyr_core/LyrObjectPtr.h>
 #include <lys_core/LyqUnitConverter.h>
+
+#include <QGuiApplication>
 
 #include <sstream>
 
-void fuzz::fontString(Bytes bytes) {
+fuzz::Accepted fuzz::fontString(Bytes bytes) {
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
     bool valid = false;
     const QFont font = lys::legend::fontFromString(text, &valid);
     require(font.pointSizeF() > 0.0 || font.pixelSize() > 0, "a font has a size");
-    lys::legend::fontFromString(font.toString(), &valid);
-    require(valid, "what the toolkit writes for a font is a font description");
+    require(valid || font == QGuiApplication::font(), "what is no font gives the application's");
+    bool validAgain = false;
+    const QFont again = lys::legend::fontFromString(font.toString(), &validAgain);
+    require(validAgain, "what the toolkit writes for a font is a font description");
+    require(again == font, "a font that is written and read is the same");
+    return bitIf(valid, 0);
 }
 
 /** Each line is a NAME=VALUE of the option --set. */
-void fuzz::legendSettings(Bytes bytes) {
+fuzz::Accepted fuzz::legendSettings(Bytes bytes) {
+    // Registers the placeholders of captions.
+    [[maybe_unused]] static const bool ready = (LYQCOLORTABLE::LibraryInit::init(), true);
     std::vector<std::string> replacements;
     std::istringstream lines(textOf(bytes));
     for (std::string line; std::getline(lines, line);) {
@@ -32,11 +38,11 @@ void fuzz::legendSettings(Bytes bytes) {
     } catch (const lys::cli::Failure& failure) {
         require(failure.status() == lys::cli::ExitStatus::Unusable && failure.what()[0] != '\0',
                 "a refused replacement is told");
-        return;
+        return 0;
     }
     static LyqUnitConverter converter(Lyr::Length);
     const LyrObjectRefPtr table("LyrColorLookupTable", Lyr::TransientScope);
     lys::legend::read(table.get(), settings.get(), converter, QSize(200, 100), 96.0F);
-    std::string text;
-    LyrObjectFile::write(*settings, text);
+    checkWriting(*settings);
+    return bitIf(!replacements.empty(), 0);
 }

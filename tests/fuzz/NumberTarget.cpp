@@ -27,18 +27,20 @@ LyqUnitConverter& converterOf(unsigned char byte) {
     return *all[byte / 16 % std::size(all)];
 }
 
-void readTyped(const QString& text, const LyqUnitConverter& converter) {
-    bool ok = false;
-    const double value = converter.unitStringToInternal(text, &ok);
+bool readTyped(const QString& text, const LyqUnitConverter& converter) {
+    bool typed = false;
+    const double value = converter.unitStringToInternal(text, &typed);
     fuzz::require(std::isfinite(value), "a typed number is finite");
-    fuzz::require(ok || value == 0.0, "what is no number gives 0");
-    if (ok && std::isfinite(converter.internalToDisplay(value))) {
+    fuzz::require(typed || value == 0.0, "what is no number gives 0");
+    if (typed && std::isfinite(converter.internalToDisplay(value))) {
         const QString shown = converter.internalToDisplayString(value, LyqUnitConverter::WithUnit);
+        bool ok = false;
         const double again = converter.unitStringToInternal(shown, &ok);
         fuzz::require(ok, "what is shown can be typed back");
         // Six digits are shown; of denormals there are fewer.
         fuzz::require(std::abs(again - value) <= 1e-5 * std::abs(value) + 1e-300, "what is shown is the number");
     }
+    return typed;
 }
 
 template <class T>
@@ -59,22 +61,24 @@ void checkFormat(T value) {
 }  // namespace
 
 /** The first byte chooses locale and quantity, the rest is what was typed. */
-void fuzz::number(Bytes bytes) {
+fuzz::Accepted fuzz::number(Bytes bytes) {
     if (bytes.empty()) {
-        return;
+        return 0;
     }
     const std::string text = textOf(bytes.subspan(1));
     QLocale::setDefault(localeOf(bytes[0] % 16));
-    readTyped(QString::fromUtf8(text.data(), qsizetype(text.size())), converterOf(bytes[0]));
+    const bool typed = readTyped(QString::fromUtf8(text.data(), qsizetype(text.size())), converterOf(bytes[0]));
     QLocale::setDefault(QLocale::c());
-    if (const auto value = lys::cli::parseFloat(text)) {
-        checkFormat(*value);
+    const auto narrow = lys::cli::parseFloat(text);
+    if (narrow) {
+        checkFormat(*narrow);
     }
-    if (const auto value = lys::cli::parseDouble(text)) {
-        checkFormat(*value);
+    const auto wide = lys::cli::parseDouble(text);
+    if (wide) {
+        checkFormat(*wide);
     }
-    if (const auto count = lys::cli::parseCount(text)) {
-        require(*count >= 0, "a count is not negative");
-    }
+    const auto count = lys::cli::parseCount(text);
+    require(!count || *count >= 0, "a count is not negative");
     lys::cli::splitText(text, ',');
+    return bitIf(typed, 0) | bitIf(narrow.has_value(), 1) | bitIf(wide.has_value(), 2) | bitIf(count.has_value(), 3);
 }

@@ -71,7 +71,7 @@ std::string checkFileName(const std::string& name) {
     return file;
 }
 
-void checkName(const std::string& name) {
+bool checkName(const std::string& name) {
     const bool refused = !lys::presets::checkName(LyrString(name)).isNull();
     fuzz::require(refused != mayBeName(name), "what is text of a fitting length is a name, and nothing else");
     const std::string file = checkFileName(name);
@@ -80,15 +80,16 @@ void checkName(const std::string& name) {
     if (!refused && file.find('~') == std::string::npos) {
         fuzz::require(told.view() == name, "a name that its file holds whole is told back");
     }
+    return !refused;
 }
 
 }  // namespace
 
 /** Two names, apart by the first line break. */
-void fuzz::presetNames(Bytes bytes) {
+fuzz::Accepted fuzz::presetNames(Bytes bytes) {
     const auto [one, other] = halvesOf(bytes);
-    checkName(one);
-    checkName(other);
+    const bool taken = checkName(one);
+    const bool otherTaken = checkName(other);
     // By letter case as well: there are file systems that do not tell it apart.
     const bool sameFile =
         lowered(lys::presets::fileNameOf(LyrString(one))) == lowered(lys::presets::fileNameOf(LyrString(other)));
@@ -96,24 +97,27 @@ void fuzz::presetNames(Bytes bytes) {
     // Whatever a file is called that somebody put there.
     const LyrString told = lys::presets::nameOfFile(textOf(bytes));
     require(told.size() <= bytes.size(), "a file's name tells no more than it holds");
+    return bitIf(taken, 0) | bitIf(otherTaken, 1);
 }
 
 /** A file of presets: its name, a line break, its content. */
-void fuzz::presetFile(Bytes bytes) {
+fuzz::Accepted fuzz::presetFile(Bytes bytes) {
     const auto [path, content] = halvesOf(bytes);
     const PresetHeader header = PresetHeader::parse(path, content);
     require(!header.carriesName || !header.problem.isNull() || mayBeName(header.name.view()),
             "a name that a file carries is one, or told to be none");
+    const bool named = header.carriesName && header.problem.isNull();
     const LyrString name("fern \"\xC3\xA9\"\\");
-    std::string named = content;
-    if (!lysInsertPresetName(named, name)) {
-        require(named == content, "a file that cannot be named stays as it is");
-        return;
+    std::string renamed = content;
+    if (!lysInsertPresetName(renamed, name)) {
+        require(renamed == content, "a file that cannot be named stays as it is");
+        return bitIf(named, 0);
     }
-    const PresetHeader now = PresetHeader::parse(path, named);
+    const PresetHeader now = PresetHeader::parse(path, renamed);
     require(now.carriesName && now.name == name && now.problem.isNull(), "a file that was named carries that name");
     // Damage may lie in the name alone, and is gone with it.
     require(!header.problem.isNull() ||
                 (now.className == header.className && now.baseName == header.baseName && now.isNewer == header.isNewer),
             "naming a file changes nothing else");
+    return bitIf(named, 0) | bitIf(true, 1);
 }

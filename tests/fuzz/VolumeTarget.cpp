@@ -46,7 +46,7 @@ private:
 };
 
 /** Reads the bytes as a file of this name: its ending decides where the content does not. */
-void readVolume(const char* name, fuzz::Bytes bytes) {
+fuzz::Accepted readVolume(const char* name, fuzz::Bytes bytes) {
     static const Folder folder;
     std::shared_ptr<const LyrVolume> volume;
     LyrVolumeReader::Report report;
@@ -59,22 +59,23 @@ void readVolume(const char* name, fuzz::Bytes bytes) {
             static_cast<std::size_t>(size[0]) * static_cast<std::size_t>(size[1]) * static_cast<std::size_t>(size[2]);
         fuzz::require(volume->samples().size() == count, "a volume has a sample for each voxel");
     }
+    return fuzz::bitIf(read, 0);
 }
 
 }  // namespace
 
-void fuzz::volumeDicom(Bytes bytes) {
-    readVolume("input.dcm", bytes);
+fuzz::Accepted fuzz::volumeDicom(Bytes bytes) {
+    return readVolume("input.dcm", bytes);
 }
-void fuzz::volumeMetaImage(Bytes bytes) {
-    readVolume("input.mhd", bytes);
+fuzz::Accepted fuzz::volumeMetaImage(Bytes bytes) {
+    return readVolume("input.mhd", bytes);
 }
-void fuzz::volumeNifti(Bytes bytes) {
-    readVolume("input.nii", bytes);
+fuzz::Accepted fuzz::volumeNifti(Bytes bytes) {
+    return readVolume("input.nii", bytes);
 }
-void fuzz::volumeNrrd(Bytes bytes) {
-    readVolume("input.nhdr", bytes);
+fuzz::Accepted fuzz::volumeNrrd(Bytes bytes) {
+    return readVolume("input.nhdr", bytes);
 }
-void fuzz::volumeTiff(Bytes bytes) {
-    readVolume("input.tif", bytes);
+fuzz::Accepted fuzz::volumeTiff(Bytes bytes) {
+    return readVolume("input.tif", bytes);
 }

@@ -188,6 +188,15 @@ TEST_F(LegendPicture, fonts_are_read_with_every_style_strategy_that_the_toolkit_
     }
 }
 
+TEST_F(LegendPicture, a_font_of_a_size_with_many_digits_is_the_same_after_writing_it) {
+    bool valid = false;
+    const QFont font = fontFromString(QStringLiteral("Arial,9.1234567,-1,5,400,0,0,0,0,0,0,0,0,0,0,1"), &valid);
+    EXPECT_TRUE(valid);
+    EXPECT_EQ(font.pointSizeF(), 9.12346);
+    EXPECT_EQ(fontFromString(font.toString(), &valid), font);
+    EXPECT_EQ(fontFromString(QStringLiteral("Arial,10.5,-1,5,50,0,0,0,0,0")).pointSizeF(), 10.5);
+}
+
 TEST_F(LegendPicture, what_is_no_font_gives_the_applications) {
     const QString numbers = QStringLiteral(",5,400,0,0,0,0,0,0,0,%1,%2,0,0");
     for (const QString& junk :
