@@ -238,6 +238,7 @@ TEST_P(EveryProperty, is_the_same_after_saving_and_loading) {
     const LyrObjectRefPtr object(GetParam(), Lyr::DocumentScope);
     ASSERT_TRUE(object);
     ASSERT_TRUE(everyproperty::changeAll(*object.get()));
+    object.get()->setNameTemplate("a \"name\" \xc3\xa4");
     std::string text;
     ASSERT_TRUE(LyrObjectFile::write(*object.get(), text));
 

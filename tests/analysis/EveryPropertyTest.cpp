@@ -16,6 +16,8 @@
 #include <set>
 
 INSTANTIATE_TEST_SUITE_P(HostClass, EveryProperty, testing::ValuesIn(storedclasses::HOST), nameOfClass);
+INSTANTIATE_TEST_SUITE_P(ClassWithout, EveryProperty, testing::ValuesIn(storedclasses::WITHOUT_PROPERTIES),
+                         nameOfClass);
 INSTANTIATE_TEST_SUITE_P(Class, EveryProperty, testing::ValuesIn(storedclasses::ANALYSIS), nameOfClass);
 
 namespace {
