@@ -19,11 +19,11 @@ fail() {
 # locale themselves. Files that the toolkit for images writes are left out: in German it writes the numbers of its headers
 # with a comma.
 parts=(
-    "test_lyr_core LyrObjectFile*:LyrFileSaver.*:LyrString*:LyrQuantity*:Lyrenum*:LyrMetaClass*:-*Fault*:*many_processes*:*.more_*:*the_locale_plays*"
+    "test_lyr_core LyrObjectFile*:LyrFileSaver.*:LyrString*:LyrQuantity*:Lyrenum*:LyrMetaClass*:-*Fault*:*many_processes*:*.more_*:*the_locale_plays*:*megabytes*:*monstrous*:*too_many_objects*"
     "test_lys_core UnitConverter.*:Placeholders.*:LyqPresetHandlerTest.*:LyqPresetStoreTest.*"
     "test_colortable */EveryProperty*"
     "test_colortable_eval SectionRule.*:ScalarTable.*:-*random*"
-    "test_colortable_presets LyqPresetColortableHandler*:LyrPresetColortableProxyObject*:InstalledPresets*:BadPresetFiles*"
+    "test_colortable_presets LyqPresetColortableHandler*:LyrPresetColortableProxyObject*:InstalledPresets*:BadPresetFiles*:-*every_cut*"
     "test_colortable_legend LegendLayout.*:LegendPicture.*:RenderSettings.*"
     "test_fuzz *"
     "test_lyr_volume *Reader.*:-*cut*:*damaged*:LyrVolumeReader.*casting*"
@@ -33,7 +33,7 @@ parts=(
 )
 # Each of these cases runs the program once or more: one or two of each command, of those that write or read numbers.
 commands=(
-    "Create.a_smooth_table*" "Create.stepped_tables*" "Info.the_rainbow*" "Info.a_table_file*" "Info.a_volume_is_told*"
+    "Create.a_smooth_table*" "Info.the_rainbow*" "Info.a_table_file*" "Info.a_volume_is_told*"
     "MapAt.the_default_rainbow*" "MapAt.values_are_the_nearest*" "MapAt.denormals*" "MapRange.positions_are_formed*"
     "MapVolume.a_whole_volume*" "Legend.the_description*" "Legend.unit_and_locale*" "Presets.show_tells*"
 )
@@ -112,6 +112,8 @@ run_parts() {
 
 run_in() {
     export LC_ALL="$1" LD_PRELOAD="$use_locale"
+    set -E
+    trap 'printf "run_in_locales: %s fails in %s\n" "$BASH_COMMAND" "$LC_ALL" >&2' ERR
     run_parts "$work/$1.log"
     save "$work/$1"
 }
