@@ -1584,6 +1584,10 @@ Die angegebenen Parameter sind ungültig.</translation>
         <source>&amp;Cancel</source>
         <translation>&amp;Abbrechen</translation>
     </message>
+    <message>
+        <source>There is not enough memory to undo this later: nothing was changed. Close other programs and try again.</source>
+        <translation>Der Speicher reicht nicht, um dies später rückgängig zu machen: Nichts wurde geändert. Schließen Sie andere Programme und versuchen Sie es noch einmal.</translation>
+    </message>
 </context>
 <context>
     <name>workbench::HistoryModel</name>

@@ -93,10 +93,17 @@ bool ContentFiles::open(const LyqLayer::Content& content, const QString& file, Q
     const LyrObjectPtr held(content.object);
     {
         LyqApplication::UserActionScope action(tr("Open %1").arg(content.title));
-        if (!addSnapshots(*content.object) ||
-            !LyrObjectFile::loadInto(QFile::encodeName(file).toStdString(), *content.object, report)) {
+        const bool mayLoad = action.isOpen() && addSnapshots(*content.object);
+        if (mayLoad && !LyrObjectFile::loadInto(QFile::encodeName(file).toStdString(), *content.object, report)) {
             action.abort();
             message = toQString(report.message);
+            return false;
+        }
+        if (!mayLoad || !action.end()) {
+            action.abort();
+            message =
+                tr("There is not enough memory to undo this later: nothing was changed. Close other programs and try "
+                   "again.");
             return false;
         }
     }

@@ -232,8 +232,7 @@ bool create(LyrObject* table, const LyrVector3<float>& parameters, Lyrenum type,
         application.userActionAborted(token);
         return false;
     }
-    application.userActionEnd(token, QString());
-    return true;
+    return application.userActionEnd(token, QString());
 }
 
 }  // namespace

@@ -148,13 +148,16 @@ std::unique_ptr<LyrUndoStep> LyrUndoJournal::closeFrom(std::size_t level) noexce
     return step;
 }
 
-void LyrUndoJournal::handOver(std::unique_ptr<LyrUndoStep> step) noexcept {
+/** False if the step could not be kept: writes that nobody can undo later do not stay. */
+bool LyrUndoJournal::handOver(std::unique_ptr<LyrUndoStep> step) noexcept {
+    if (!step || step->isEmpty() || !mSink) {
+        return true;
+    }
     try {
-        if (step && !step->isEmpty() && mSink) {
-            mSink->stepFinished(std::move(step));
-        }
+        return mSink->stepFinished(step);
     } catch (...) {
         LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+        return !step || !step->undo();
     }
 }
 
@@ -171,8 +174,7 @@ bool LyrUndoJournal::end(Token token, const LyrString& name) noexcept {
             LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
         }
     }
-    handOver(std::move(step));
-    return true;
+    return handOver(std::move(step));
 }
 
 bool LyrUndoJournal::abort(Token token) noexcept {

@@ -66,7 +66,9 @@ public:
     class LYR_CORE_EXPORT Sink {
     public:
         virtual ~Sink();
-        virtual void stepFinished(std::unique_ptr<LyrUndoStep> step) = 0;
+        /** Takes the step. False, and an error, if it could not be kept and has been undone instead. A sink that throws
+         * before it took the step leaves that to the journal. */
+        virtual bool stepFinished(std::unique_ptr<LyrUndoStep>& step) = 0;
     };
 
     /** Names an open action; 0 is none. */
@@ -81,7 +83,8 @@ public:
      * action outside of it. */
     Token begin(const LyrString& name) noexcept;
     /** Ends an action and all that are open inside it. The step takes the outermost action's name unless `name` here is
-     * not empty. False if the token names no open action. */
+     * not empty. False if the token names no open action; false, and an error, if its step could not be kept: its
+     * writes have then been taken back. */
     bool end(Token token, const LyrString& name = LyrString()) noexcept;
     /** Takes back what an action, and those inside it, recorded, and ends it. False if the token names no open action,
      * or if something could not be taken back: that stays recorded. */
@@ -115,7 +118,7 @@ private:
     LyrUndoJournal() = default;
     std::size_t levelOf(Token token) const noexcept;
     std::unique_ptr<LyrUndoStep> closeFrom(std::size_t level) noexcept;
-    void handOver(std::unique_ptr<LyrUndoStep> step) noexcept;
+    bool handOver(std::unique_ptr<LyrUndoStep> step) noexcept;
     bool rollBack(std::unique_ptr<LyrUndoStep>& step, std::size_t firstEntry) noexcept;
 
     Sink* mSink = nullptr;

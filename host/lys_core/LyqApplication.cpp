@@ -18,6 +18,8 @@
 #include <QUndoStack>
 #include <QWidget>
 
+#include <utility>
+
 namespace {
 
 LyrString toHostString(const QString& text) {
@@ -40,14 +42,19 @@ constexpr int NO_GESTURE = -1;
 }  // namespace
 
 struct LyqApplication::Private : LyrUndoJournal::Sink, LyrModuleLoader::UnloadGuard {
-    void stepFinished(std::unique_ptr<LyrUndoStep> step) override {
+    bool stepFinished(std::unique_ptr<LyrUndoStep>& step) override {
         try {
-            history.push(new LyqUndoCommand(std::move(step), gesture));
+            history.push(std::make_unique<LyqUndoCommand>(step, gesture).release());
         } catch (...) {
-            // Without this step the older ones would bring back something that never was.
             LyrError::emitError(LyrError::Message(Lyr::AllocationFailed));
+            if (step && step->undo()) {
+                return false;
+            }
+            // A list is being read, or the stack itself threw and nobody can tell whether it has the step. Without it
+            // the older ones would bring back something that never was.
             history.clear();
         }
+        return true;
     }
 
     LyrString reasonToStay(const char* module) override {
@@ -238,6 +245,14 @@ LyqApplication::UserActionScope::UserActionScope(const QString& name) : mToken(i
 
 LyqApplication::UserActionScope::~UserActionScope() {
     instance().userActionEnd(mToken);
+}
+
+bool LyqApplication::UserActionScope::isOpen() const {
+    return mToken != 0;
+}
+
+bool LyqApplication::UserActionScope::end() {
+    return instance().userActionEnd(std::exchange(mToken, 0));
 }
 
 void LyqApplication::UserActionScope::abort() {

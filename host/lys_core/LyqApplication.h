@@ -44,8 +44,8 @@ public:
     /** Opens a user action; 0, and an error, without memory. The outermost is one undo step, inner ones its parts. */
     UserActionToken userActionBegin(const QString& name);
     /** Ends a user action. A name that is not empty replaces the step's name when the action is the outermost. An
-     * action that recorded nothing leaves no step and keeps the redo history. False if the token names no open action.
-     */
+     * action that recorded nothing leaves no step and keeps the redo history. False if the token names no open action;
+     * false, and an error, if there is no memory for the step: what the action recorded has then been taken back. */
     bool userActionEnd(UserActionToken token, const QString& name = QString());
     /** Takes back what the action recorded, alone, and ends it. False if the token names no open action, or if
      * something could not be taken back (a list that is being read): that stays a part of the step. */
@@ -85,6 +85,10 @@ public:
     UserActionScope(const UserActionScope&) = delete;
     UserActionScope& operator=(const UserActionScope&) = delete;
 
+    /** False where there was no memory for an action, or once it has been ended. */
+    bool isOpen() const;
+    /** Ends the action now; the destructor has nothing left to end. The result is that of userActionEnd(). */
+    bool end();
     /** Takes back what was recorded; the destructor has nothing left to end. */
     void abort();
 

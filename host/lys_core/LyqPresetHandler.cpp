@@ -131,8 +131,8 @@ bool LyqPresetHandler::applyPreset(const LyrString& name, Lyrenum kind) {
 bool LyqPresetHandler::applyInAction(const LyrString& name, Lyrenum kind, LyrObject& object) {
     const QString action = QCoreApplication::translate("LyqPresetHandler", "Apply preset \"%1\"");
     LyqApplication::UserActionScope scope(action.arg(static_cast<QString>(getPresetText(name, kind))));
-    if (addSnapshots(object) && presetToApp(name, kind)) {
-        return true;
+    if (scope.isOpen() && addSnapshots(object) && presetToApp(name, kind)) {
+        return scope.end();
     }
     scope.abort();
     return false;

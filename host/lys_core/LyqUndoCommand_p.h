@@ -9,8 +9,8 @@
 /** A finished step of the journal as an entry of the undo history. */
 class LyqUndoCommand : public QUndoCommand {
 public:
-    /** `gesture` is -1 for a step that never merges. */
-    LyqUndoCommand(std::unique_ptr<LyrUndoStep> step, int gesture)
+    /** Takes the step once nothing can fail any more. `gesture` is -1 for a step that never merges. */
+    LyqUndoCommand(std::unique_ptr<LyrUndoStep>& step, int gesture)
         : QUndoCommand(QString::fromUtf8(step->getName().utf8())), mStep(std::move(step)), mGesture(gesture) {}
 
     int id() const override { return mGesture; }

@@ -236,15 +236,54 @@ TEST_F(LyrUndoJournalListenerTest, drops_a_step_that_nobody_takes) {
     EXPECT_TRUE(gone);
 }
 
-TEST_F(LyrUndoJournalListenerTest, reports_a_sink_that_fails) {
+TEST_F(LyrUndoJournalListenerTest, takes_the_writes_back_that_a_failing_sink_does_not_take) {
     struct Failing : LyrUndoJournal::Sink {
-        void stepFinished(std::unique_ptr<LyrUndoStep>) override { throw std::bad_alloc(); }
+        bool stepFinished(std::unique_ptr<LyrUndoStep>&) override { throw std::bad_alloc(); }
     } failing;
     journal().setSink(&failing);
     Action action;
     node->weight.setValue(1.0f);
     Errors errors;
-    EXPECT_TRUE(action.end());
+    EXPECT_FALSE(action.end());
     EXPECT_EQ(errors.codes, std::vector<int>{Lyr::AllocationFailed});
+    EXPECT_EQ(node->weight.stored(), 0.0f);
     EXPECT_FALSE(journal().isOpen());
+}
+
+TEST_F(LyrUndoJournalListenerTest, leaves_the_writes_of_a_step_that_a_failing_sink_took_or_that_cannot_be_undone) {
+    struct Failing : LyrUndoJournal::Sink {
+        bool stepFinished(std::unique_ptr<LyrUndoStep>& step) override {
+            if (takes) {
+                taken = std::move(step);
+            }
+            throw std::bad_alloc();
+        }
+        bool takes = true;
+        std::unique_ptr<LyrUndoStep> taken;
+    } failing;
+    journal().setSink(&failing);
+    Errors errors;
+    Action first;
+    node->weight.setValue(1.0f);
+    EXPECT_TRUE(first.end());
+    EXPECT_EQ(node->weight.stored(), 1.0f);
+    failing.takes = false;
+    Action second;
+    setList(node->numbers, {1.0f});
+    const float* items = node->numbers.lockArrayPtr();
+    EXPECT_TRUE(second.end());
+    EXPECT_EQ(errors.codes, (std::vector<int>{Lyr::AllocationFailed, Lyr::AllocationFailed, Lyr::Locked}));
+    node->numbers.unlockArrayPtr(items);
+    EXPECT_EQ(itemsOf(node->numbers), std::vector{1.0f});
+}
+
+TEST_F(LyrUndoJournalListenerTest, tells_that_a_sink_did_not_keep_a_step) {
+    struct Undoing : LyrUndoJournal::Sink {
+        bool stepFinished(std::unique_ptr<LyrUndoStep>& step) override { return !step->undo(); }
+    } undoing;
+    journal().setSink(&undoing);
+    Action action;
+    node->weight.setValue(1.0f);
+    EXPECT_FALSE(action.end());
+    EXPECT_EQ(node->weight.stored(), 0.0f);
 }

@@ -224,7 +224,10 @@ class Steps : public LyrUndoJournal::Sink {
 public:
     Steps() { LyrUndoJournal::instance().setSink(this); }
     ~Steps() override { LyrUndoJournal::instance().setSink(nullptr); }
-    void stepFinished(std::unique_ptr<LyrUndoStep> step) override { steps.push_back(std::move(step)); }
+    bool stepFinished(std::unique_ptr<LyrUndoStep>& step) override {
+        steps.push_back(std::move(step));
+        return true;
+    }
 
     std::size_t size() const { return steps.size(); }
     LyrUndoStep& operator[](std::size_t index) { return *steps[index]; }

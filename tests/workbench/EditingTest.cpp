@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <lyr_core/LyrHostIdentifiers.h>
 #include <lyr_core/LyrPropertyPtr.h>
+#include <lyr_core/LyrUndoJournal.h>
 #include <lyr_core/LyrUnitIdentifiers.h>
 #include <lys_core/LyqApplication.h>
 #include <lys_core/LyqLayer.h>
@@ -26,6 +27,9 @@
 #include <QTest>
 #include <QTimer>
 #include <QUndoStack>
+
+#include <memory>
+#include <new>
 
 namespace {
 
@@ -257,6 +261,28 @@ TEST_F(Editing, settings_of_a_legend_are_saved_and_opened) {
     ASSERT_TRUE(lyrSetValue(settings, thickness, 44LL));
     ASSERT_TRUE(window->contents().open(contents()[1], file, message)) << message.toStdString();
     EXPECT_EQ(lyrGetValue(settings, thickness, 0LL), 33LL);
+}
+
+TEST_F(Editing, a_table_whose_opening_could_not_be_undone_is_not_opened) {
+    struct Full : LyrUndoJournal::Sink {
+        Full() { LyrUndoJournal::instance().setSink(this); }
+        ~Full() override { LyrUndoJournal::instance().setSink(before); }
+        bool stepFinished(std::unique_ptr<LyrUndoStep>&) override { throw std::bad_alloc(); }
+        LyrUndoJournal::Sink* before = LyrUndoJournal::instance().getSink();
+    };
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("colors.json");
+    QString message;
+    ASSERT_TRUE(window->contents().save(contents()[0], file, message)) << message.toStdString();
+    typeBound("15000");
+    {
+        const Full full;
+        EXPECT_FALSE(window->contents().open(contents()[0], file, message));
+    }
+    EXPECT_TRUE(message.contains("memory")) << message.toStdString();
+    EXPECT_EQ(positions(), std::vector<float>({first[0], 15000.0f}));
+    EXPECT_TRUE(window->isWindowModified());
+    EXPECT_EQ(history().count(), 1);
 }
 
 TEST_F(Editing, a_file_that_cannot_be_opened_is_a_message_and_changes_nothing) {

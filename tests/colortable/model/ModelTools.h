@@ -166,7 +166,10 @@ class Steps : public LyrUndoJournal::Sink {
 public:
     Steps() : mBefore(LyrUndoJournal::instance().getSink()) { LyrUndoJournal::instance().setSink(this); }
     ~Steps() override { LyrUndoJournal::instance().setSink(mBefore); }
-    void stepFinished(std::unique_ptr<LyrUndoStep> step) override { steps.push_back(std::move(step)); }
+    bool stepFinished(std::unique_ptr<LyrUndoStep>& step) override {
+        steps.push_back(std::move(step));
+        return true;
+    }
     std::vector<std::unique_ptr<LyrUndoStep>> steps;
 
 private:

@@ -67,6 +67,13 @@ struct TableInAction : OwnTable {
         before = content();
     }
     ~TableInAction() { application.userActionAborted(token); }
+    /** The action recorded all that was written: taken back, it leaves the table of before. */
+    void expectAbort() {
+        EXPECT_TRUE(application.userActionAborted(token));
+        EXPECT_EQ(content(), atStart);
+        EXPECT_EQ(application.undoStack().count(), 0);
+    }
+    undowalk::TableContent atStart = before;  // before the constructor writes
     LyqApplication::UserActionToken token;
 };
 
@@ -78,8 +85,13 @@ TEST(ScarceGenerators, build_a_whole_table_or_leave_the_old_one) {
             [&](OwnTable& own) { return GENERATORS[i](*own.table); },
             [&](OwnTable& own, bool done) {
                 done ? own.expectWhole(POSITIONS[i]) : own.expectAsBefore();
-                EXPECT_LE(own.application.undoStack().count(), done ? 1 : 0);
+                // No table without an undo step: where there is no memory for the step, there is no new table either.
+                EXPECT_EQ(own.application.undoStack().count(), done ? 1 : 0);
                 EXPECT_FALSE(LyrUndoJournal::instance().isOpen());
+                if (done) {
+                    EXPECT_TRUE(own.application.undo());
+                    EXPECT_EQ(own.content(), own.before);
+                }
             });
         EXPECT_GT(failures, 30);
     }
@@ -89,7 +101,10 @@ TEST(ScarceGenerators, leave_the_old_table_inside_of_an_action_that_goes_on) {
     for (std::size_t i = 0; i < std::size(GENERATORS); ++i) {
         const int failures = scarce::withEachAllocationFailing<TableInAction>(
             [&](TableInAction& own) { return GENERATORS[i](*own.table); },
-            [&](TableInAction& own, bool done) { done ? own.expectWhole(POSITIONS[i]) : own.expectAsBefore(); });
+            [&](TableInAction& own, bool done) {
+                done ? own.expectWhole(POSITIONS[i]) : own.expectAsBefore();
+                own.expectAbort();
+            });
         EXPECT_GT(failures, 30);
     }
 }
@@ -103,9 +118,56 @@ TEST(ScarceGenerators, run_as_actions_whole_or_not_at_all) {
                 return lyrSetValue(own.table.get(), Lyr::CreationParameters, parameters[i]) &&
                        own.table->runAction(actions[i]);
             },
-            [&](TableInAction& own, bool done) { done ? own.expectWhole(POSITIONS[i]) : own.expectAsBefore(); });
+            [&](TableInAction& own, bool done) {
+                done ? own.expectWhole(POSITIONS[i]) : own.expectAsBefore();
+                own.expectAbort();
+            });
         EXPECT_GT(failures, 30);
     }
+}
+
+TEST(ScarceGenerators, keep_the_steps_before_when_there_is_no_memory_for_their_own) {
+    struct TwoSteps : OwnTable {
+        TwoSteps() {
+            EXPECT_TRUE(Table::createSmooth(table.get(), 0.0f, 9.0f, Lyr::Rainbow));
+            first = content();
+            objects = objectCount();
+        }
+        undowalk::TableContent first;
+    };
+    int refused = 0;
+    scarce::withEachAllocationFailing<TwoSteps>([&](TwoSteps& own) { return GENERATORS[1](*own.table); },
+                                                [&](TwoSteps& own, bool done) {
+                                                    ASSERT_EQ(own.application.undoStack().count(), done ? 2 : 1);
+                                                    if (!done) {
+                                                        ++refused;
+                                                        EXPECT_EQ(own.content(), own.first);
+                                                        EXPECT_EQ(objectCount(), own.objects);
+                                                        EXPECT_TRUE(own.application.undo());
+                                                        EXPECT_EQ(own.content(), own.before);
+                                                    }
+                                                });
+    EXPECT_GT(refused, 60);
+}
+
+TEST(ScarceGenerators, leave_no_history_that_lacks_the_step_of_a_table_that_stays) {
+    const OwnTable own;
+    ASSERT_TRUE(GENERATORS[0](*own.table));
+    const auto token = own.application.userActionBegin(QStringLiteral("outer"));
+    ASSERT_TRUE(GENERATORS[1](*own.table));
+    // A list that is being read can neither be written nor written back.
+    const LyrValueArrayOPPtr<LyrValueArrayPropertyIF<float>> positions(own.table.get(), Lyr::PositionList);
+    const float* items = positions->lockArrayPtr();
+    const scarce::ErrorCount errors;
+    {
+        const ScarceMemory memory(0, ScarceMemory::Failing::ForGood);
+        EXPECT_TRUE(own.application.userActionEnd(token));
+        EXPECT_TRUE(memory.hasFailed());
+    }
+    positions->unlockArrayPtr(items);
+    EXPECT_GE(errors.count, 2) << "no memory, and a locked list";
+    own.expectWhole(POSITIONS[1]);
+    EXPECT_EQ(own.application.undoStack().count(), 0);
 }
 
 TEST(ScarceGenerators, are_undone_and_redone_without_needing_any) {

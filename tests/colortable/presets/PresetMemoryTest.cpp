@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <new>
+#include <string>
 
 using namespace presets;
 
@@ -55,6 +57,7 @@ TEST_F(PresetMemory, a_handler_without_memory_for_its_parts_says_so_and_works) {
 
 TEST_F(PresetMemory, a_handler_made_by_name_without_memory_is_none_or_there_and_nothing_is_thrown) {
     bool hasFailed = true;
+    int failures = 0;
     for (int n = 0; n < ALLOCATIONS && hasFailed; ++n) {
         LyrClass* made = nullptr;
         {
@@ -62,11 +65,34 @@ TEST_F(PresetMemory, a_handler_made_by_name_without_memory_is_none_or_there_and_
             EXPECT_NO_THROW(made = LyrMetaClass::create("LyqPresetColortableHandler"));
             hasFailed = scarce.hasFailed();
         }
+        failures += hasFailed ? 1 : 0;
         const LyrObjectPtr handle(static_cast<LyrObject*>(made));
         const auto told = errors.take();
         EXPECT_TRUE(made || (told.size() == 1 && told[0].code == ALLOCATION_FAILED)) << n;
     }
     EXPECT_FALSE(hasFailed);
+    EXPECT_GT(failures, 5);
+}
+
+TEST_F(PresetMemory, a_preset_that_could_not_be_undone_is_not_applied_and_says_so) {
+    struct Full : LyrUndoJournal::Sink {
+        Full() { LyrUndoJournal::instance().setSink(this); }
+        ~Full() override { LyrUndoJournal::instance().setSink(before); }
+        bool stepFinished(std::unique_ptr<LyrUndoStep>&) override { throw std::bad_alloc(); }
+        LyrUndoJournal::Sink* before = LyrUndoJournal::instance().getSink();
+    };
+    ASSERT_TRUE(handler->savePresetAs("plain"));
+    makeUnusual(*table.get());
+    const std::string unusual = textOf(*table);
+    {
+        const Full full;
+        EXPECT_FALSE(handler->applyPreset("plain", Lyr::UserPreset));
+    }
+    EXPECT_FALSE(handler->getMessage().isEmpty());
+    EXPECT_EQ(errors.take(), (std::vector<Errors::Entry>{{nullptr, ALLOCATION_FAILED}}));
+    EXPECT_EQ(textOf(*table), unusual);
+    EXPECT_TRUE(handler->applyPreset("plain", Lyr::UserPreset)) << handler->getMessage().utf8();
+    EXPECT_NE(textOf(*table), unusual);
 }
 
 TEST_F(PresetMemory, a_proxy_that_cannot_register_its_properties_says_so) {
