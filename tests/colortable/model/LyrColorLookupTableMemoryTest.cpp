@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "ModelTools.h"
-#include "scarce/ScarceMemory.h"
+#include "scarce/EachAllocation.h"
 
 using namespace model;
 using testing::ElementsAre;
@@ -32,27 +32,47 @@ LyrObjectPtr withoutPrivatePart(Errors& errors) {
     return object;
 }
 
-/** Runs `work` again and again, each time with the next of its allocations failing, until none is left to fail. Nothing
- * may be thrown, and whatever `work` returns false for must have been reported. Returns how many allocations failed. */
+/** Runs `work` again and again, each time with the next of its allocations failing, once and for good, until none is
+ * left to fail. Returns how many allocations failed once each. */
 template <class Work>
 int withEachAllocationFailing(Work work) {
-    for (int n = 0; n < 5000; ++n) {
-        Errors errors;
-        bool done = false;
-        bool failed = false;
-        {
-            const ScarceMemory scarce(n);
-            EXPECT_NO_THROW(done = work()) << "allocation " << n;
-            failed = scarce.hasFailed();
-        }
-        const bool reported = !errors.take().empty();
-        EXPECT_TRUE(done || reported) << "allocation " << n << " failed in silence";
-        if (!failed) {
-            EXPECT_TRUE(done);
-            return n;
-        }
+    struct Nothing {};
+    return scarce::withEachAllocationFailing<Nothing>([&](Nothing&) { return work(); }, [](Nothing&, bool) {});
+}
+
+/** A table with a constant section between each two of `count` boundaries from -1 on, and beside them. */
+Held<Table> tableOfBoundaries(int count) {
+    auto table = newTable();
+    std::vector<float> positions;
+    std::vector<LyrObject*> sections = {redSection(-1)};
+    for (int i = 0; i < count; ++i) {
+        positions.push_back(static_cast<float>(i) / 150.0f - 1.0f);
+        sections.push_back(redSection(static_cast<float>(i)));
     }
-    return -1;
+    EXPECT_TRUE(setList(*table, Lyr::PositionList, positions));
+    EXPECT_TRUE(setSections(*table, sections));
+    return table;
+}
+
+/** Colours values below, in and above all sections of a table, with each allocation failing. Returns how many failed.
+ */
+int colouredWithEachAllocationFailing(const Table& table) {
+    std::vector<float> values;
+    for (int i = 0; i < 5000; ++i) {
+        values.push_back(static_cast<float>(i) / 2000.0f - 1.25f);
+    }
+    std::vector<Color> expected(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        EXPECT_TRUE(table.getColor(values[i], expected[i]));
+    }
+    std::vector<Color> out(values.size());
+    return withEachAllocationFailing([&] {
+        std::fill(out.begin(), out.end(), untouched);
+        const bool done = table.getColors(static_cast<long long>(values.size()), values.data(), out.data());
+        EXPECT_TRUE(done);
+        EXPECT_EQ(std::memcmp(out.data(), expected.data(), out.size() * sizeof(Color)), 0);
+        return done;
+    });
 }
 
 }  // namespace
@@ -161,53 +181,33 @@ TEST(LyrColorLookupTableMemory, a_reset_bears_every_failing_allocation) {
 }
 
 TEST(LyrColorLookupTableMemory, a_recorded_write_that_finds_no_memory_changes_nothing) {
-    const auto table = newTable();
-    const std::vector<LyrObject*> sections = sectionsOf(*table);
-    const LyrObjectPtr fresh(redSection(0.5f));
-    const LyrObjectLink links[] = {{fresh.get(), nullptr, -1}, {sections[1], nullptr, -1}, {sections[2], nullptr, -1}};
-    auto& journal = LyrUndoJournal::instance();
-    const auto token = journal.begin(LyrString::fromUtf8("test"));
-    const LyrValueArrayOPPtr<LyrLinkListIF> list(table.get(), Lyr::SectionList);
-    const int failed = withEachAllocationFailing([&] {
-        const bool done = list->initArray(0, 2, links);
-        EXPECT_EQ(list->getArraySize(), 3);
-        LyrObjectLink first;
-        EXPECT_TRUE(list->getArrayItems(0, 0, &first));
-        EXPECT_EQ(first.getLink(), done ? fresh.get() : sections[0]);
-        return done;
-    });
+    struct TableInAction {
+        ~TableInAction() { LyrUndoJournal::instance().abort(token); }
+        Held<Table> table = newTable();
+        std::vector<LyrObject*> before = sectionsOf(*table);
+        LyrObjectPtr fresh{redSection(0.5f)};
+        LyrValueArrayOPPtr<LyrLinkListIF> list{table.get(), Lyr::SectionList};
+        LyrUndoJournal::Token token = LyrUndoJournal::instance().begin(LyrString::fromUtf8("test"));
+    };
+    const int failed = scarce::withEachAllocationFailing<TableInAction>(
+        [](TableInAction& own) {
+            const LyrObjectLink links[] = {
+                {own.fresh.get(), nullptr, -1}, {own.before[1], nullptr, -1}, {own.before[2], nullptr, -1}};
+            return own.list->initArray(0, 2, links);
+        },
+        [](TableInAction& own, bool done) {
+            const std::vector<LyrObject*> written = {own.fresh.get(), own.before[1], own.before[2]};
+            EXPECT_EQ(sectionsOf(*own.table), done ? written : own.before);
+            EXPECT_TRUE(LyrUndoJournal::instance().abort(own.token));
+            EXPECT_EQ(sectionsOf(*own.table), own.before);
+        });
     EXPECT_GT(failed, 3);
-    ASSERT_TRUE(journal.abort(token));
-    EXPECT_EQ(sectionsOf(*table), sections);
 }
 
 TEST(LyrColorLookupTableMemory, colouring_bears_every_failing_allocation_and_gives_the_same_colours) {
-    const auto table = newTable();
-    const auto wide = newTable();
-    std::vector<float> positions;
-    std::vector<LyrObject*> sections = {redSection(-1)};
-    for (int i = 0; i < 300; ++i) {
-        positions.push_back(static_cast<float>(i) / 150.0f - 1.0f);
-        sections.push_back(redSection(static_cast<float>(i)));
-    }
-    ASSERT_TRUE(setList(*wide, Lyr::PositionList, positions));
-    ASSERT_TRUE(setSections(*wide, sections));
-    std::vector<float> values;
-    for (int i = 0; i < 5000; ++i) {
-        values.push_back(static_cast<float>(i) / 2000.0f - 1.25f);
-    }
-    for (const Table* tested : {table.get(), wide.get()}) {
-        std::vector<Color> expected(values.size());
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            ASSERT_TRUE(tested->getColor(values[i], expected[i]));
-        }
-        std::vector<Color> out(values.size());
-        withEachAllocationFailing([&] {
-            std::fill(out.begin(), out.end(), untouched);
-            const bool done = tested->getColors(static_cast<long long>(values.size()), values.data(), out.data());
-            EXPECT_TRUE(done);
-            EXPECT_EQ(std::memcmp(out.data(), expected.data(), out.size() * sizeof(Color)), 0);
-            return done;
-        });
-    }
+    // One for the sections as plain data, one for the plan itself; up to 63 boundaries have room inside of both.
+    EXPECT_EQ(colouredWithEachAllocationFailing(*newTable()), 0);
+    EXPECT_EQ(colouredWithEachAllocationFailing(*tableOfBoundaries(63)), 0);
+    EXPECT_EQ(colouredWithEachAllocationFailing(*tableOfBoundaries(64)), 2);
+    EXPECT_EQ(colouredWithEachAllocationFailing(*tableOfBoundaries(300)), 2);
 }

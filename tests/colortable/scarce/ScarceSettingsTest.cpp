@@ -158,12 +158,22 @@ TEST(ScarceSettings, tell_when_an_assignment_or_a_reset_is_not_complete) {
     EXPECT_GT(scarce::withEachAllocationFailing<Two>(
                   [](Two& fixture) { return fixture.other->copyFrom(*fixture.settings.get()); }, judge),
               0);
-    scarce::withEachAllocationFailing<Settings>(
-        [](Settings& fixture) { return fixture.settings->runAction(Lyr::ResetToDefaults); }, judge);
+    struct OtherFont : Settings {
+        bool isSet = lyrSetValue<const char*>(settings.get(), Lyr::Font, "Liberation Sans,12,-1,5,50,0,0,0,0,0");
+    };
+    EXPECT_GT(scarce::withEachAllocationFailing<OtherFont>(
+                  [](Settings& fixture) { return fixture.settings->runAction(Lyr::ResetToDefaults); },
+                  [&](Settings& fixture, bool done) {
+                      judge(fixture, done);
+                      // All that could be reset is; the font is the one value that needs memory.
+                      EXPECT_EQ(textOf(fixture.settings.get(), Lyr::Font) == DEFAULT_FONT, done);
+                      EXPECT_EQ(lyrGetValue(fixture.settings.get(), Lyr::Thickness, -1LL), 12);
+                  }),
+              0);
 }
 
 TEST(ScarceSettings, give_their_caption_or_keep_the_last_one) {
-    scarce::withEachAllocationFailing<Settings>(
+    const int failures = scarce::withEachAllocationFailing<Settings>(
         [](Settings& fixture) {
             // What a read gives in want of memory is the caption of the last read: here there was none.
             const char* text = lyrGetValue<const char*>(fixture.settings.get(), Lyr::Description, "");
@@ -171,6 +181,7 @@ TEST(ScarceSettings, give_their_caption_or_keep_the_last_one) {
             return text != nullptr;
         },
         [](Settings& fixture, bool) { EXPECT_EQ(textOf(fixture.settings.get(), Lyr::Description), LONG_TEXT); });
+    EXPECT_GT(failures, 0);
 }
 
 TEST(ScarceSettings, saved_as_a_preset_with_a_table_are_copied_whole_or_not_at_all) {

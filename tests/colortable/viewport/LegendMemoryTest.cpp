@@ -49,16 +49,21 @@ TEST(LegendMemory, hooks_come_and_go_without_memory) {
     }
     Errors errors;
     errors.codes.reserve(100000);  // to hear of them needs no memory
+    int failures = 0;
+    bool hasFailed = true;
     for (long long n = 0; n < 200; ++n) {
+        hasFailed = false;
         for (const auto how : {ScarceMemory::Failing::Once, ScarceMemory::Failing::ForGood}) {
             std::unique_ptr<LyrColorTableCameraRoleHook> hook;
             {
                 const ScarceMemory scarce(n, how);
                 hook.reset(new (std::nothrow) LyrColorTableCameraRoleHook);
+                hasFailed = hasFailed || scarce.hasFailed();
             }
             {
                 const ScarceMemory scarce(n, how);
                 hook.reset();
+                hasFailed = hasFailed || scarce.hasFailed();
             }
             // What was left behind for want of memory goes with the next hook.
             { const LyrColorTableCameraRoleHook again; }
@@ -66,7 +71,10 @@ TEST(LegendMemory, hooks_come_and_go_without_memory) {
                 ASSERT_FALSE(rendererOf(camera.get())) << n;
             }
         }
+        failures += hasFailed ? 1 : 0;
     }
+    EXPECT_GT(failures, 10);
+    EXPECT_FALSE(hasFailed) << "no end";
     EXPECT_TRUE(std::all_of(errors.codes.begin(), errors.codes.end(), [](int code) {
         return code == ALLOCATION_FAILED || code == static_cast<int>(Lyr::Failed);
     }));

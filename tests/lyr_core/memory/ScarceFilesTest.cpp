@@ -41,8 +41,8 @@ long long objectCount() {
     return LyrClassManager::getObjectCount(LyrClassManager::SearchPattern("LyrObject"));
 }
 
-/** Runs `work` with each of its allocations failing; `check` judges every run that was in vain, `undo` prepares for the
- * next one after any other. Returns how many runs there were. */
+/** Runs `work` with each of its allocations failing; `check` judges every run that was in vain, `undo` judges any other
+ * and prepares for the next one. Returns how many runs there were. */
 template <class Work, class Check, class Undo = void (*)()>
 int withScarceMemory(
     Work work, Check check, Undo undo = [] {}) {
@@ -137,17 +137,18 @@ TEST(ScarceFiles, replaces_a_file_whole_or_leaves_it) {
     const std::string name = path.substr(folder.path().size() + 1);
     folder.write(name, DEFAULT_TEXT);
     Report report;
-    withScarceMemory([&] { return LyrObjectFile::save(*sample, path, report); },
-                     [&] {
-                         EXPECT_FALSE(report.message.isEmpty());
-                         EXPECT_EQ(folder.read(name), DEFAULT_TEXT);
-                         EXPECT_EQ(folder.names().size(), 1u);
-                     },
-                     [&] {
-                         EXPECT_EQ(folder.read(name), expected);
-                         EXPECT_EQ(folder.names().size(), 1u);
-                         folder.write(name, DEFAULT_TEXT);
-                     });
+    const int runs = withScarceMemory([&] { return LyrObjectFile::save(*sample, path, report); },
+                                      [&] {
+                                          EXPECT_FALSE(report.message.isEmpty());
+                                          EXPECT_EQ(folder.read(name), DEFAULT_TEXT);
+                                          EXPECT_EQ(folder.names().size(), 1u);
+                                      },
+                                      [&] {
+                                          EXPECT_EQ(folder.read(name), expected);
+                                          EXPECT_EQ(folder.names().size(), 1u);
+                                          folder.write(name, DEFAULT_TEXT);
+                                      });
+    EXPECT_GT(runs, 100);
 }
 
 TEST(ScarceFiles, loads_a_file_or_says_why_not) {
@@ -156,7 +157,7 @@ TEST(ScarceFiles, loads_a_file_or_says_why_not) {
     const std::string path = folder.file("sample.json");
     LyrObjectPtr out;
     Report report;
-    withScarceMemory(
+    const int runs = withScarceMemory(
         [&] {
             out = LyrObjectPtr();
             return LyrObjectFile::load(path, out, report);
@@ -164,11 +165,20 @@ TEST(ScarceFiles, loads_a_file_or_says_why_not) {
         [&] {
             EXPECT_FALSE(out.get());
             EXPECT_FALSE(report.message.isEmpty());
-        });
+        },
+        [&] { EXPECT_EQ(textOf(*out), DEFAULT_TEXT); });
+    EXPECT_GT(runs, 100);
+    const std::string text = textOf(*filledSample());
+    folder.write("sample.json", text);
     const LyrObjectPtr target(new Sample);
-    withScarceMemory([&] { return LyrObjectFile::loadInto(path, *target, report); },
-                     [&] {
-                         EXPECT_FALSE(report.message.isEmpty());
-                         EXPECT_EQ(textOf(*target), DEFAULT_TEXT);
-                     });
+    const int runsInto = withScarceMemory([&] { return LyrObjectFile::loadInto(path, *target, report); },
+                                          [&] {
+                                              EXPECT_FALSE(report.message.isEmpty());
+                                              EXPECT_EQ(textOf(*target), DEFAULT_TEXT);
+                                          },
+                                          [&] {
+                                              EXPECT_EQ(textOf(*target), text);
+                                              EXPECT_TRUE(LyrObjectFile::readInto(DEFAULT_TEXT, *target, report));
+                                          });
+    EXPECT_GT(runsInto, 200);
 }

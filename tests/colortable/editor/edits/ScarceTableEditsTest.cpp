@@ -34,6 +34,7 @@ struct OwnTable {
         objects = objectCount();
     }
     undowalk::TableContent content() const { return undowalk::contentOfTable(table.get(), numbers); }
+    void judge(bool) {}
 
     LyqApplication& application = LyqApplication::instance();
     undowalk::SectionNumbers numbers;
@@ -45,13 +46,19 @@ struct OwnTable {
 };
 
 struct TableInAction : OwnTable {
-    ~TableInAction() { application.userActionEnd(token); }
+    ~TableInAction() { application.userActionAborted(token); }
+    /** The action recorded all of the edit, and nothing of one that failed. */
+    void judge(bool isDone) {
+        EXPECT_TRUE(application.userActionEnd(token));
+        EXPECT_EQ(application.undoStack().count(), isDone ? 1 : 0);
+        EXPECT_EQ(application.undo(), isDone);
+        EXPECT_EQ(content(), before);
+    }
     LyqApplication::UserActionToken token = application.userActionBegin(QStringLiteral("outer"));
 };
 
 template <class Fixture, class Work>
 void expectWholeEdit(Work work) {
-    undowalk::TableContent done;
     const int failures = scarce::withEachAllocationFailing<Fixture>(work, [&](Fixture& own, bool isDone) {
         if (isDone) {
             EXPECT_NE(own.content(), own.before);
@@ -60,6 +67,7 @@ void expectWholeEdit(Work work) {
             EXPECT_EQ(own.content(), own.before);
             EXPECT_EQ(objectCount(), own.objects);
         }
+        own.judge(isDone);
     });
     EXPECT_GT(failures, 2);
 }
