@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "TestTables.h"
@@ -13,18 +15,23 @@ namespace {
 
 thread_local bool refusing = false;
 thread_local int asked = 0;
+thread_local int brokenFences = 0;
+constexpr int fenceBytes = 16;
 
 }  // namespace
 
-// Memory of plans, in place of the library's: none at all when it is to be refused, else full of other data.
+// Memory of plans, in place of the library's: none at all when it is to be refused, else full of other data. The size
+// stands before it, a fence behind it.
 void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
     ++asked;
     const auto line = static_cast<std::size_t>(alignment);
-    const std::size_t whole = (size + line - 1) / line * line;
-    void* memory = refusing ? nullptr : std::aligned_alloc(line, whole);
-    if (memory)
-        std::memset(memory, 0x5A, whole);
-    return memory;
+    const std::size_t whole = line + (size + fenceBytes + line - 1) / line * line;
+    auto* memory = refusing ? nullptr : static_cast<unsigned char*>(std::aligned_alloc(line, whole));
+    if (!memory)
+        return nullptr;
+    std::memset(memory, 0x5A, whole);
+    std::memcpy(memory + line - sizeof size, &size, sizeof size);
+    return memory + line;
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
@@ -34,12 +41,18 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
     return memory;
 }
 
-void operator delete(void* memory, std::align_val_t) noexcept {
-    std::free(memory);
+void operator delete(void* memory, std::align_val_t alignment) noexcept {
+    if (!memory)
+        return;
+    const auto* data = static_cast<const unsigned char*>(memory);
+    std::size_t size = 0;
+    std::memcpy(&size, data - sizeof size, sizeof size);
+    brokenFences += std::count(data + size, data + size + fenceBytes, 0x5A) != fenceBytes;
+    std::free(static_cast<unsigned char*>(memory) - static_cast<std::size_t>(alignment));
 }
 
-void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(memory);
+void operator delete(void* memory, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    operator delete(memory, alignment);
 }
 
 namespace {
@@ -78,9 +91,15 @@ TEST(ColorPlanMemory, without_memory_a_long_table_has_no_plan_and_a_short_one_ne
     EXPECT_TRUE(plan.isFlat());
 }
 
-TEST(ColorPlanMemory, what_the_memory_held_before_is_nothing_to_the_plan) {
-    for (const size_t boundaries : {size_t{64}, size_t{300}, size_t{66000}}) {
+TEST(ColorPlanMemory, what_the_memory_held_before_is_nothing_to_the_plan_and_what_lies_behind_it_stays) {
+    for (const size_t boundaries : {size_t{64}, size_t{65}, size_t{80}, size_t{300}, size_t{1023}, size_t{66000}}) {
         const plain::Table table = evenTable(boundaries);
+        brokenFences = 0;
+        {
+            ColorPlan plan;
+            ASSERT_TRUE(plan.build(table.view()));
+        }
+        EXPECT_EQ(brokenFences, 0) << boundaries;
         ColorPlan plan;
         asked = 0;
         ASSERT_TRUE(plan.build(table.view()));

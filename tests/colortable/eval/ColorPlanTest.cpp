@@ -274,6 +274,35 @@ TEST(ColorPlan, outputs_larger_than_the_caches_equal_the_scalar_path_at_every_al
     }
 }
 
+// Streamed colours have to lie on the lines of memory, wherever in a page the output begins.
+TEST(ColorPlan, a_large_output_may_begin_anywhere_in_a_page) {
+    const plain::Table t = plain::rainbowTable();
+    constexpr size_t count = (1 << 20) + 64;
+    const std::vector<float> values(count, 0.5f);
+    float want[4];
+    ASSERT_TRUE(scalarColor(t.view(), 0.5f, want));
+    for (const size_t behind : {0u, 4u, 5u, 8u, 12u, 1020u}) {
+        const GuardedArray memory(count * 4 + 1024, false);
+        float* out = memory.data() + behind;
+        for (const KernelTarget target : targets()) {
+            ColorPlan plan;
+            ASSERT_TRUE(plan.buildFor(target, t.view()));
+            ASSERT_EQ(plan.colorize(int64_t(count), values.data(), out), -1);
+            for (const size_t i : {size_t{0}, size_t{1}, size_t{2}, size_t{3}, size_t{4}, count / 2, count - 1})
+                EXPECT_EQ(std::memcmp(out + 4 * i, want, sizeof want), 0) << i << " behind " << behind;
+        }
+    }
+}
+
+TEST(ColorPlan, a_constant_keeps_the_bits_of_any_nan_beside_rules) {
+    for (const Rule rule : {Rule::Rainbow, Rule::HueCycle, Rule::BlackGreenBlueRed}) {
+        plain::Table t = wholeOf(rule);
+        t.sections[0] = plain::constantSection(plain::floatOf(0x7FA00001u), plain::floatOf(0xFFC00002u), 0.25f);
+        for (const KernelTarget target : targets())
+            EXPECT_TRUE(equalToScalar(t, {-1.0f, 0.5f, 2.0f, -3.0f}, target)) << int(rule);
+    }
+}
+
 TEST(ColorPlan, no_page_around_the_arrays_is_touched) {
     const plain::Table t = plain::rainbowTable();
     for (const KernelTarget target : targets()) {
@@ -320,6 +349,9 @@ TEST(ColorPlan, a_failing_value_is_found_wherever_it_stands) {
             for (const size_t count : {1, 2, 5, 16, 31, 33, 70, 130}) {
                 std::vector<float> values(count, 0.25f);
                 EXPECT_TRUE(equalToScalar(t, values, target)) << count;
+                // On the boundaries' own side, and below 0.
+                for (const float good : {1.0f, std::nextafter(-1.0f, 0.0f), -0.5f})
+                    EXPECT_TRUE(equalToScalar(t, std::vector<float>(count, good), target)) << good;
                 for (size_t at = 0; at < count; ++at) {
                     values[at] = failing;
                     EXPECT_TRUE(equalToScalar(t, values, target)) << at << " of " << count;
@@ -381,6 +413,7 @@ TEST(ColorPlan, what_is_below_all_boundaries_or_between_twins_takes_no_place_amo
     for (const KernelTarget target : targets()) {
         EXPECT_TRUE(equalToScalar(t, {1.0f, 0.5f, 7.0f, 9.0f, 8.5f}, target));
         EXPECT_TRUE(equalToScalar(t, {1.0f, -0.5f, 7.0f}, target));
+        EXPECT_TRUE(equalToScalar(t, {1.0f, std::nextafter(0.0f, -inf), 7.0f}, target));
     }
 }
 

@@ -33,6 +33,13 @@ TEST(ScalarTable, an_inner_boundary_belongs_below_the_first_one_above) {
     EXPECT_EQ(find(p, 2), 3);
 }
 
+TEST(ScalarTable, a_boundary_that_is_alone_is_the_first_one) {
+    EXPECT_EQ(find({2}, 1), 0);
+    EXPECT_EQ(find({2}, 2), 1);
+    EXPECT_EQ(find({2}, 3), 1);
+    EXPECT_EQ(find({}, 3), 0);
+}
+
 TEST(ScalarTable, a_view_has_no_finite_ends_until_it_is_told_and_a_failure_names_nothing) {
     const TableView view;
     EXPECT_EQ(view.positions, nullptr);
