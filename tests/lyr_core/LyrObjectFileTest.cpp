@@ -122,6 +122,7 @@ TEST(LyrObjectFile, reads_every_form_of_a_number_and_rounds_it_once) {
     EXPECT_TRUE(sameBits(weightFrom("-0e5"), -0.0f));
     EXPECT_TRUE(sameBits(weightFrom("0"), 0.0f));
     EXPECT_TRUE(sameBits(weightFrom("-1e-400"), -0.0f));
+    EXPECT_TRUE(sameBits(weightFrom("1e-400"), 0.0f));
     EXPECT_TRUE(sameBits(weightFrom("1e-50"), 0.0f));
     EXPECT_TRUE(sameBits(weightFrom("1e-45"), 1e-45f));
     EXPECT_EQ(weightFrom("25"), 25.0f);
@@ -405,6 +406,19 @@ TEST(LyrObjectFile, a_higher_version_is_read_as_far_as_it_is_understood) {
         "line 11, properties.FileTestLeafList[0].properties.Type: \"Spline\" is no identifier known here; the module "
         "that knows it may not be loaded; the default is taken");
     EXPECT_NE(std::string(report.warnings[3].utf8()).find("\"Tomorrow\""), std::string::npos);
+}
+
+TEST(LyrObjectFile, what_is_told_of_a_file_that_is_loaded_begins_with_its_path) {
+    const TemporaryFolder folder;
+    folder.write("a",
+                 replaced(replaced(DEFAULT_TEXT, "\"version\": 1", "\"version\": 2"), "\"Length\"", "\"Tomorrow\""));
+    LyrObjectPtr out;
+    Report report;
+    ASSERT_TRUE(LyrObjectFile::load(folder.file("a"), out, report)) << report.message.utf8();
+    ASSERT_EQ(report.warnings.size(), 1u);
+    for (const LyrString& told : {report.message, report.warnings[0]}) {
+        EXPECT_EQ(std::string(told.utf8()).find(folder.file("a") + ": "), 0u) << told.utf8();
+    }
 }
 
 TEST(LyrObjectFile, a_file_of_a_higher_version_is_never_overwritten) {
