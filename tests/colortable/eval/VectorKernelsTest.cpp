@@ -47,6 +47,13 @@ TEST(VectorKernels, a_processor_without_the_instructions_has_no_kernels_for_them
         EXPECT_FALSE(isKernelTargetAvailable(each.target)) << each.name;
 }
 
+TEST(VectorKernels, an_instruction_set_that_is_none_is_plain_and_not_available) {
+    const auto none = static_cast<KernelTarget>(77);
+    EXPECT_FALSE(isKernelTargetAvailable(none));
+    EXPECT_STREQ(kernelTargetName(none), "plain");
+    EXPECT_EQ(kernelFor(none).block, plainKernel().block);
+}
+
 TEST(VectorKernels, each_instruction_set_has_kernels_and_a_name_of_its_own) {
     std::set<BlockFunction> blocks = {plainKernel().block};
     std::set<FailureFunction> checks = {plainKernel().holdsFailure};
