@@ -37,8 +37,9 @@ public:
     bool getColors(long long count, const float* values, LyrRGBA<float>* out) const;
 
     /** The generators: store the parameters on the table, then rebuild it in one undo step. The parameters are no part
-     * of the step and stay when the rebuild is refused. False for a null table, a failed write or refused parameters:
-     * all need finite numbers with from < to, the stepped ones step > 0 and at most 1,000,000 boundaries.
+     * of the step and stay when the rebuild is refused. False for a null table, a failed write, a step that finds no
+     * memory (the table is as before) or refused parameters: all need finite numbers with from < to, the stepped ones
+     * step > 0 and at most 1,000,000 boundaries.
      *
      *  One section of the scheme `type` from `from` to `to`. */
     static bool createSmooth(LyrObject* table, float from, float to, Lyrenum type);
