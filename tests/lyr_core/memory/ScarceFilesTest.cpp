@@ -71,6 +71,23 @@ int withScarceMemory(
     return runs;
 }
 
+/** Reads values into an object that has its defaults: it then has all of `text` or none. */
+template <class Read>
+void expectAllOrNothing(const std::string& text, const Read& read) {
+    const LyrObjectPtr target(new Sample);
+    Report report;
+    const int runs = withScarceMemory([&] { return read(*target, report); },
+                                      [&] {
+                                          EXPECT_FALSE(report.message.isEmpty());
+                                          EXPECT_EQ(textOf(*target), DEFAULT_TEXT);
+                                      },
+                                      [&] {
+                                          EXPECT_EQ(textOf(*target), text);
+                                          EXPECT_TRUE(LyrObjectFile::readInto(DEFAULT_TEXT, *target, report));
+                                      });
+    EXPECT_GT(runs, 200);
+}
+
 }  // namespace
 
 TEST(ScarceFiles, writes_a_text_or_says_why_not) {
@@ -115,18 +132,8 @@ TEST(ScarceFiles, reads_a_whole_object_or_none) {
 
 TEST(ScarceFiles, gives_an_object_all_values_of_a_file_or_none) {
     const std::string text = textOf(*filledSample());
-    const LyrObjectPtr target(new Sample);
-    Report report;
-    const int runs = withScarceMemory([&] { return LyrObjectFile::readInto(text, *target, report); },
-                                      [&] {
-                                          EXPECT_FALSE(report.message.isEmpty());
-                                          EXPECT_EQ(textOf(*target), DEFAULT_TEXT);
-                                      },
-                                      [&] {
-                                          EXPECT_EQ(textOf(*target), text);
-                                          EXPECT_TRUE(LyrObjectFile::readInto(DEFAULT_TEXT, *target, report));
-                                      });
-    EXPECT_GT(runs, 200);
+    expectAllOrNothing(
+        text, [&](LyrObject& target, Report& report) { return LyrObjectFile::readInto(text, target, report); });
 }
 
 TEST(ScarceFiles, replaces_a_file_whole_or_leaves_it) {
@@ -170,15 +177,6 @@ TEST(ScarceFiles, loads_a_file_or_says_why_not) {
     EXPECT_GT(runs, 100);
     const std::string text = textOf(*filledSample());
     folder.write("sample.json", text);
-    const LyrObjectPtr target(new Sample);
-    const int runsInto = withScarceMemory([&] { return LyrObjectFile::loadInto(path, *target, report); },
-                                          [&] {
-                                              EXPECT_FALSE(report.message.isEmpty());
-                                              EXPECT_EQ(textOf(*target), DEFAULT_TEXT);
-                                          },
-                                          [&] {
-                                              EXPECT_EQ(textOf(*target), text);
-                                              EXPECT_TRUE(LyrObjectFile::readInto(DEFAULT_TEXT, *target, report));
-                                          });
-    EXPECT_GT(runsInto, 200);
+    expectAllOrNothing(text,
+                       [&](LyrObject& target, Report& into) { return LyrObjectFile::loadInto(path, target, into); });
 }
